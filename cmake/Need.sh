@@ -1,0 +1,30 @@
+# SPDX-License-Identifier: MIT
+# Installs what is missing. To be sourced; needs root or sudo only when something is missing.
+#   need COMMAND-OR-FILE PACKAGE [COMMAND-OR-FILE PACKAGE ...]
+
+need() {
+    missing=""
+    while [ $# -gt 1 ]; do
+        case "$1" in
+        /*) [ -e "$1" ] || missing="$missing $2" ;;
+        *) command -v "$1" >/dev/null 2>&1 || missing="$missing $2" ;;
+        esac
+        shift 2
+    done
+    [ -z "$missing" ] && return 0
+    as_root=""
+    if [ "$(id -u)" -ne 0 ]; then
+        if ! command -v sudo >/dev/null 2>&1; then
+            echo "Please install these packages and start again:$missing" >&2
+            exit 1
+        fi
+        as_root="sudo"
+    fi
+    echo "Installing:$missing"
+    # shellcheck disable=SC2086
+    if ! $as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends \
+        $missing >/dev/null 2>&1; then
+        $as_root apt-get update -q
+        $as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends $missing
+    fi
+}

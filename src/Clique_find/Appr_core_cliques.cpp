@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: MIT
+// Approximated cliques.
+//
+// Takes    the core, the exact cliques.
+// Leaves   the clique list with the approximated cliques behind the exact ones.
+// Order    that of the core's nodes; exact cliques stay in theirs.
+// Cost     each set is compared with the sets at its rarest node. Memory: one number a clique
+// member
+//          for the time of the comparison.
+// Tested   Appr_core_cliques_test.cpp
+#include "Clique_find/Appr_core_cliques.h"
+
+#include "Clique_find/Subset_index.h"
+
+#include <algorithm>
+
+namespace cpm {
+
+namespace {
+
+// A flag for each node: whether it is in some set of the list.
+std::vector<bool> Nodes_in(Set_list const& sets) {
+    std::vector<bool> in(1, false);
+    for (Node const node : sets.Flat()) {
+        if (node >= in.size()) {
+            in.resize(std::size_t{node} + 1, false);
+        }
+        in[node] = true;
+    }
+    return in;
+}
+
+} // namespace
+
+// The rule speaks of candidates accepted one by one: a neighbourhood is refused when an accepted
+// one or an exact clique holds it; accepted ones that a later accepted one holds are removed at the
+// end. Invariant: what stays are the neighbourhoods that lie in no exact clique, in no larger
+//            neighbourhood, and in no equal earlier one.
+// Relies on: a neighbourhood that was refused lies in an accepted one or an exact clique, and so
+// does
+//            all that lies in it.
+// Buys:      every neighbourhood can be judged by itself.   Pinned by: Appr_core_cliques_test
+void Appr_core_cliques(Core const& core, Set_list const& exact, Set_list& approx) {
+    Set_list const& candidates = core.neighs;
+    std::vector<bool> const asked = Nodes_in(candidates);
+    Subset_index const in_candidates(candidates);
+    Subset_index const in_exact(exact, &asked);
+    Set_list kept;
+    for (std::uint32_t i = 0; i < candidates.size(); ++i) {
+        Node_set const candidate = candidates[i];
+        bool const covered = in_candidates.Any_holder(candidate, [&](std::uint32_t other) {
+            return candidates[other].size() > candidate.size() || other < i;
+        });
+        if (!covered && !in_exact.Any_holder(candidate)) {
+            kept.Add(candidate);
+        }
+    }
+    approx = std::move(kept);
+}
+
+bool Extend_clique_vec(Set_list& cliques, std::size_t& n_exact, Set_list& approx) {
+    Set_list kept;
+    if (!approx.empty()) {
+        std::vector<bool> const asked = Nodes_in(approx);
+        Subset_index const in_cliques(cliques, &asked);
+        for (std::size_t i = 0; i < approx.size(); ++i) {
+            if (!in_cliques.Any_holder(approx[i])) {
+                kept.Add(approx[i]);
+            }
+        }
+    }
+    approx = std::move(kept);
+
+    Subset_index const in_approx(approx);
+    std::vector<bool> keep(cliques.size());
+    for (std::size_t i = 0; i < cliques.size(); ++i) {
+        keep[i] = !in_approx.Any_holder(cliques[i]);
+    }
+    bool const dropped = std::ranges::find(keep, false) != keep.end();
+    if (dropped) {
+        Set_list exact;
+        for (std::size_t i = 0; i < cliques.size(); ++i) {
+            if (keep[i]) {
+                exact.Add(cliques[i]);
+            }
+        }
+        cliques = std::move(exact);
+    }
+    n_exact = cliques.size();
+    for (std::size_t i = 0; i < approx.size(); ++i) {
+        cliques.Add(approx[i]);
+    }
+    return dropped;
+}
+
+std::uint32_t Max_clique_size_in_cl_vec(Set_list const& cliques) {
+    std::size_t largest = 0;
+    for (std::size_t i = 0; i < cliques.size(); ++i) {
+        largest = std::max(largest, cliques[i].size());
+    }
+    return static_cast<std::uint32_t>(largest);
+}
+
+} // namespace cpm

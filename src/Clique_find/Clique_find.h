@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+// The undirected clique searches: all maximal cliques of three nodes or more, node by node.
+#ifndef PLEXOR_CLIQUE_FIND_H
+#define PLEXOR_CLIQUE_FIND_H
+
+#include "Clique_find/Clock.h"
+#include "Clique_find/Local_cliques.h"
+#include "Clique_find/Node_order.h"
+#include "Types.h"
+#include "Vertex_maps.h"
+#include "support/Console.h"
+
+#include <vector>
+
+namespace cpm {
+
+/// Finds every maximal clique of three nodes or more. The nodes are taken in their Node_order; the
+/// cliques listed at a node are those whose first node in that order it is, in lexicographic order
+/// of their other nodes. Reports its progress, a report a node.
+void Clique_find(Set_list& cliques, Vtx_map const& vertices, Console& console);
+
+namespace Clique_find_sub_routines {
+
+/// The cliques of one node after the other; holds the working memory that they share.
+class Node_search {
+public:
+    explicit Node_search(Node_order const& order);
+
+    /// Appends the cliques whose first node is `node`.
+    void Clique_find_main_inv(Node node, Set_list& cliques);
+
+private:
+    bool Gather(Node node);
+
+    Node_order const& order_;
+    Local_cliques local_;
+    Flat_array<std::uint32_t> place_; ///< node -> 1 + its place among the candidates, or 0
+};
+
+} // namespace Clique_find_sub_routines
+
+} // namespace cpm
+
+#endif

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+// The directed clique searches: all maximal sets of three nodes or more that can be put in a line
+// such that every node has a link to every later one.
+#ifndef PLEXOR_CLIQUE_FIND_DIR_H
+#define PLEXOR_CLIQUE_FIND_DIR_H
+
+#include "Clique_find/Clock.h"
+#include "Clique_find/Dir_first_check.h"
+#include "Clique_find/Dir_kernel.h"
+#include "Clique_find/Dir_links.h"
+#include "Clique_find/Dir_order.h"
+#include "Clique_find/Dir_surroundings.h"
+#include "Clique_find/Local_cliques.h"
+#include "Clique_find/Time_limited.h"
+#include "Types.h"
+#include "Vertex_maps.h"
+#include "support/Console.h"
+
+#include <vector>
+
+namespace cpm {
+
+/// Finds every directed clique. The nodes are taken by ascending number of neighbours, then index;
+/// the cliques listed at a node are those whose first node it is, see Dir_order. Reports its
+/// progress, a report a node.
+void Clique_find_dir(Set_list& cliques, Vtxd_map const& vertices, Console& console);
+
+/// Finds directed cliques, each node within `max_time` seconds. A node that needs longer is tried
+/// again when all others have been; when every node left has overrun in a row the search ends.
+/// `core` receives the nodes left then, ascending.
+void Clique_find_dir_time(Set_list& cliques, Vtxd_map const& vertices, std::vector<Node>& core,
+                          double max_time, Clock const& clock, Console& console);
+
+namespace Clique_find_dir_sub_routines {
+
+/// The cliques of one node after the other; holds the working memory that they share.
+class Dir_node_search : public Clique_find_time_sub_routines::Node_finder {
+public:
+    explicit Dir_node_search(Dir_links const& links) : around_(links) {}
+
+    /// Appends the cliques that hold the node and no done node.
+    void Main_inc_dir_investigator(Node node, Set_list& cliques);
+    /// The same within a time.
+    void Main_inc_dir_inv_time(Node node, Clique_find_time_sub_routines::Time_budget& budget,
+                               Set_list& found);
+
+    void Find(Node node, Clique_find_time_sub_routines::Time_budget& budget,
+              Set_list& found) override {
+        Main_inc_dir_inv_time(node, budget, found);
+    }
+    void Done(Node node) override { around_.Done(node); }
+
+private:
+    void Find_around(Local_cliques::Stop_check const* stop, Set_list& cliques);
+    void Find_without_circles(Local_cliques::Stop_check const* stop);
+    void Append_clique(Node_set places, Set_list& cliques);
+
+    Dir_surroundings around_;
+    Dir_first_check first_check_;
+    Local_cliques local_;
+    Dir_kernel kernel_;
+    Dir_order order_;
+    std::vector<Node> places_; ///< 0, 1, 2, ...
+    Set_list sets_;
+    std::vector<Node> clique_;
+};
+
+} // namespace Clique_find_dir_sub_routines
+
+} // namespace cpm
+
+#endif

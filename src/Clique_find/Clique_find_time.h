@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+// The time-limited undirected search.
+#ifndef PLEXOR_CLIQUE_FIND_TIME_H
+#define PLEXOR_CLIQUE_FIND_TIME_H
+
+#include "Clique_find/Clock.h"
+#include "Clique_find/Local_cliques.h"
+#include "Clique_find/Time_limited.h"
+#include "Types.h"
+#include "Vertex_maps.h"
+#include "support/Console.h"
+
+#include <vector>
+
+namespace cpm {
+
+/// Finds maximal cliques of three nodes or more, node by node, each node within `max_time` seconds.
+/// A node that needs longer is tried again when all others have been; when every node left has
+/// overrun in a row the search ends. `core` receives the nodes left then, ascending.
+void Clique_find_part_time(Set_list& cliques, Vtx_map const& vertices, std::vector<Node>& core,
+                           double max_time, Clock const& clock, Console& console);
+
+namespace Clique_find_time_sub_routines {
+
+/// Finds the cliques of one node among the nodes not done, by way of Local_cliques.
+class Timed_node_search : public Node_finder {
+public:
+    explicit Timed_node_search(Vtx_map const& vertices);
+
+    void Find(Node node, Time_budget& budget, Set_list& found) override {
+        Clique_find_main_time_part(node, budget, found);
+    }
+    void Done(Node node) override { done_[node] = true; }
+
+private:
+    void Clique_find_main_time_part(Node node, Time_budget& budget, Set_list& found);
+    bool Gather(Node node);
+    template <class Take> void For_each_candidate_of(Node other, Take const& take) const;
+
+    Vtx_map const& vertices_;
+    std::vector<bool> done_;
+    Local_cliques local_;
+    std::vector<Node> candidates_;
+    std::vector<std::uint32_t> place_; ///< node -> 1 + its place among the candidates, or 0
+};
+
+} // namespace Clique_find_time_sub_routines
+
+} // namespace cpm
+
+#endif

@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: MIT
+// Takes    the network's links, a node, which nodes are done.
+// Leaves   the node's surroundings.
+// Order    places of candidates ascend with their indices.
+// Cost     the later neighbours of each neighbour are walked, never all neighbours of a hub: over
+//          all nodes no more than sqrt(2 * links) a link, and on real networks a few.
+// Tested   Clique_find_dir_test.cpp
+#include "Clique_find/Dir_surroundings.h"
+
+#include "Clique_find/Circles.h"
+
+#include <algorithm>
+
+namespace cpm {
+
+Dir_surroundings::Dir_surroundings(Dir_links const& links)
+    : all_links_(links), done_(links.Vertices().size() + 1, false),
+      place_(links.Vertices().size() + 1, 0) {}
+
+bool Dir_surroundings::Gather(Node node) {
+    Walk_neighbours(node);
+    if (centre_ < 2) {
+        return false;
+    }
+    Walk_links();
+    Leave_out_idle_nodes();
+    one_way_ = std::any_of(arcs_.begin(), arcs_.begin() + centre_,
+                           [](Arcs arcs) { return arcs != Arc_both; }) ||
+               std::ranges::any_of(
+                   links_, [](Local_link const& link) { return link.arcs != Arc_both; });
+    return centre_ > 0;
+}
+
+void Dir_surroundings::Walk_neighbours(Node node) {
+    names_.clear();
+    arcs_.clear();
+    excluded_names_.clear();
+    excluded_arcs_.clear();
+    For_each_neighbour(all_links_.Vertices()[node - 1], [this](Node neighbour, Arcs arcs) {
+        (done_[neighbour] ? excluded_names_ : names_).push_back(neighbour);
+        (done_[neighbour] ? excluded_arcs_ : arcs_).push_back(arcs);
+    });
+    centre_ = N_places();
+    names_.push_back(node);
+    arcs_.push_back(0);
+    names_.Append(excluded_names_);
+    arcs_.Append(excluded_arcs_);
+}
+
+// A link stands with that of its two ends which comes first in the order of the nodes. Nodes are
+// not done in just this order when there is a time limit, so either end may be the candidate.
+void Dir_surroundings::Walk_links() {
+    links_.clear();
+    excluded_links_.clear();
+    for (Place i = 0; i < N_places(); ++i) {
+        place_[names_[i]] = i == centre_ ? 0 : i + 1;
+    }
+    for (Place i = 0; i < N_places(); ++i) {
+        if (i == centre_) {
+            continue;
+        }
+        Node_set const later = all_links_.Later(names_[i]);
+        std::span<Arcs const> const arcs = all_links_.Later_arcs(names_[i]);
+        for (std::size_t k = 0; k < later.size(); ++k) {
+            if (place_[later[k]] == 0) {
+                continue;
+            }
+            Place const other = place_[later[k]] - 1;
+            if (i < centre_ && other < centre_) {
+                links_.push_back({i, other, arcs[k]});
+            } else if (i < centre_) {
+                excluded_links_.push_back({i, other, arcs[k]});
+            } else if (other < centre_) {
+                excluded_links_.push_back({other, i, Reversed(arcs[k])});
+            }
+        }
+    }
+    for (Node const name : names_) {
+        place_[name] = 0;
+    }
+    auto const excluded_first = [](Local_link const& a, Local_link const& b) {
+        return a.other < b.other;
+    };
+    if (!std::ranges::is_sorted(excluded_links_, excluded_first)) {
+        std::ranges::sort(excluded_links_, excluded_first);
+    }
+}
+
+void Dir_surroundings::Leave_out_idle_nodes() {
+    kept_.clear();
+    kept_.Resize(names_.size(), 0); // first how many links count for a node
+    kept_[centre_] = 1;
+    for (Local_link const& link : links_) {
+        ++kept_[link.candidate];
+        ++kept_[link.other];
+    }
+    for (Local_link const& link : excluded_links_) {
+        if (kept_[link.candidate] > 0) {
+            ++kept_[link.other];
+        }
+    }
+    Place n_kept = 0;
+    Place new_centre = 0;
+    for (Place i = 0; i < N_places(); ++i) {
+        if (i == centre_) {
+            new_centre = n_kept;
+        }
+        if (kept_[i] < (i <= centre_ ? 1U : 2U)) {
+            kept_[i] = 0;
+            continue;
+        }
+        names_[n_kept] = names_[i];
+        arcs_[n_kept] = arcs_[i];
+        kept_[i] = ++n_kept;
+    }
+    centre_ = new_centre;
+    if (n_kept < names_.size()) {
+        names_.Resize_uninitialised(n_kept);
+        arcs_.Resize_uninitialised(n_kept);
+        Renumber(links_);
+        Renumber(excluded_links_);
+    }
+}
+
+void Dir_surroundings::Renumber(Flat_array<Local_link>& links) const {
+    std::size_t n_kept = 0;
+    for (Local_link const& link : links) {
+        if (kept_[link.candidate] != 0 && kept_[link.other] != 0) {
+            links[n_kept++] = {kept_[link.candidate] - 1, kept_[link.other] - 1, link.arcs};
+        }
+    }
+    links.Resize_uninitialised(n_kept);
+}
+
+// A circle here may run through several excluded nodes.
+bool Dir_surroundings::May_have_circles() const {
+    if (!one_way_) {
+        return false; // a circle with one excluded node has a link within the others
+    }
+    std::vector<One_way_link> one_way;
+    auto const add = [&one_way](Place a, Place b, Arcs seen_from_a) {
+        if (seen_from_a == Arc_to) {
+            one_way.push_back({a, b});
+        } else if (seen_from_a == Arc_from) {
+            one_way.push_back({b, a});
+        }
+    };
+    for (Place i = 0; i < N_places(); ++i) {
+        add(centre_, i, arcs_[i]);
+    }
+    for (auto const links : {Links(), Excluded_links()}) {
+        for (Local_link const& link : links) {
+            add(link.candidate, link.other, link.arcs);
+        }
+    }
+    return Close_a_circle(one_way, N_places());
+}
+
+} // namespace cpm

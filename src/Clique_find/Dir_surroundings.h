@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+// Dir_surroundings: what the directed search sees from one node: the neighbours that are not done,
+// its candidates, the done ones, which are excluded, and the links of the candidates with both.
+#ifndef PLEXOR_DIR_SURROUNDINGS_H
+#define PLEXOR_DIR_SURROUNDINGS_H
+
+#include "Clique_find/Dir_links.h"
+#include "Types.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace cpm {
+
+/// A place in the surroundings: candidates have the places 0, 1, ... by ascending index; then comes
+/// the node in the centre, then come the excluded nodes.
+using Place = std::uint32_t;
+
+/// A link of a candidate with another candidate or an excluded node.
+struct Local_link {
+    Place candidate = 0;
+    Place other = 0;
+    Arcs arcs = 0; ///< seen from the candidate
+};
+
+class Dir_surroundings {
+public:
+    /// No node is done yet. The links must outlive the surroundings.
+    explicit Dir_surroundings(Dir_links const& links);
+
+    void Done(Node node) { done_[node] = true; }
+
+    /// Looks at the surroundings of a node that is not done. Candidates without a link to another
+    /// candidate and excluded nodes with less than two links are left out: a clique has three nodes
+    /// or more. False when no candidates are left then.
+    bool Gather(Node node);
+
+    Place N_places() const { return static_cast<Place>(names_.size()); }
+    /// The place of the node itself, which is also the number of the candidates.
+    Place Centre() const { return centre_; }
+    Node Name(Place place) const { return names_[place]; }
+    /// How the node in the centre is linked with those in the other places.
+    Arcs Arcs_with(Place place) const { return arcs_[place]; }
+    /// The links between candidates, each listed once.
+    std::span<Local_link const> Links() const { return {links_.data(), links_.size()}; }
+    /// The links between candidates and excluded nodes, ascending by excluded nodes.
+    std::span<Local_link const> Excluded_links() const {
+        return {excluded_links_.data(), excluded_links_.size()};
+    }
+
+    /// Whether some link among the node and its candidates has no reverse.
+    bool One_way() const { return one_way_; }
+    /// False when no one-way links among the node, its candidates and one excluded node close a
+    /// circle. (True says nothing.)
+    bool May_have_circles() const;
+
+private:
+    void Walk_neighbours(Node node);
+    void Walk_links();
+    void Leave_out_idle_nodes();
+    void Renumber(Flat_array<Local_link>& links) const;
+
+    Dir_links const& all_links_;
+    std::vector<bool> done_;
+    Flat_array<Place> place_; ///< node -> 1 + its place, or 0
+
+    Place centre_ = 0;
+    bool one_way_ = false;
+    Flat_array<Node> names_; ///< by place
+    Flat_array<Arcs> arcs_;
+    Flat_array<Local_link> links_;
+    Flat_array<Local_link> excluded_links_;
+    // Within one step:
+    Flat_array<Node> excluded_names_;
+    Flat_array<Arcs> excluded_arcs_;
+    Flat_array<Place> kept_; ///< place -> 1 + its place without the idle nodes, or 0
+};
+
+} // namespace cpm
+
+#endif

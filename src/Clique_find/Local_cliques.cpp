@@ -1,0 +1,525 @@
+// SPDX-License-Identifier: MIT
+// Maximal cliques of a small graph under exclusions, by branching with pivots on bit rows.
+//
+// Takes    candidates with their links, excluded nodes with their links to candidates.
+// Leaves   each set S of candidates, two by two linked, such that no other candidate and no
+//          excluded node is linked with all of S.
+// Order    lexicographic. The branches are taken in any order; the cliques are sorted at the end,
+//          which costs little beside finding them and lets the pivot choose freely.
+// Cost     with c candidates, at most 3^(c/3) branches of c/64 words a candidate; what counts in
+//          practice is a few branches a clique. Memory: rows, and the cliques of this one problem.
+// Tested   Local_cliques_test.cpp (against all subsets of random graphs), Clique_find_test.cpp.
+#include "Clique_find/Local_cliques.h"
+
+#include "support/Bit_counting.h"
+
+#include <algorithm>
+#include <bit>
+#include <cassert>
+#include <numeric>
+
+namespace cpm {
+
+namespace {
+
+constexpr std::size_t branches_between_stop_checks = 256;
+
+bool Time_for_stop_check(std::size_t& countdown) {
+    if (countdown == 0) {
+        countdown = branches_between_stop_checks;
+    }
+    return --countdown == 0;
+}
+
+using Word = std::uint64_t;
+using Local_cliques_sub::Word_problem;
+constexpr std::size_t word_bits = 64;
+
+// See Local_cliques: the first candidate is the highest bit.
+constexpr Word Bit(std::size_t i) {
+    return (Word{1} << 63) >> i;
+}
+
+// A branch is a clique R, the candidates P that extend it, and the excluded nodes linked with all
+// of R: bits X for candidates already tried, words of `excluded` (cut down to P) for the others.
+// A clique found in a branch lies in R and P, and holds something of P unless P is empty: so an
+// excluded node without a link into P forbids nothing there, and one linked with all of P forbids
+// everything.
+PLEXOR_COUNTS_BITS
+bool Search_words(Word_problem& problem, Word all, Local_cliques::Stop_check const* stop) {
+    struct Branch {
+        Word clique = 0;
+        Word candidates = 0;
+        Word tried = 0;
+        Word to_try = 0;
+        std::size_t excluded_begin = 0;
+        std::size_t excluded_end = 0;
+    };
+    std::array<Branch, word_bits + 1> branches;
+    std::array<Word, word_bits> const& rows = problem.rows;
+    Flat_array<Word>& excluded = problem.excluded;
+    std::size_t depth = 0;
+    branches[0] = {0, all, 0, 0, 0, excluded.size()};
+    bool opened = false;
+
+    while (true) {
+        Branch& branch = branches[depth];
+        if (!opened) {
+            // Stage 1: choose a pivot; a clique without it holds a candidate not linked with it.
+            opened = true;
+            Word const set = branch.candidates;
+            int const size = std::popcount(set);
+            int best = -1;
+            int least = size;
+            Word best_row = 0;
+            for (Word rest = set; rest != 0;) {
+                auto const i = static_cast<std::size_t>(std::countl_zero(rest));
+                rest &= ~Bit(i);
+                int const links = std::popcount(rows[i] & set);
+                least = std::min(least, links);
+                if (links > best) {
+                    best = links;
+                    best_row = rows[i];
+                }
+            }
+            bool hopeless = false;
+            for (Word rest = branch.tried; rest != 0;) {
+                auto const i = static_cast<std::size_t>(std::countl_zero(rest));
+                rest &= ~Bit(i);
+                int const links = std::popcount(rows[i] & set);
+                hopeless |= links == size;
+                if (links > best) {
+                    best = links;
+                    best_row = rows[i];
+                }
+            }
+            for (std::size_t e = branch.excluded_begin; e < branch.excluded_end; ++e) {
+                int const links = std::popcount(excluded[e] & set);
+                hopeless |= links == size;
+                if (links > best) {
+                    best = links;
+                    best_row = excluded[e];
+                }
+            }
+            if (hopeless) {
+                branch.to_try = 0;
+            } else if (least == size - 1) {
+                problem.found.push_back(branch.clique | set); // all of P is one clique
+                branch.to_try = 0;
+            } else {
+                branch.to_try = set & ~best_row;
+            }
+            if (stop != nullptr && Time_for_stop_check(problem.until_stop_check) && (*stop)()) {
+                return false;
+            }
+        }
+        if (branch.to_try == 0) {
+            if (depth == 0) {
+                return true;
+            }
+            --depth;
+            continue;
+        }
+        // Stage 2: the branch of the next candidate.
+        auto const i = static_cast<std::size_t>(std::countl_zero(branch.to_try));
+        Word const bit = Bit(i);
+        Word const candidates = branch.candidates & rows[i];
+        Word const tried = branch.tried & rows[i];
+        branch.to_try &= ~bit;
+        branch.candidates &= ~bit;
+        branch.tried |= bit;
+        excluded.Resize_uninitialised(branch.excluded_end);
+        bool hopeless = candidates == 0 && tried != 0;
+        for (std::size_t e = branch.excluded_begin; e < branch.excluded_end && !hopeless; ++e) {
+            Word const row = excluded[e];
+            if ((row & bit) != 0) {
+                Word const links = row & candidates;
+                hopeless = links == candidates;
+                if (links != 0) {
+                    excluded.push_back(links);
+                }
+            }
+        }
+        if (hopeless) {
+            continue;
+        }
+        if (candidates == 0) {
+            problem.found.push_back(branch.clique | bit);
+            continue;
+        }
+        branches[depth + 1] = {branch.clique | bit, candidates,     tried, 0,
+                               branch.excluded_end, excluded.size()};
+        ++depth;
+        opened = false;
+    }
+}
+
+// The row with the most of the given candidates; `links` says how many.
+PLEXOR_COUNTS_BITS
+Word const* Most_linked(std::span<Word const* const> rows, Word const* candidates, std::size_t n,
+                        std::size_t& links) {
+    Word const* best = nullptr;
+    for (Word const* const row : rows) {
+        std::size_t common = 0;
+        for (std::size_t w = 0; w < n; ++w) {
+            common += static_cast<std::size_t>(std::popcount(row[w] & candidates[w]));
+        }
+        if (best == nullptr || common > links) {
+            best = row;
+            links = common;
+        }
+    }
+    return best;
+}
+} // namespace
+
+void Local_cliques::Start(std::size_t n_candidates) {
+    n_candidates_ = n_candidates;
+    n_words_ = (n_candidates + word_bits - 1) / word_bits;
+    rows_.clear();
+    rows_.Resize(n_candidates * n_words_, 0);
+    excluded_.clear();
+    words_.found.clear();
+    wide_found_.clear();
+    wide_order_.clear();
+}
+
+void Local_cliques::End_excluded(std::size_t least) {
+    Word const* const row = excluded_.end() - n_words_;
+    std::size_t links = 0;
+    for (std::size_t w = 0; w < n_words_; ++w) {
+        links += static_cast<std::size_t>(std::popcount(row[w]));
+    }
+    if (links < least) {
+        excluded_.Resize_uninitialised(excluded_.size() - n_words_);
+    }
+}
+
+bool Local_cliques::Find(Stop_check const* stop) {
+    if (n_candidates_ == 0) {
+        return true;
+    }
+    if (n_words_ > 1) {
+        return Search_wide(stop);
+    }
+    std::copy(rows_.begin(), rows_.end(), words_.rows.begin());
+    words_.excluded.clear();
+    words_.excluded.Append(excluded_);
+    Word const all = ~Word{0} << (word_bits - n_candidates_);
+    bool const finished = Search_words(words_, all, stop);
+    std::sort(words_.found.begin(), words_.found.end(), std::greater<>());
+    return finished;
+}
+
+void Local_cliques::Append_cliques(Node always, Node_set names, std::size_t least,
+                                   Set_list& cliques) {
+    auto const append = [&](auto const& for_each_candidate) {
+        clique_.clear();
+        bool placed = false;
+        for_each_candidate([&](std::size_t i) {
+            if (!placed && always < names[i]) {
+                clique_.push_back(always);
+                placed = true;
+            }
+            clique_.push_back(names[i]);
+        });
+        if (!placed) {
+            clique_.push_back(always);
+        }
+        if (clique_.size() > least) {
+            cliques.Add(clique_);
+        }
+    };
+    for (Word const set : words_.found) {
+        append([set](auto const& take) {
+            for (Word rest = set; rest != 0;) {
+                auto const i = static_cast<std::size_t>(std::countl_zero(rest));
+                rest &= ~Bit(i);
+                take(i);
+            }
+        });
+    }
+    for (std::uint32_t const number : wide_order_) {
+        append([set = wide_found_[number]](auto const& take) {
+            std::for_each(set.begin(), set.end(), take);
+        });
+    }
+}
+
+bool Local_cliques::Is_clique(std::vector<Word> const& set) const {
+    for (std::size_t w = 0; w < n_words_; ++w) {
+        for (Word rest = set[w]; rest != 0;) {
+            std::size_t const i = w * word_bits + static_cast<std::size_t>(std::countl_zero(rest));
+            rest &= ~Bit(i);
+            for (std::size_t k = 0; k < n_words_; ++k) {
+                Word const linked = Row(i)[k] | (k == w ? Bit(i) : 0);
+                if ((set[k] & ~linked) != 0) {
+                    return false;
+                }
+            }
+        }
+    }
+    return true;
+}
+
+bool Local_cliques::Some_excluded_has(std::vector<Word> const& set) const {
+    for (std::size_t e = 0; e < N_excluded(); ++e) {
+        Word const* const row = excluded_.data() + e * n_words_;
+        std::size_t w = 0;
+        while (w < n_words_ && (set[w] & ~row[w]) == 0) {
+            ++w;
+        }
+        if (w == n_words_) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool Local_cliques::Only_pairs(
+    std::function<void(std::size_t i, std::size_t j)> const& take_pair) const {
+    // Leaves in `set` candidate i and those of `from` behind i that are linked with it.
+    auto const extend = [&](std::size_t i, Word const* from, std::vector<Word>& set) {
+        bool any = false;
+        for (std::size_t w = 0; w < n_words_; ++w) {
+            set[w] = w < i / word_bits ? 0 : from[w] & Row(i)[w];
+        }
+        set[i / word_bits] &= Bit(i) - 1;
+        for (std::size_t w = i / word_bits; w < n_words_; ++w) {
+            any |= set[w] != 0;
+        }
+        return any;
+    };
+    auto const inside_known = [&](std::vector<Word> const& set) {
+        return Some_excluded_has(set) && Is_clique(set);
+    };
+    std::vector<Word> behind_i(n_words_);
+    std::vector<Word> behind_j(n_words_);
+    for (std::size_t i = 0; i < n_candidates_; ++i) {
+        if (!extend(i, Row(i), behind_i)) {
+            continue;
+        }
+        std::vector<Word> whole = behind_i;
+        Set_bit(whole.data(), i);
+        if (inside_known(whole)) {
+            continue;
+        }
+        for (std::size_t j = i + 1; j < n_candidates_; ++j) {
+            if ((behind_i[j / word_bits] & Bit(j)) == 0) {
+                continue;
+            }
+            bool const more = extend(j, behind_i.data(), behind_j);
+            Set_bit(behind_j.data(), i);
+            Set_bit(behind_j.data(), j);
+            if (more && !inside_known(behind_j)) {
+                return false;
+            }
+            if (!more && !Some_excluded_has(behind_j)) {
+                take_pair(i, j);
+            }
+        }
+    }
+    return true;
+}
+
+// The same search over rows of several words, until a branch has at most 64 candidates left: what
+// remains is then a narrow problem of its own, in which all excluded nodes are alike.
+bool Local_cliques::Search_wide(Stop_check const* stop) {
+    std::size_t const n = n_words_;
+    path_.clear();
+    levels_.assign(1, {0, N_excluded()});
+    level_excluded_.resize(N_excluded());
+    std::iota(level_excluded_.begin(), level_excluded_.end(), 0U);
+    level_words_.assign(3 * n, 0);
+    for (std::size_t i = 0; i < n_candidates_; ++i) {
+        Set_bit(level_words_.data(), i);
+    }
+    std::size_t depth = 0;
+    bool finished = true;
+    Open_level(depth);
+    while (finished) {
+        // A level's words: candidates, tried ones, ones to try. The next level's lie behind them.
+        level_words_.resize(3 * n * (depth + 2));
+        Word* const candidates = level_words_.data() + 3 * n * depth;
+        Word* const tried = candidates + n;
+        Word* const to_try = tried + n;
+        std::size_t w = 0;
+        while (w < n && to_try[w] == 0) {
+            ++w;
+        }
+        if (w == n) {
+            if (depth == 0) {
+                break;
+            }
+            --depth;
+            path_.pop_back();
+            levels_.pop_back();
+            level_excluded_.resize(levels_.back().excluded_end);
+            continue;
+        }
+        std::size_t const next =
+            w * word_bits + static_cast<std::size_t>(std::countl_zero(to_try[w]));
+        to_try[w] &= ~Bit(next);
+        candidates[w] &= ~Bit(next);
+        tried[w] |= Bit(next);
+        Word* const next_candidates = to_try + n;
+        Word* const next_tried = next_candidates + n;
+        std::size_t size = 0;
+        Word any_tried = 0;
+        for (std::size_t k = 0; k < n; ++k) {
+            next_candidates[k] = candidates[k] & Row(next)[k];
+            next_tried[k] = tried[k] & Row(next)[k];
+            size += static_cast<std::size_t>(std::popcount(next_candidates[k]));
+            any_tried |= next_tried[k];
+        }
+        Level const level = levels_[depth];
+        auto const linked_with_next = [&](std::uint32_t e) {
+            return (excluded_[e * n + w] & Bit(next)) != 0;
+        };
+        if (size == 0) {
+            if (any_tried == 0 &&
+                std::none_of(
+                    level_excluded_.begin() + static_cast<std::ptrdiff_t>(level.excluded_begin),
+                    level_excluded_.begin() + static_cast<std::ptrdiff_t>(level.excluded_end),
+                    linked_with_next)) {
+                narrow_.assign(1, static_cast<std::uint32_t>(next));
+                Add_wide(Bit(0));
+            }
+        } else if (size <= word_bits) {
+            finished = Narrow_to_words(next_candidates, size, depth, next, stop);
+        } else {
+            for (std::size_t e = level.excluded_begin; e < level.excluded_end; ++e) {
+                if (linked_with_next(level_excluded_[e])) {
+                    level_excluded_.push_back(level_excluded_[e]);
+                }
+            }
+            path_.push_back(static_cast<std::uint32_t>(next));
+            levels_.push_back({level.excluded_end, level_excluded_.size()});
+            Open_level(++depth);
+        }
+        if (finished && stop != nullptr && Time_for_stop_check(words_.until_stop_check)) {
+            finished = !(*stop)();
+        }
+    }
+    Sort_wide();
+    return finished;
+}
+
+// Chooses the pivot of a level and with it the candidates to try: none of them when an excluded
+// node is linked with all candidates.
+void Local_cliques::Open_level(std::size_t depth) {
+    std::size_t const n = n_words_;
+    Word* const candidates = level_words_.data() + 3 * n * depth;
+    Word* const tried = candidates + n;
+    Word* const to_try = tried + n;
+    pivots_.clear();
+    std::size_t size = 0;
+    for (std::size_t w = 0; w < n; ++w) {
+        size += static_cast<std::size_t>(std::popcount(candidates[w]));
+        for (Word rest = candidates[w] | tried[w]; rest != 0;) {
+            auto const i = static_cast<std::size_t>(std::countl_zero(rest));
+            rest &= ~Bit(i);
+            pivots_.push_back(Row(w * word_bits + i));
+        }
+    }
+    for (std::size_t e = levels_[depth].excluded_begin; e < levels_[depth].excluded_end; ++e) {
+        pivots_.push_back(excluded_.data() + level_excluded_[e] * n);
+    }
+    std::size_t links = 0;
+    Word const* const pivot = Most_linked(pivots_, candidates, n, links);
+    // A candidate is not linked with itself: only a node outside can be linked with all of them.
+    for (std::size_t w = 0; w < n; ++w) {
+        to_try[w] = links == size ? 0 : candidates[w] & ~pivot[w];
+    }
+}
+
+// Solves what is left behind path + next: the `size` candidates in `set`, at most 64.
+bool Local_cliques::Narrow_to_words(Word const* set, std::size_t size, std::size_t depth,
+                                    std::size_t next, Stop_check const* stop) {
+    std::size_t const n = n_words_;
+    narrow_.clear();
+    narrow_place_.resize(n * word_bits);
+    for (std::size_t w = 0; w < n; ++w) {
+        for (Word rest = set[w]; rest != 0;) {
+            std::size_t const i = w * word_bits + static_cast<std::size_t>(std::countl_zero(rest));
+            rest &= ~Bit(i);
+            narrow_place_[i] = static_cast<std::uint8_t>(narrow_.size());
+            narrow_.push_back(static_cast<std::uint32_t>(i));
+        }
+    }
+    Word const all = ~Word{0} << (word_bits - size);
+    words_.excluded.clear();
+    auto const exclude = [&](Word const* row) {
+        Word const links = Narrowed(row, set);
+        if (links != 0) {
+            words_.excluded.push_back(links);
+        }
+        return links == all;
+    };
+    Word const* const tried = set + n;
+    for (std::size_t w = 0; w < n; ++w) {
+        for (Word rest = tried[w]; rest != 0;) {
+            std::size_t const i = w * word_bits + static_cast<std::size_t>(std::countl_zero(rest));
+            rest &= ~Bit(i);
+            if (exclude(Row(i))) {
+                return true;
+            }
+        }
+    }
+    for (std::size_t e = levels_[depth].excluded_begin; e < levels_[depth].excluded_end; ++e) {
+        Word const* const row = excluded_.data() + level_excluded_[e] * n;
+        if ((row[next / word_bits] & Bit(next)) != 0 && exclude(row)) {
+            return true;
+        }
+    }
+    for (std::size_t i = 0; i < size; ++i) {
+        words_.rows[i] = Narrowed(Row(narrow_[i]), set);
+    }
+    words_.found.clear();
+    bool const finished = Search_words(words_, all, stop);
+    path_.push_back(static_cast<std::uint32_t>(next));
+    for (Word const found : words_.found) {
+        Add_wide(found);
+    }
+    path_.pop_back();
+    words_.found.clear();
+    return finished;
+}
+
+// A wide row, cut down to the candidates of the narrow problem.
+Local_cliques::Word Local_cliques::Narrowed(Word const* row, Word const* set) const {
+    Word narrow = 0;
+    for (std::size_t w = 0; w < n_words_; ++w) {
+        for (Word rest = row[w] & set[w]; rest != 0;) {
+            std::size_t const i = w * word_bits + static_cast<std::size_t>(std::countl_zero(rest));
+            rest &= ~Bit(i);
+            narrow |= Bit(narrow_place_[i]);
+        }
+    }
+    return narrow;
+}
+
+// Records the path and a set of the narrow problem as a list of candidates.
+void Local_cliques::Add_wide(Word narrow_set) {
+    clique_.assign(path_.begin(), path_.end());
+    for (Word rest = narrow_set; rest != 0;) {
+        auto const i = static_cast<std::size_t>(std::countl_zero(rest));
+        rest &= ~Bit(i);
+        clique_.push_back(narrow_[i]);
+    }
+    std::sort(clique_.begin(), clique_.end());
+    wide_found_.Add(clique_);
+}
+
+void Local_cliques::Sort_wide() {
+    wide_order_.resize(wide_found_.size());
+    std::iota(wide_order_.begin(), wide_order_.end(), 0U);
+    std::sort(wide_order_.begin(), wide_order_.end(), [&](std::uint32_t a, std::uint32_t b) {
+        auto const first = wide_found_[a];
+        auto const second = wide_found_[b];
+        return std::lexicographical_compare(first.begin(), first.end(), second.begin(),
+                                            second.end());
+    });
+}
+
+} // namespace cpm

@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: MIT
+// Local_cliques: the kernel of the clique searches. Given a few candidates, which of them are
+// linked, and some excluded nodes by the candidates they are linked with, it finds every maximal
+// clique of candidates that no excluded node extends, in lexicographic order.
+#ifndef PLEXOR_LOCAL_CLIQUES_H
+#define PLEXOR_LOCAL_CLIQUES_H
+
+#include "Types.h"
+
+#include <array>
+#include <functional>
+#include <vector>
+
+namespace cpm {
+
+namespace Local_cliques_sub {
+
+/// A problem of at most 64 candidates: every set of them is one word.
+struct Word_problem {
+    std::array<std::uint64_t, 64> rows{};
+    Flat_array<std::uint64_t> excluded; ///< first the problem's own, then those of open branches
+    Flat_array<std::uint64_t> found;
+    std::size_t until_stop_check = 0;
+};
+
+} // namespace Local_cliques_sub
+
+class Local_cliques {
+public:
+    /// Asked now and then during a search; true ends it.
+    using Stop_check = std::function<bool()>;
+
+    /// Starts a new problem: candidates 0 to `n_candidates` - 1, no links, no excluded nodes.
+    void Start(std::size_t n_candidates);
+    /// Candidates i and j are linked.
+    void Link(std::size_t i, std::size_t j) {
+        Set_bit(Row(i), j);
+        Set_bit(Row(j), i);
+    }
+    /// An excluded node: call these in turn. One that is linked with fewer than `least` candidates
+    /// is forgotten.
+    void Start_excluded() { excluded_.Resize(excluded_.size() + n_words_, 0); }
+    void Link_excluded(std::size_t i) { Set_bit(excluded_.end() - n_words_, i); }
+    void End_excluded(std::size_t least);
+
+    /// Walks the pairs of linked candidates in ascending order, as far as no pair (i, j) can be
+    /// extended by a candidate behind j to something that is not inside a clique with an excluded
+    /// node. Hands the pairs that no excluded node extends either to `take_pair`: these are cliques
+    /// that end with j. False when a pair was met that has to be looked into.
+    bool Only_pairs(std::function<void(std::size_t i, std::size_t j)> const& take_pair) const;
+
+    /// Finds the cliques; they stay until the next Start(). False when `stop` ended the search, and
+    /// then only some of them have been found.
+    bool Find(Stop_check const* stop = nullptr);
+    /// Appends each clique found, its candidates translated by `names` (ascending, candidate i is
+    /// names[i]) and joined by `always`, to the list, in lexicographic order of the candidates.
+    /// Cliques of fewer than `least` candidates are left out.
+    void Append_cliques(Node always, Node_set names, std::size_t least, Set_list& cliques);
+
+private:
+    // Candidate i is bit 63 - i % 64 of word i / 64: of two cliques, neither inside the other, the
+    // one with the larger first different word is lexicographically first.
+    using Word = std::uint64_t;
+    static constexpr std::size_t word_bits = 64;
+    static constexpr Word Bit(std::size_t i) { return (Word{1} << 63) >> (i % word_bits); }
+    static void Set_bit(Word* row, std::size_t i) { row[i / word_bits] |= Bit(i); }
+    Word* Row(std::size_t i) { return rows_.data() + i * n_words_; }
+    Word const* Row(std::size_t i) const { return rows_.data() + i * n_words_; }
+    std::size_t N_excluded() const { return n_words_ == 0 ? 0 : excluded_.size() / n_words_; }
+
+    // One level of the search among more than 64 candidates. The sets lie in level_words_.
+    struct Level {
+        std::size_t excluded_begin = 0; ///< the level's excluded nodes in level_excluded_
+        std::size_t excluded_end = 0;
+    };
+
+    bool Is_clique(std::vector<Word> const& set) const;
+    bool Some_excluded_has(std::vector<Word> const& set) const;
+    bool Search_wide(Stop_check const* stop);
+    void Open_level(std::size_t depth);
+    bool Narrow_to_words(Word const* set, std::size_t size, std::size_t depth, std::size_t next,
+                         Stop_check const* stop);
+    Word Narrowed(Word const* row, Word const* set) const;
+    void Add_wide(Word narrow_set);
+    void Sort_wide();
+
+    std::size_t n_candidates_ = 0;
+    std::size_t n_words_ = 0;
+    Flat_array<Word> rows_;
+    Flat_array<Word> excluded_;
+    Local_cliques_sub::Word_problem words_;
+
+    // The wide search: its path, its levels, the candidates of a narrowed problem, and what it has
+    // found (lists of candidates).
+    std::vector<std::uint32_t> path_;
+    std::vector<Level> levels_;
+    std::vector<Word> level_words_;
+    std::vector<std::uint32_t> level_excluded_;
+    std::vector<Word const*> pivots_;
+    std::vector<std::uint32_t> narrow_;
+    std::vector<std::uint8_t> narrow_place_;
+    List_of_lists<std::uint32_t> wide_found_;
+    std::vector<std::uint32_t> wide_order_;
+    std::vector<Node> clique_;
+};
+
+} // namespace cpm
+
+#endif

@@ -1,0 +1,173 @@
+// SPDX-License-Identifier: MIT
+// The search under a time limit, node by node.
+//
+// Takes    the nodes in their order, a finder of the cliques of one node.
+// Leaves   the cliques of the nodes done; then what was found at the nodes given up.
+// Order    the nodes done, in the order they were done; then the pending sets, lexicographically.
+// Cost     beside the finder's: a node a report; pending sets are sorted, and only those of three
+//          nodes are looked for in the clique list. Memory: the pending sets, without repeats.
+// Tested   Time_limited_test.cpp, Clique_find_test.cpp, Clique_find_dir_test.cpp.
+#include "Clique_find/Time_limited.h"
+
+#include "Clique_find/Reports.h"
+#include "Clique_find/Subset_index.h"
+
+#include <algorithm>
+#include <deque>
+#include <numeric>
+
+namespace cpm::Clique_find_time_sub_routines {
+
+namespace {
+
+// What was found at nodes that took too long. A node that is tried again finds most of it again.
+class Pending_sets {
+public:
+    void Add(Set_list const& found) {
+        for (std::size_t i = 0; i < found.size(); ++i) {
+            sets_.Add(found[i]);
+        }
+        if (sets_.size() > 2 * n_sorted_ + some_sets) {
+            Sort();
+        }
+    }
+    /// Without repeats, ascending.
+    Set_list const& Sorted() {
+        Sort();
+        return sets_;
+    }
+
+private:
+    static constexpr std::size_t some_sets = 1000;
+
+    void Sort();
+
+    Set_list sets_;
+    std::size_t n_sorted_ = 0; ///< how many sets the last sorting left
+};
+
+void Pending_sets::Sort() {
+    std::vector<std::uint32_t> order(sets_.size());
+    std::iota(order.begin(), order.end(), 0U);
+    std::sort(order.begin(), order.end(), [this](std::uint32_t a, std::uint32_t b) {
+        return std::ranges::lexicographical_compare(sets_[a], sets_[b]);
+    });
+    Set_list sorted;
+    for (std::uint32_t const i : order) {
+        if (sorted.empty() || !std::ranges::equal(sorted[sorted.size() - 1], sets_[i])) {
+            sorted.Add(sets_[i]);
+        }
+    }
+    sets_ = std::move(sorted);
+    n_sorted_ = sets_.size();
+}
+
+// The pending sets of three nodes, and which nodes they speak of.
+struct Triples {
+    std::vector<std::uint32_t> numbers;
+    std::vector<bool> nodes;
+};
+
+// Invariant: the cliques hold every clique of the network that has a done node, and no other sets.
+// Relies on: a node is done only after a search that came to its end.
+// Buys:      a set that no node extends is one of the cliques exactly when it has a done node, and
+//            lies in no other one. Only sets of three nodes, of which that is not known (see
+//            Node_finder), must be looked for.
+// Breaks if: a finder leaves a set of four nodes or more that some node extends.
+// Pinned by: Time_limited_test, Clique_find_dir_test
+void Register_pending(Set_list& cliques, Set_list const& pending, std::vector<bool> const& done) {
+    std::vector<bool> keep(pending.size(), false);
+    Triples triples;
+    triples.nodes.resize(done.size(), false);
+    for (std::size_t i = 0; i < pending.size(); ++i) {
+        keep[i] = std::ranges::none_of(pending[i], [&](Node node) { return done[node]; });
+        if (keep[i] && pending[i].size() == 3) {
+            triples.numbers.push_back(static_cast<std::uint32_t>(i));
+            for (Node const node : pending[i]) {
+                triples.nodes[node] = true;
+            }
+        }
+    }
+    if (!triples.numbers.empty()) {
+        Subset_index const in_cliques(cliques, &triples.nodes);
+        Subset_index const in_pending(pending, &triples.nodes);
+        for (std::uint32_t const i : triples.numbers) {
+            // A dropped set that holds this one lies in a clique itself, which so holds this one.
+            keep[i] =
+                !in_cliques.Any_holder(pending[i]) &&
+                !in_pending.Any_holder(pending[i], [i](std::uint32_t other) { return other < i; });
+        }
+    }
+    for (std::size_t i = 0; i < pending.size(); ++i) {
+        if (keep[i]) {
+            cliques.Add(pending[i]);
+        }
+    }
+}
+
+std::uint32_t Count(std::size_t size) {
+    return static_cast<std::uint32_t>(size);
+}
+
+} // namespace
+
+void Search_in_time(Set_list& cliques, std::vector<Node> const& order, Node_finder& finder,
+                    double max_time, Clock const& clock, Search_words const& words,
+                    std::vector<Node>& core, Console& console) {
+    using namespace Clique_find_report_sub_routines;
+    Text title;
+    title.Put(words.title);
+    title.Put_fixed(max_time, 3);
+    title.Put(':');
+
+    cliques.clear();
+    std::deque<Node> queue(order.begin(), order.end());
+    std::vector<bool> done(order.size() + 1, false);
+    Pending_sets pending;
+    Set_list found;
+    std::uint32_t skipped_in_row = 0;
+    bool go_on = true;
+    while (!queue.empty() && go_on) {
+        // Invariant: the queue holds just the nodes that are not done.
+        Report_progress(title.View(), "nodes", Count(queue.size()), Count(order.size()), console);
+        console.Message_done();
+        Node const node = queue.front();
+        queue.pop_front();
+        found.clear();
+        Time_budget budget(clock, max_time);
+        finder.Find(node, budget, found);
+        if (!budget.Too_slow()) {
+            for (std::size_t i = 0; i < found.size(); ++i) {
+                cliques.Add(found[i]);
+            }
+            done[node] = true;
+            finder.Done(node);
+            skipped_in_row = 0;
+            continue;
+        }
+        queue.push_back(node);
+        pending.Add(found);
+        ++skipped_in_row;
+        Report_hard_node(node, skipped_in_row, Count(queue.size()), console);
+        console.Message_done();
+        if (skipped_in_row >= queue.size()) {
+            Report_all_rem_nodes_to_hard(words.cliques, console);
+            console.Message_done();
+            go_on = false;
+        }
+    }
+
+    core.assign(queue.begin(), queue.end());
+    std::sort(core.begin(), core.end());
+    if (core.empty()) {
+        Report_clique_search_end(words.cliques, Count(cliques.size()), words.no_approximation,
+                                 console);
+    } else {
+        Register_pending(cliques, pending.Sorted(), done);
+        Report_clique_search_end(words.exact_cliques, Count(cliques.size()), console);
+    }
+    console.Message_done();
+    cliques.Shrink_to_fit();
+}
+
+} // namespace cpm::Clique_find_time_sub_routines

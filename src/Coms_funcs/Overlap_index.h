@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: MIT
+// Overlap_index: answers, for one clique at a time, which cliques not yet claimed share enough
+// nodes with it. It is what percolation uses of the clique overlap matrix, which is never stored:
+// that grows with the square of the cliques of a node.
+//
+// The nodes of each clique are ranked, rarest first (a node is rare when few cliques hold it). Two
+// cliques A and B that share t nodes or more share one among the first |A|-t+1 of A and the first
+// |B|-t+1 of B: the rarest shared node has t-1 others behind it in both. So it is enough to keep,
+// for each node, the cliques that hold it that early, and hubs drop out of the work. Going to a
+// smaller t each clique's part grows by the next node: lists only grow from level to level.
+#ifndef PLEXOR_OVERLAP_INDEX_H
+#define PLEXOR_OVERLAP_INDEX_H
+
+#include "Types.h"
+
+#include <vector>
+
+namespace cpm {
+
+/// A clique that another one has led to.
+struct Partner {
+    Clique_number clique = 0;
+    /// Which nodes of the clique the other one does not hold: bit i stands for the i-th rarest.
+    /// All bits set when the clique has more nodes than bits, or nothing is known.
+    std::uint64_t new_nodes = 0;
+};
+
+namespace Overlap_index_sub {
+
+/// What is known of a clique without its nodes.
+struct Card {
+    std::uint64_t signature = 0; ///< a bit for each node; several may share one
+    std::uint64_t begin = 0;     ///< its first node among those of all cliques, one after the other
+};
+
+} // namespace Overlap_index_sub
+
+class Overlap_index {
+public:
+    static constexpr std::uint64_t all_new = ~std::uint64_t{0};
+
+    /// Both must outlive the index.
+    Overlap_index(Set_list const& cliques, Node n_nodes);
+
+    /// Starts a level: no clique is claimed, cliques of fewer than `least_size` nodes are out of
+    /// play, and the others are partners when they share at least `least_shared` nodes (1 or more,
+    /// and at most `least_size`). Both going down from level to level is what the index is made
+    /// for; any other order costs a new index.
+    void Start_level(std::uint32_t least_shared, std::uint32_t least_size);
+
+    bool Is_claimed(Clique_number clique) const {
+        return (claimed_[clique / 64] >> (clique % 64) & 1) != 0;
+    }
+    /// Claims every unclaimed partner of `from` and appends it to `partners`, in ascending order.
+    /// A clique shares its own nodes with itself: when unclaimed it is its own partner.
+    /// `from.new_nodes` must hold a node of each unclaimed partner (all_new always does).
+    void Claim_partners(Partner const& from, std::vector<Partner>& partners);
+
+    /// Fetches the memory that asking for this clique's partners begins with; in two steps, the
+    /// first for a clique that is asked for later than that of the second.
+    void Prefetch_card(Clique_number clique) const { __builtin_prefetch(&cards_[clique]); }
+    void Prefetch_nodes(Clique_number clique) const { __builtin_prefetch(Ranked(clique).data()); }
+
+    Node Number_of_nodes() const { return static_cast<Node>(mark_.size() - 1); }
+    /// The clique's nodes, rarest first.
+    std::span<Node const> Ranked(Clique_number clique) const {
+        return {ranked_.data() + cards_[clique].begin, ranked_.data() + cards_[clique + 1].begin};
+    }
+
+private:
+    // What a list tells of a clique at first sight: its size in the low byte, and above it a bit
+    // for each of its nodes (several may share one). A clique too large for the byte has 255 there
+    // and no bits, which rules nothing out.
+    using Glance = std::uint64_t;
+    struct Question;
+
+    void Rank_nodes();
+    void List_clique(Clique_number clique, std::uint32_t from, std::uint32_t to);
+    static std::uint64_t Glance_bit(Node node);
+    static std::uint64_t Card_bit(Node node);
+    static Glance First_sight(std::span<Node const> nodes);
+    void Ask_list(Question const& question, Node node);
+    std::uint64_t Needed(Partner const& from) const;
+    void Claim_if_partner(Clique_number clique, std::vector<Partner>& partners);
+    void Drop(Node node, std::uint32_t place);
+    void Drop_claimed(Node node);
+
+    Set_list const& cliques_;
+    Flat_array<Node> ranked_;
+    Flat_array<Overlap_index_sub::Card> cards_; ///< one more than cliques
+    Flat_array<std::uint64_t> begins_;          ///< node -> its list in glances_ and listed_
+    Flat_array<Glance> glances_;
+    Flat_array<Clique_number> listed_;
+    Flat_array<std::uint32_t> active_;       ///< node -> length of its list at this level
+    Flat_array<std::uint32_t> live_;         ///< node -> length without claimed ones moved back
+    Flat_array<std::uint8_t> asked_;         ///< node -> how often its list was walked, modulo 256
+    Flat_array<std::uint32_t> holding_;      ///< node -> cliques in play that hold it
+    Flat_array<std::uint32_t> holding_live_; ///< ... that are not claimed
+    Flat_array<std::uint64_t> claimed_;      ///< a bit a clique
+    Flat_array<std::uint8_t> mark_;          ///< node -> 1 while it belongs to the clique asked for
+    std::vector<std::uint32_t> hits_;        ///< places in a list worth a second look
+    std::vector<Clique_number> candidates_;  ///< unclaimed cliques worth a close look
+    std::uint32_t least_shared_ = 0;         ///< 0: no level started
+    std::uint32_t least_size_ = 0;
+};
+
+} // namespace cpm
+
+#endif

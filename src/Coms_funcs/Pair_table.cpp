@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: MIT
+#include "Coms_funcs/Pair_table.h"
+
+#include "Link_order.h"
+#include "support/Errors.h"
+
+#include <limits>
+
+namespace cpm {
+
+namespace {
+
+// The approximated cliques that hold a node, for each node.
+List_of_lists<Clique_number> Cliques_of_nodes(Node n_nodes, Set_list const& cliques,
+                                              std::size_t n_exact) {
+    Flat_array<Node_pair> pairs; // (node, clique)
+    for (std::size_t c = n_exact; c < cliques.size(); ++c) {
+        for (Node const node : cliques[c]) {
+            pairs.push_back({node, static_cast<Clique_number>(c)});
+        }
+    }
+    Flat_array<double> no_weights;
+    Sort_and_merge(pairs, no_weights, std::max(n_nodes + 1, static_cast<Node>(cliques.size())));
+    List_of_lists<Clique_number> lists;
+    std::size_t next = 0;
+    for (Node node = 0; node <= n_nodes; ++node) {
+        for (; next < pairs.size() && pairs[next].first == node; ++next) {
+            lists.Append(pairs[next].second);
+        }
+        lists.Close_list();
+    }
+    return lists;
+}
+
+} // namespace
+
+Pair_table::Pair_table(Index_links const& links, Node n_nodes, Set_list const& cliques,
+                       std::size_t n_exact) {
+    Flat_array<Node_pair> pairs = links.pairs;
+    bool const undirected =
+        std::ranges::all_of(pairs, [](Node_pair const& pair) { return pair.first < pair.second; });
+    if (!undirected) {
+        for (Node_pair& pair : pairs) {
+            pair = {std::min(pair.first, pair.second), std::max(pair.first, pair.second)};
+        }
+        Flat_array<double> no_weights;
+        Sort_and_merge(pairs, no_weights, n_nodes + 1);
+    }
+    bool const all_exact = n_exact >= cliques.size();
+    List_of_lists<Clique_number> const approximated =
+        all_exact ? List_of_lists<Clique_number>() : Cliques_of_nodes(n_nodes, cliques, n_exact);
+    seconds_.Reserve(pairs.size());
+    std::size_t next = 0;
+    Flat_array<Node> seen_for(n_nodes + 1, 0); // the node whose row holds this one already
+    for (Node first = 0; first <= n_nodes; ++first) {
+        starts_.push_back(static_cast<Link_number>(seconds_.size()));
+        for (; next < pairs.size() && pairs[next].first == first; ++next) {
+            seen_for[pairs[next].second] = first;
+            seconds_.push_back(pairs[next].second);
+        }
+        if (!all_exact) {
+            std::size_t const row = starts_.back();
+            for (Clique_number const c : approximated[first]) {
+                for (Node const second : cliques[c]) {
+                    if (second > first && seen_for[second] != first) {
+                        seen_for[second] = first;
+                        seconds_.push_back(second);
+                    }
+                }
+            }
+            std::sort(seconds_.begin() + row, seconds_.end());
+        }
+        if (seconds_.size() > std::numeric_limits<Link_number>::max()) {
+            throw Xerror_msg("ERROR: the network has more than 4294967295 links.");
+        }
+    }
+    starts_.push_back(static_cast<Link_number>(seconds_.size()));
+}
+
+void Pair_table::Append_numbers(Node first, Node_set others,
+                                std::vector<Link_number>& numbers) const {
+    constexpr std::size_t steps_of_a_search = 8;
+    Node_set const row = Seconds(first);
+    if (row.size() / steps_of_a_search > others.size()) {
+        for (Node const other : others) {
+            numbers.push_back(Number(first, other));
+        }
+        return;
+    }
+    Link_number number = First_number(first);
+    for (Node const other : others) {
+        while (seconds_[number] != other) {
+            ++number;
+        }
+        numbers.push_back(number);
+    }
+}
+
+} // namespace cpm

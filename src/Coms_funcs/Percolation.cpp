@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: MIT
+// Takes    the clique list; then one k after the other, best from large to small.
+// Leaves   the communities at k with their nodes, links and cliques.
+// Order    everything: see Coms_from_appr_ovlp_matr(). A stack in place of recursion keeps it: the
+//          partners of a clique are pushed in descending order, so that the smallest is on top and
+//          all that comes of it is finished before the next one shows.
+// Cost     a level: each clique of the level claimed and followed once, see Overlap_index.
+// Tested   Percolation_test.cpp, the runs against the plain model.
+#include "Coms_funcs/Percolation.h"
+
+#include <algorithm>
+
+namespace cpm {
+
+Percolation::Percolation(Set_list const& cliques, std::size_t n_exact, Node n_nodes,
+                         Pair_table const& pairs, bool nested, Stale_overlaps* stale)
+    : cliques_(cliques), n_exact_(n_exact), index_(cliques, n_nodes), sets_(cliques, index_, pairs),
+      nested_(nested), stale_(stale) {}
+
+void Percolation::Coms_from_appr_ovlp_matr(Communities& coms, std::uint32_t k) {
+    com_cliques_.clear();
+    // From stale overlaps two communities can have a clique in common: they do not nest.
+    sets_.Start_level(k < last_k_ && stale_ == nullptr);
+    last_k_ = k;
+    // Deliberate: at k = 0 the least overlap k - 1 is the largest number there is, so nothing is
+    // found. At k = 1 cliques without a common node are still no partners.
+    if (k > 0) {
+        if (stale_ == nullptr) {
+            // A clique of k-1 nodes can only be a partner of one that holds all of it.
+            std::uint32_t const least_shared = std::max(k - 1, 1U);
+            index_.Start_level(least_shared, nested_ ? least_shared : k);
+        } else {
+            stale_claimed_.assign(cliques_.size(), false);
+        }
+        for (std::size_t c = 0; c < cliques_.size(); ++c) {
+            auto const number = static_cast<Clique_number>(c);
+            if (cliques_[c].size() >= k && !Is_claimed(number)) {
+                Look_for_new_com(number, k);
+            }
+        }
+    }
+    List(coms);
+}
+
+bool Percolation::Is_claimed(Clique_number clique) const {
+    return stale_ == nullptr ? index_.Is_claimed(clique) : stale_claimed_[clique];
+}
+
+// Starts a community with the partners of an unclaimed clique of k nodes or more, itself included.
+void Percolation::Look_for_new_com(Clique_number first, std::uint32_t k) {
+    members_.clear();
+    to_follow_.clear();
+    if (stale_ == nullptr) {
+        index_.Claim_partners({first, Overlap_index::all_new}, to_follow_);
+    } else if (!Claim_all_of_row(first, k)) {
+        return;
+    }
+    Join(0);
+    // The first clique is its own partner and was claimed with nothing new; the community's nodes
+    // and links begin with all of it.
+    for (Partner& member : members_) {
+        if (member.clique == first) {
+            member.new_nodes = Overlap_index::all_new;
+        }
+    }
+    Extend_com(k);
+    if (stale_ != nullptr) {
+        sets_.Forget(members_);
+    }
+    sets_.Add_community(members_);
+    com_cliques_.Close_list();
+}
+
+// Deliberate: from stale overlaps a community starts with all of a row, those that another
+// community has included, and only if one of the entries is k or more.
+bool Percolation::Claim_all_of_row(Clique_number first, std::uint32_t k) {
+    stale_->Row(first, k - 1, row_);
+    if (std::ranges::none_of(row_,
+                             [&](Clique_overlap const& entry) { return entry.shared >= k; })) {
+        return false;
+    }
+    for (Clique_overlap const& entry : row_) {
+        stale_claimed_[entry.clique] = true;
+        to_follow_.push_back({entry.clique, Overlap_index::all_new});
+    }
+    return true;
+}
+
+void Percolation::Extend_com(std::uint32_t k) {
+    while (!to_follow_.empty()) {
+        Partner const next = to_follow_.back();
+        to_follow_.pop_back();
+        std::size_t const first_new = to_follow_.size();
+        if (first_new > 3) {
+            index_.Prefetch_card(to_follow_[first_new - 4].clique);
+            index_.Prefetch_nodes(to_follow_[first_new - 2].clique);
+        }
+        Claim_partners(next, k);
+        Join(first_new);
+    }
+}
+
+void Percolation::Claim_partners(Partner const& from, std::uint32_t k) {
+    if (stale_ == nullptr) {
+        index_.Claim_partners(from, to_follow_);
+        return;
+    }
+    stale_->Row(from.clique, k - 1, row_);
+    for (Clique_overlap const& entry : row_) {
+        if (!stale_claimed_[entry.clique]) {
+            stale_claimed_[entry.clique] = true;
+            to_follow_.push_back({entry.clique, Overlap_index::all_new});
+        }
+    }
+}
+
+// The partners claimed last join the community in ascending order and will be followed in it.
+void Percolation::Join(std::size_t first_new) {
+    auto const begin = to_follow_.begin() + static_cast<std::ptrdiff_t>(first_new);
+    for (auto partner = begin; partner != to_follow_.end(); ++partner) {
+        members_.push_back(*partner);
+        com_cliques_.Append(partner->clique);
+    }
+    std::reverse(begin, to_follow_.end());
+}
+
+// Puts the communities into their order, exact ones first, and hands them over.
+void Percolation::List(Communities& coms) {
+    auto const is_exact = [&](std::uint32_t found) {
+        return std::ranges::all_of(com_cliques_[found],
+                                   [&](Clique_number c) { return c < n_exact_; });
+    };
+    order_.resize(com_cliques_.size());
+    for (std::size_t i = 0; i < order_.size(); ++i) {
+        order_[i] = static_cast<std::uint32_t>(i);
+    }
+    auto const first_approximated =
+        n_exact_ >= cliques_.size() ? order_.end()
+                                    : std::stable_partition(order_.begin(), order_.end(), is_exact);
+    coms.n_exact = static_cast<std::uint32_t>(first_approximated - order_.begin());
+    coms.nodes.clear();
+    coms.cliques.clear();
+    for (std::uint32_t const found : order_) {
+        coms.nodes.Add(sets_.Nodes(found));
+        coms.cliques.Add(com_cliques_[found]);
+    }
+    coms.links = [this](std::size_t community, Take_links const& take) {
+        sets_.Links(order_[community], take);
+    };
+}
+
+} // namespace cpm

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+// Find_cliques: chooses the clique search and completes its list by approximated cliques.
+#ifndef PLEXOR_FIND_CLIQUES_H
+#define PLEXOR_FIND_CLIQUES_H
+
+#include "Clique_find/Clock.h"
+#include "Types.h"
+#include "Vertex_maps.h"
+#include "support/Console.h"
+
+#include <optional>
+
+namespace cpm {
+
+/// All cliques of a run.
+struct Found_cliques {
+    Set_list cliques;        ///< exact ones first
+    std::size_t n_exact = 0; ///< how many these are
+    bool nested = false;     ///< a clique of the list may lie inside another one
+    /// The exact cliques before approximated ones were merged in, kept when the merge dropped some
+    /// of them: the overlaps are then still those of this list.
+    std::optional<Set_list> before_merge;
+};
+
+/// The graph of a run: one of the two maps is filled.
+struct Graph {
+    Vtx_map vertices;
+    Vtxd_map dir_vertices;
+    bool directed = false;
+    Node n_nodes = 0;
+};
+
+/// Finds all maximal cliques of three nodes or more. With a time limit (seconds a node, measured by
+/// the clock) the nodes that take longer are given up, and their cliques approximated.
+void Find_cliques(Found_cliques& found, Graph const& graph, std::optional<double> max_time_per_node,
+                  Clock const& clock, Console& console);
+
+} // namespace cpm
+
+#endif

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: MIT
+// Find_coms: the communities at one k, from the cliques to the files.
+#ifndef PLEXOR_FIND_COMS_H
+#define PLEXOR_FIND_COMS_H
+
+#include "Coms_funcs/Community_graph.h"
+#include "Coms_funcs/Pair_table.h"
+#include "Coms_funcs/Percolation.h"
+#include "Coms_funcs/Stale_overlaps.h"
+#include "Find_cliques.h"
+#include "Plexor_io/Link_lines.h"
+#include "Plexor_io/Run_settings.h"
+#include "Types.h"
+#include "support/Console.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace cpm {
+
+/// What the communities of every k are made from. All of it stays as it is and must outlive its
+/// use.
+struct Coms_input {
+    Found_cliques const& found;
+    Index_links const& links;
+    Names_map const& names;
+    Node n_nodes;
+    std::uint32_t largest_clique;
+    Run_settings const& run;
+};
+
+/// Works on one k after the other. Going down from the largest, each k begins with what the one
+/// before has left in memory; the results do not depend on that.
+class Coms_finder {
+public:
+    Coms_finder(Coms_input const& input, Console& console);
+
+    /// Finds the communities at k and writes their files into the directory "k=<k>" of the output
+    /// directory. Throws what the intensity of a k-clique and preparing the directory can throw.
+    void Find_coms(std::uint32_t k);
+
+private:
+    void From_overlaps(std::uint32_t k);
+    void From_k_cliques(std::uint32_t k);
+    void Write(std::uint32_t k, Communities const& coms);
+    void Write_statistics(std::uint32_t k, Community_graph& graph);
+
+    Coms_input input_;
+    Console& console_;
+    Pair_table pairs_;
+    Link_lines link_lines_;
+    std::unique_ptr<Stale_overlaps> stale_;    ///< in the rare state that needs them
+    std::unique_ptr<Percolation> percolation_; ///< none in intensity runs
+};
+
+namespace Coms_report_sub {
+
+/// Writes which k is next and how much is done of the way from the largest clique to 3.
+void Report_com_export(std::uint32_t k, std::uint32_t kmax, Text_sink& sink);
+/// The number of characters of the decimal form of n.
+std::size_t Num_width(std::uint32_t n);
+
+} // namespace Coms_report_sub
+
+} // namespace cpm
+
+#endif

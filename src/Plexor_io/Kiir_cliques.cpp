@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+#include "Plexor_io/Kiir_cliques.h"
+
+#include "Plexor_io/Name_labels.h"
+#include "Plexor_io/Record_text.h"
+#include "Plexor_io/Result_place.h"
+#include "Plexor_io/Text_file.h"
+#include "support/Direktoriz.h"
+#include "support/My_int2string.h"
+
+namespace cpm {
+
+void Kiir_cliques_PX(std::string const& dir, Set_list const& cliques, Names_map const& names,
+                     std::size_t n_exact, std::string const& com_flag,
+                     std::string const& alap_szoveg, Console& console) {
+    // The cliques do not depend on the intensity threshold.
+    std::string const kind = com_flag == "intensity" ? "" : com_flag;
+    Dir_prepare(dir, "keep");
+    Text_file file(dir + "/" + Word_before(kind, '_') + "cliques", console);
+    file.Put("# The " + Word_before(kind, ' ') + "cliques" + alap_szoveg);
+    if (n_exact < cliques.size()) {
+        file.Put("# Negative indices indicate approximate cliques.\n");
+    }
+    file.Put('\n');
+    Name_labels const labels(names, cliques.Total());
+    Record_text text(file);
+    for (std::size_t i = 0; i < cliques.size(); ++i) {
+        labels.Put_record(i, i >= n_exact, cliques[i], text);
+    }
+}
+
+void Kiir_k_cliques_PX(std::string const& dir, K_clique_list const& k_cliques, std::uint32_t k,
+                       Names_map const& names, std::string const& alap_szoveg, Console& console) {
+    Text_file file(Prepare_k_dir(dir, k) + "/k-cliques", console);
+    file.Put("# The k-cliques at k=" + int2string(k) + alap_szoveg + '\n');
+    Name_labels const labels(names, std::uint64_t{k} * k_cliques.size());
+    Record_text text(file);
+    for (std::size_t i = 0; i < k_cliques.size(); ++i) {
+        labels.Put_record(i, false, k_cliques[i], text);
+    }
+}
+
+} // namespace cpm

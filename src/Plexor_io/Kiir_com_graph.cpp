@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#include "Plexor_io/Kiir_com_graph.h"
+
+#include "Plexor_io/Record_text.h"
+#include "Plexor_io/Result_place.h"
+#include "Plexor_io/Text_file.h"
+#include "support/My_int2string.h"
+
+#include <array>
+
+namespace cpm {
+
+namespace {
+
+// A community's number as it begins the lines of its row: the sign, the number, a blank.
+struct Line_start {
+    std::array<char, 16> bytes{};
+    std::size_t size = 0;
+
+    Line_start(std::uint32_t community, bool approximated) {
+        std::string const text = (approximated ? "-" : "") + int2string(community) + ' ';
+        size = text.copy(bytes.data(), bytes.size());
+    }
+};
+
+} // namespace
+
+void Kiir_com_graph_PX(Community_graph& graph, std::size_t n_exact_coms, std::string const& dir,
+                       std::uint32_t k, std::string const& com_flag, std::string const& alap_szoveg,
+                       Console& console) {
+    Text_file file(
+        Prepare_k_dir(dir, k) + "/graph_of_" + Word_before(com_flag, '_') + "communities", console);
+    // Deliberate: this header lacks the word "communities".
+    file.Put("# The graph of " + Word_before(com_flag, ' ') + "at k=" + int2string(k) + "\n#" +
+             alap_szoveg + '\n');
+    Record_text text(file);
+    graph.Walk([&](std::uint32_t community, std::span<Overlap const> row) {
+        Line_start const start(community, community >= n_exact_coms);
+        for (Overlap const& overlap : row) {
+            text.Put_padded<sizeof(start.bytes)>(start.bytes.data(), start.size);
+            text.Put_number(overlap.community, overlap.community >= n_exact_coms);
+            text.Put(' ');
+            text.Put_number(overlap.shared);
+            text.Put('\n');
+        }
+    });
+}
+
+} // namespace cpm

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+#include "Plexor_io/Kiir_coms.h"
+
+#include "Plexor_io/Name_labels.h"
+#include "Plexor_io/Record_text.h"
+#include "Plexor_io/Result_place.h"
+#include "Plexor_io/Text_file.h"
+#include "support/My_int2string.h"
+
+namespace cpm {
+
+namespace {
+
+std::string Prepared_path(std::string const& dir, std::uint32_t k, std::string const& com_flag,
+                          std::string const& name) {
+    return Prepare_k_dir(dir, k) + "/" + Word_before(com_flag, '_') + name;
+}
+
+// "# The <what>communities at k=<k>" and the description of the run.
+void Put_header(std::string const& what, std::uint32_t k, std::string const& com_flag,
+                std::string const& alap_szoveg, Text_sink& sink) {
+    sink.Put("# The " + what + Word_before(com_flag, ' ') + "communities at k=" + int2string(k) +
+             "\n#" + alap_szoveg);
+}
+
+} // namespace
+
+void Kiir_coms_PX(Communities const& coms, std::string const& dir, std::uint32_t k,
+                  Names_map const& names, std::string const& com_flag,
+                  std::string const& alap_szoveg, Console& console) {
+    Text_file file(Prepared_path(dir, k, com_flag, "communities"), console);
+    Put_header("", k, com_flag, alap_szoveg, file);
+    if (coms.n_exact < coms.size()) {
+        file.Put("# Negative indices indicate approximate communities.\n");
+    }
+    file.Put('\n');
+    Name_labels const labels(names, coms.nodes.Total());
+    Record_text text(file);
+    for (std::size_t i = 0; i < coms.size(); ++i) {
+        labels.Put_record(i, i >= coms.n_exact, coms.nodes[i], text);
+    }
+}
+
+void Kiir_coms_cliques_PX(Communities const& coms, std::string const& dir, std::uint32_t k,
+                          std::size_t n_exact_cliques, std::string const& com_flag,
+                          std::string const& alap_szoveg, Console& console) {
+    Text_file file(Prepared_path(dir, k, com_flag, "communities_cliques"), console);
+    Put_header("contained " + Word_before(com_flag, ' ') + "cliques in the ", k, com_flag,
+               alap_szoveg, file);
+    file.Put('\n');
+    Record_text text(file);
+    for (std::size_t i = 0; i < coms.cliques.size(); ++i) {
+        bool const approximated = i >= coms.n_exact;
+        text.Put_number(static_cast<std::uint32_t>(i), approximated);
+        text.Put(": ");
+        for (Clique_number const clique : coms.cliques[i]) {
+            text.Put_number(clique, approximated && clique >= n_exact_cliques);
+            text.Put(' ');
+        }
+        text.Put('\n');
+    }
+}
+
+void Kiir_com_links_PX(Communities const& coms, std::string const& dir, std::uint32_t k,
+                       Link_lines const& lines, std::string const& com_flag,
+                       std::string const& alap_szoveg, Console& console) {
+    Text_file file(Prepared_path(dir, k, com_flag, "communities_links"), console);
+    Put_header("links inside the ", k, com_flag, alap_szoveg, file);
+    file.Put('\n');
+    Record_text text(file);
+    Take_links const put_lines = [&](std::span<Link_number const> links) {
+        lines.Put(links, text);
+    };
+    for (std::size_t i = 0; i < coms.size(); ++i) {
+        text.Put_number(static_cast<std::uint32_t>(i), i >= coms.n_exact);
+        text.Put(":\n");
+        coms.links(i, put_lines);
+    }
+}
+
+} // namespace cpm

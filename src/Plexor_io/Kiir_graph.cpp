@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#include "Plexor_io/Kiir_graph.h"
+
+#include "Plexor_io/Text_file.h"
+#include "support/Direktoriz.h"
+
+namespace cpm {
+
+void Kiir_graph(Link_map const& links, std::string const& out_dir, bool directed,
+                std::string const& header_text, bool weighted, Console& console) {
+    Dir_prepare(out_dir, "keep");
+    Text_file file(out_dir + (directed ? "/directed_graph" : "/graph"), console);
+    file.Put("# The links");
+    file.Put(header_text);
+    // Deliberate: undirected runs say so although mutual links are listed. They become one link
+    // only when the nodes get their indices.
+    file.Put(directed ? "# (self-links were removed)\n\n"
+                      : "# (mutual links and self-links were removed)\n\n");
+    for (std::size_t i = 0; i < links.links.size(); ++i) {
+        Node_pair const& link = links.links[i];
+        file.Put(links.names.Spaced(link.first));
+        if (weighted) {
+            file.Put(links.names.Spaced(link.second));
+            file.Put_general(links.Weight(i));
+        } else {
+            file.Put(links.names[link.second]);
+        }
+        file.Put('\n');
+    }
+}
+
+} // namespace cpm

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+// Writes the file "graph" or "directed_graph": the links as the run uses them.
+#ifndef PLEXOR_KIIR_GRAPH_H
+#define PLEXOR_KIIR_GRAPH_H
+
+#include "Types.h"
+#include "support/Console.h"
+
+#include <string>
+
+namespace cpm {
+
+/// One line a link, in the order of the link map, with the weight when `weighted`. A link and its
+/// reverse are two lines whatever the run.
+void Kiir_graph(Link_map const& links, std::string const& out_dir, bool directed,
+                std::string const& header_text, bool weighted, Console& console);
+
+} // namespace cpm
+
+#endif

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+#include "Plexor_io/Kiir_stats.h"
+
+#include "Plexor_io/Result_place.h"
+#include "Plexor_io/Text_file.h"
+#include "support/My_int2string.h"
+
+namespace cpm {
+
+void Kiir_stats_PX(Community_distributions const& distributions, std::string const& dir,
+                   std::uint32_t k, std::string const& com_flag, std::string const& suffix,
+                   std::string const& alap_szoveg, Console& console) {
+    std::string const prefix = Prepare_k_dir(dir, k) + "/" + Word_before(com_flag, '_');
+    // Deliberate: the suffixes of a run begin with "_", so none of them gets the ".", and the blank
+    // before "communities" follows even an empty one.
+    std::string const whose = suffix + (suffix == "appr" ? "." : "") + Word_before(com_flag, ' ') +
+                              " communities at k=" + int2string(k) + "\n#" + alap_szoveg;
+    auto const write = [&](std::string const& name, Distribution const& distribution,
+                           std::string const& what) {
+        Kiir_PX_dist(prefix + name + suffix, distribution, what + whose, console);
+    };
+    write("membership_distribution", distributions.membership,
+          "# The node membership distr. in the ");
+    write("size_distribution", distributions.size, "# The size distr. of the ");
+    write("overlap_distribution", distributions.overlap, "# The overlap size distr. of the ");
+    write("degree_distribution", distributions.degree, "# The com. degree distr. of the ");
+}
+
+void Kiir_PX_dist(std::string const& path, Distribution const& distribution,
+                  std::string const& header, Console& console) {
+    Text_file file(path, console);
+    file.Put(header);
+    file.Put('\n');
+    for (Value_count const& entry : distribution) {
+        file.Put_number(entry.value);
+        file.Put(' ');
+        file.Put_number(entry.count);
+        file.Put('\n');
+    }
+    file.Put('\n');
+}
+
+} // namespace cpm

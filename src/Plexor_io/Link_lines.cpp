@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+#include "Plexor_io/Link_lines.h"
+
+namespace cpm {
+
+Link_lines::Link_lines(Pair_table const& pairs, Index_links const& links, Names_map const& names) {
+    starts_.Reserve(pairs.size() + 1);
+    starts_.push_back(0);
+    // Both the pairs and the links are ascending, so one look at each is enough.
+    std::size_t next = 0;
+    auto const is_link = [&](Node_pair pair) {
+        while (next < links.size() && links.pairs[next] < pair) {
+            ++next;
+        }
+        return next < links.size() && links.pairs[next] == pair;
+    };
+    for (Node first = 0; pairs.size() > 0 && first <= pairs.Last_first(); ++first) {
+        for (Node const second : pairs.Seconds(first)) {
+            bool const as_is = is_link({first, second});
+            bytes_.Append(names.Spaced(as_is ? first : second));
+            bytes_.Append(names[as_is ? second : first]);
+            bytes_.push_back('\n');
+            starts_.push_back(bytes_.size());
+        }
+    }
+    bytes_.Resize(bytes_.size() + padding, '\n');
+    bytes_.Shrink_to_fit();
+}
+
+void Link_lines::Put(std::span<Link_number const> numbers, Record_text& text) const {
+    for (std::size_t i = 0; i < numbers.size();) {
+        std::uint64_t const begin = starts_[numbers[i]];
+        // A run of consecutive numbers.
+        for (++i; i < numbers.size() && numbers[i] == numbers[i - 1] + 1;) {
+            ++i;
+        }
+        std::uint64_t const end = starts_[std::size_t{numbers[i - 1]} + 1];
+        auto const size = static_cast<std::size_t>(end - begin);
+        if (size <= padding) {
+            text.Put_padded<padding>(bytes_.data() + begin, size);
+        } else {
+            text.Put({bytes_.data() + begin, size});
+        }
+    }
+}
+
+} // namespace cpm

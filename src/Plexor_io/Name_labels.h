@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+// Name_labels: node names as the result files want them, each with a blank behind it. Names are
+// looked up at random and by the hundred million: most of them fit into 16 bytes together with
+// their length, so that one look-up is one cache line and one copy.
+#ifndef PLEXOR_NAME_LABELS_H
+#define PLEXOR_NAME_LABELS_H
+
+#include "Plexor_io/Record_text.h"
+#include "Types.h"
+
+#include <array>
+
+namespace cpm {
+
+class Name_labels {
+public:
+    /// The names must outlive this object. `n_wanted` says how many names will be put: making the
+    /// labels is left out when it would cost more than it saves.
+    Name_labels(Names_map const& names, std::uint64_t n_wanted);
+
+    /// The name of each node and a blank behind it, in this order.
+    void Put(Node_set nodes, Record_text& text) const {
+        if (labels_.empty()) {
+            for (Node const node : nodes) {
+                text.Put(names_.Spaced(node));
+            }
+            return;
+        }
+        for (Node const node : nodes) {
+            Label const& label = labels_[node];
+            if (label.size != too_long) {
+                text.Put_padded<sizeof(Label)>(label.bytes.data(), label.size);
+            } else {
+                text.Put(names_.Spaced(node));
+            }
+        }
+    }
+
+    /// A record of a result file: the number, with a "-" before it when it is that of something
+    /// approximated, ": ", the names, and an end of line.
+    void Put_record(std::size_t number, bool approximated, Node_set nodes,
+                    Record_text& text) const {
+        text.Put_number(static_cast<std::uint32_t>(number), approximated);
+        text.Put(": ");
+        Put(nodes, text);
+        text.Put('\n');
+    }
+
+private:
+    struct Label {
+        std::array<char, 15> bytes; ///< the name and the blank, then anything
+        unsigned char size;         ///< of both together, or too_long
+    };
+    static_assert(sizeof(Label) == 16);
+    static constexpr unsigned char too_long = 0xFF;
+
+    Names_map const& names_;
+    Flat_array<Label> labels_; ///< by node; empty when not worth their making
+};
+
+} // namespace cpm
+
+#endif

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#include "Plexor_io/Text_file.h"
+
+#include "support/Write_all.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace cpm {
+
+namespace {
+
+// Large enough that a system call is rare, small enough to stay in the second-level cache.
+constexpr std::size_t buffer_size = std::size_t{1} << 18;
+constexpr mode_t file_mode = 0666;
+
+} // namespace
+
+Text_file::Text_file(std::string path, Console& console)
+    : path_(std::move(path)), console_(console),
+      descriptor_(::open(path_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, file_mode)),
+      failed_(descriptor_ < 0), buffer_(new char[buffer_size]) {
+    Set_buffer(buffer_.get(), buffer_.get() + buffer_size);
+}
+
+Text_file::~Text_file() {
+    Flush();
+    // Some file systems report a full disk only now.
+    if (descriptor_ >= 0 && ::close(descriptor_) != 0) {
+        failed_ = true;
+    }
+    if (failed_) {
+        console_.Put(" WARNING: could not write '");
+        console_.Put(path_);
+        console_.Put_line("'.");
+    }
+}
+
+void Text_file::Flush() {
+    std::string_view const text(buffer_.get(), static_cast<std::size_t>(Next() - buffer_.get()));
+    // After the first failure nothing more is written: a file with a gap would look whole.
+    failed_ = failed_ || !Write_all(descriptor_, text);
+    Set_buffer(buffer_.get(), buffer_.get() + buffer_size);
+}
+
+void Text_file::Make_room(std::size_t) {
+    Flush();
+}
+
+} // namespace cpm
