@@ -15,6 +15,7 @@
 
 #include <csignal>
 #include <exception>
+#include <fcntl.h>
 #include <optional>
 #include <unistd.h>
 #include <utility>
@@ -95,6 +96,18 @@ void Run(int argc, char** argv, Console& console) {
     Print_banner(console);
 }
 
+// A run may be started with standard streams closed. The next file opened would take their place
+// and get what is meant for them.
+void Fill_standard_streams() {
+    int descriptor = 0;
+    do {
+        descriptor = ::open("/dev/null", O_RDWR);
+    } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
+    if (descriptor >= 0) {
+        ::close(descriptor);
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -102,6 +115,7 @@ int main(int argc, char** argv) {
     // reported like a full disk.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
+    Fill_standard_streams();
     cpm::Out_of_memory::Install();
     cpm::Console console(STDOUT_FILENO);
     try {

@@ -5,9 +5,10 @@
 // Leaves   whether the clock is looked at, and the sets of three nodes found before.
 // Order    lines grow by one node at a time: gaps from the front, in a gap ascending nodes. A node
 //          tried in a gap is not tried there again.
-// Cost     the search ends at the first line that may grow into something new. Up to there each link
-//          of two candidates is walked from its end with fewer links, and sets are compared by their
-//          own links. Memory: a few numbers a link.
+// Cost     the search ends at the first line that may grow into something new. Up to there each
+// link
+//          of two candidates is walked from its end with fewer links, and sets are compared by
+//          their own links. Memory: a few numbers a link.
 // Tested   Clique_find_dir_test.cpp: the literal search with clocks that strike at once.
 //
 // What is found here counts only when the time is up at the first look; so the fast search that
@@ -183,9 +184,8 @@ void Dir_first_check::Merge_already_full_and_possibs(std::initializer_list<Place
 // Sets often follow each other that lie in the same known set; such a set is not looked for again.
 bool Dir_first_check::Mehet_tovabb() {
     std::uint32_t const number = known_with_[merged_.front()];
-    if (number != 0 && std::ranges::all_of(merged_, [&](Place place) {
-            return known_with_[place] == number;
-        })) {
+    if (number != 0 &&
+        std::ranges::all_of(merged_, [&](Place place) { return known_with_[place] == number; })) {
         return false;
     }
     if (!Known()) {
@@ -238,9 +238,8 @@ bool Dir_first_check::Known() {
     // Stage 2: some excluded node can join them.
     std::size_t const n_inside = one_way_.size();
     auto const all = Neighbours(rarest);
-    auto const first_excluded = std::ranges::partition_point(all, [this](Neighbour neighbour) {
-        return neighbour.place < around_->Centre();
-    });
+    auto const first_excluded = std::ranges::partition_point(
+        all, [this](Neighbour neighbour) { return neighbour.place < around_->Centre(); });
     return std::any_of(first_excluded, all.end(), [&](Neighbour neighbour) {
         one_way_.resize(n_inside);
         add(centre, excluded, around_->Arcs_with(neighbour.place));

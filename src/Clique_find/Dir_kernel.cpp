@@ -5,7 +5,8 @@
 // Leaves   each set of the centre and two candidates or more that can be lined up, and no more so
 //          with any other candidate or excluded node.
 // Order    none: the caller sorts.
-// Cost     what counts in practice is a few branches a set, each of so many words a candidate as the
+// Cost     what counts in practice is a few branches a set, each of so many words a candidate as
+// the
 //          candidates fill. Memory: three rows of bits a node, and the sets of this one node.
 // Tested   Clique_find_dir_test.cpp: all subsets of random digraphs, and the literal gap search.
 //
@@ -131,8 +132,8 @@ bool Search<fixed_words>::Recurrent_inc_inv_dir(Dir_kernel::Stop_check const* st
             ++w;
         }
         if (w < N()) {
-            Tighten_dir(static_cast<Place>(
-                w * word_bits + static_cast<std::size_t>(std::countr_zero(open[w]))));
+            Tighten_dir(static_cast<Place>(w * word_bits +
+                                           static_cast<std::size_t>(std::countr_zero(open[w]))));
             opened = true;
         } else if (Depth() > 0) {
             Close();
@@ -204,8 +205,8 @@ template <std::size_t fixed_words> void Search<fixed_words>::Tighten_dir(Place p
     Word* const after = Work(1);
     Word* const into_before = Work(2); // the nodes with a one-way link into `before`
     Word* const out_of_after = Work(3);
-    bool const circles = !level.no_circles && (Meet(Row(placed, to), lined_up) ||
-                                               Meet(Row(placed, from), lined_up));
+    bool const circles =
+        !level.no_circles && (Meet(Row(placed, to), lined_up) || Meet(Row(placed, from), lined_up));
     if (circles) {
         Follow(from, lined_up, Row(placed, from), before, into_before);
         Follow(to, lined_up, Row(placed, to), after, out_of_after);
@@ -274,8 +275,8 @@ template <std::size_t fixed_words> void Search<fixed_words>::Look_for_circles() 
             }
         });
     }
-    auto const rivals = memory_.rivals.begin() +
-                        static_cast<std::ptrdiff_t>(memory_.levels.back().rivals_begin);
+    auto const rivals =
+        memory_.rivals.begin() + static_cast<std::ptrdiff_t>(memory_.levels.back().rivals_begin);
     memory_.levels.back().no_circles =
         Empty(on_circle) && std::none_of(rivals, memory_.rivals.end(), [&](Place rival) {
             return Meet(Row(rival, to), inside) && Meet(Row(rival, from), inside);
@@ -331,7 +332,8 @@ std::size_t Search<fixed_words>::Circle_breakers(Place pivot, Word* breakers) {
 
 // Chooses the candidates to try so that no new set is missed; false when there are none, that is
 // when every set of this branch can be joined by a node from outside it.
-// Invariant: a maximal set without the pivot holds a candidate that is not linked with the pivot, or
+// Invariant: a maximal set without the pivot holds a candidate that is not linked with the pivot,
+// or
 //            one that closes a circle with it.
 // Relies on: the pivot can join the set lined up; it could join the maximal set otherwise.
 // Buys:      only the pivot (if it is a candidate) and those candidates are tried.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Dir_kernel: finds the sets around one node that can be lined up: sets of nodes, two by two linked,
-// whose one-way links (those without a reverse) close no circle. Just these can be put in a line
-// such that every node has a link to every later one.
+// Dir_kernel: finds the sets around one node that can be lined up: sets of nodes, two by two
+// linked, whose one-way links (those without a reverse) close no circle. Just these can be put in a
+// line such that every node has a link to every later one.
 #ifndef PLEXOR_DIR_KERNEL_H
 #define PLEXOR_DIR_KERNEL_H
 
@@ -31,7 +31,7 @@ struct Memory {
     /// An open branch: the set lined up so far has grown by one candidate.
     struct Level {
         std::size_t rivals_begin = 0; ///< in rivals; they end where the next level's begin
-        Place placed = 0;        ///< the candidate that opened the branch
+        Place placed = 0;             ///< the candidate that opened the branch
         bool no_circles = false;      ///< no one-way links close a circle here or further on
     };
     std::vector<Level> levels;

@@ -35,7 +35,8 @@ private:
     std::vector<Words> groups_; ///< a stack; what lies beyond its top is kept as memory
     std::size_t n_groups_ = 0;
     std::vector<Place> to_walk_;
-    List_of_lists<std::uint64_t> first_lines_; ///< a set's steps: gap, and in the low half the place
+    List_of_lists<std::uint64_t>
+        first_lines_; ///< a set's steps: gap, and in the low half the place
     std::vector<std::uint32_t> order_;
 };
 

@@ -24,10 +24,10 @@ bool Dir_surroundings::Gather(Node node) {
     }
     Walk_links();
     Leave_out_idle_nodes();
-    one_way_ = std::any_of(arcs_.begin(), arcs_.begin() + centre_,
-                           [](Arcs arcs) { return arcs != Arc_both; }) ||
-               std::ranges::any_of(
-                   links_, [](Local_link const& link) { return link.arcs != Arc_both; });
+    one_way_ =
+        std::any_of(arcs_.begin(), arcs_.begin() + centre_,
+                    [](Arcs arcs) { return arcs != Arc_both; }) ||
+        std::ranges::any_of(links_, [](Local_link const& link) { return link.arcs != Arc_both; });
     return centre_ > 0;
 }
 

@@ -200,14 +200,18 @@ bool Local_cliques::Find(Stop_check const* stop) {
         return true;
     }
     if (n_words_ > 1) {
-        return Search_wide(stop);
+        bool const finished = Search_wide(stop);
+        Order_wide(finished);
+        return finished;
     }
     std::copy(rows_.begin(), rows_.end(), words_.rows.begin());
     words_.excluded.clear();
     words_.excluded.Append(excluded_);
     Word const all = ~Word{0} << (word_bits - n_candidates_);
     bool const finished = Search_words(words_, all, stop);
-    std::sort(words_.found.begin(), words_.found.end(), std::greater<>());
+    if (finished) {
+        std::sort(words_.found.begin(), words_.found.end(), std::greater<>());
+    }
     return finished;
 }
 
@@ -239,8 +243,8 @@ void Local_cliques::Append_cliques(Node always, Node_set names, std::size_t leas
             }
         });
     }
-    for (std::uint32_t const number : wide_order_) {
-        append([set = wide_found_[number]](auto const& take) {
+    for (Wide_place const& place : wide_order_) {
+        append([set = wide_found_[place.number]](auto const& take) {
             std::for_each(set.begin(), set.end(), take);
         });
     }
@@ -401,7 +405,6 @@ bool Local_cliques::Search_wide(Stop_check const* stop) {
             finished = !(*stop)();
         }
     }
-    Sort_wide();
     return finished;
 }
 
@@ -511,15 +514,34 @@ void Local_cliques::Add_wide(Word narrow_set) {
     wide_found_.Add(clique_);
 }
 
-void Local_cliques::Sort_wide() {
-    wide_order_.resize(wide_found_.size());
-    std::iota(wide_order_.begin(), wide_order_.end(), 0U);
-    std::sort(wide_order_.begin(), wide_order_.end(), [&](std::uint32_t a, std::uint32_t b) {
-        auto const first = wide_found_[a];
-        auto const second = wide_found_[b];
-        return std::lexicographical_compare(first.begin(), first.end(), second.begin(),
-                                            second.end());
-    });
+// Sets the order in which the cliques found are listed. Most pairs of cliques differ in their first
+// candidates, which one number holds: the lists themselves are rarely looked at.
+void Local_cliques::Order_wide(bool sorted) {
+    auto const first_candidates = [&](std::span<std::uint32_t const> list) {
+        constexpr std::size_t n_first = 4;
+        constexpr unsigned bits_each = 16;
+        constexpr std::uint32_t largest = 0xFFFF; // stands for all from there on
+        std::uint64_t key = 0;
+        for (std::size_t i = 0; i < n_first; ++i) {
+            // A clique that ends here is no beginning of another one: any number will do.
+            std::uint32_t const candidate = i < list.size() ? list[i] : 0;
+            key = key << bits_each | std::min(candidate, largest);
+        }
+        return key;
+    };
+    wide_order_.clear();
+    for (std::size_t i = 0; i < wide_found_.size(); ++i) {
+        wide_order_.push_back({first_candidates(wide_found_[i]), static_cast<std::uint32_t>(i)});
+    }
+    if (!sorted) {
+        return;
+    }
+    std::sort(wide_order_.begin(), wide_order_.end(),
+              [&](Wide_place const& a, Wide_place const& b) {
+                  return a.key != b.key ? a.key < b.key
+                                        : std::ranges::lexicographical_compare(
+                                              wide_found_[a.number], wide_found_[b.number]);
+              });
 }
 
 } // namespace cpm

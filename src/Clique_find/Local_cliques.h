@@ -49,11 +49,11 @@ public:
     /// that end with j. False when a pair was met that has to be looked into.
     bool Only_pairs(std::function<void(std::size_t i, std::size_t j)> const& take_pair) const;
 
-    /// Finds the cliques; they stay until the next Start(). False when `stop` ended the search, and
-    /// then only some of them have been found.
+    /// Finds the cliques, in lexicographic order; they stay until the next Start(). False when
+    /// `stop` ended the search, and then only some of them have been found, in no particular order.
     bool Find(Stop_check const* stop = nullptr);
     /// Appends each clique found, its candidates translated by `names` (ascending, candidate i is
-    /// names[i]) and joined by `always`, to the list, in lexicographic order of the candidates.
+    /// names[i]) and joined by `always`, to the list, in the order of Find().
     /// Cliques of fewer than `least` candidates are left out.
     void Append_cliques(Node always, Node_set names, std::size_t least, Set_list& cliques);
 
@@ -68,6 +68,11 @@ private:
     Word const* Row(std::size_t i) const { return rows_.data() + i * n_words_; }
     std::size_t N_excluded() const { return n_words_ == 0 ? 0 : excluded_.size() / n_words_; }
 
+    // A clique of the wide search: its first candidates as a number to sort by, and its place.
+    struct Wide_place {
+        std::uint64_t key = 0;
+        std::uint32_t number = 0;
+    };
     // One level of the search among more than 64 candidates. The sets lie in level_words_.
     struct Level {
         std::size_t excluded_begin = 0; ///< the level's excluded nodes in level_excluded_
@@ -82,7 +87,7 @@ private:
                          Stop_check const* stop);
     Word Narrowed(Word const* row, Word const* set) const;
     void Add_wide(Word narrow_set);
-    void Sort_wide();
+    void Order_wide(bool sorted);
 
     std::size_t n_candidates_ = 0;
     std::size_t n_words_ = 0;
@@ -100,7 +105,7 @@ private:
     std::vector<std::uint32_t> narrow_;
     std::vector<std::uint8_t> narrow_place_;
     List_of_lists<std::uint32_t> wide_found_;
-    std::vector<std::uint32_t> wide_order_;
+    std::vector<Wide_place> wide_order_;
     std::vector<Node> clique_;
 };
 

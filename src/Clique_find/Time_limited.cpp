@@ -4,8 +4,9 @@
 // Takes    the nodes in their order, a finder of the cliques of one node.
 // Leaves   the cliques of the nodes done; then what was found at the nodes given up.
 // Order    the nodes done, in the order they were done; then the pending sets, lexicographically.
-// Cost     beside the finder's: a node a report; pending sets are sorted, and only those of three
-//          nodes are looked for in the clique list. Memory: the pending sets, without repeats.
+// Cost     beside the finder's: a node a report; pending sets are hashed, at the end sorted, and
+// only
+//          those of three nodes are looked for in the clique list. Memory: the pending sets.
 // Tested   Time_limited_test.cpp, Clique_find_test.cpp, Clique_find_dir_test.cpp.
 #include "Clique_find/Time_limited.h"
 
@@ -20,33 +21,69 @@ namespace cpm::Clique_find_time_sub_routines {
 
 namespace {
 
-// What was found at nodes that took too long. A node that is tried again finds most of it again.
+// What was found at nodes that took too long. A node that is tried again finds most of it again, so
+// repeats are told by a hash table; sorting comes once, when the search has ended.
 class Pending_sets {
 public:
     void Add(Set_list const& found) {
         for (std::size_t i = 0; i < found.size(); ++i) {
-            sets_.Add(found[i]);
-        }
-        if (sets_.size() > 2 * n_sorted_ + some_sets) {
-            Sort();
+            Add(found[i]);
         }
     }
-    /// Without repeats, ascending.
-    Set_list const& Sorted() {
-        Sort();
-        return sets_;
-    }
+    /// Without repeats, ascending. Nothing can be added from then on.
+    Set_list const& Sorted();
 
 private:
-    static constexpr std::size_t some_sets = 1000;
-
-    void Sort();
+    void Add(Node_set set);
+    void Grow();
+    static std::uint64_t Hash(Node_set set);
 
     Set_list sets_;
-    std::size_t n_sorted_ = 0; ///< how many sets the last sorting left
+    Flat_array<std::uint64_t> hashes_;       ///< one a set
+    std::vector<std::uint32_t> slots_{0, 0}; ///< 1 + a set's number, or 0; no more than half full
 };
 
-void Pending_sets::Sort() {
+std::uint64_t Pending_sets::Hash(Node_set set) {
+    std::uint64_t hash = set.size();
+    for (Node const node : set) {
+        hash = (hash ^ node) * 0x9E3779B97F4A7C15U;
+        hash ^= hash >> 29;
+    }
+    return hash;
+}
+
+void Pending_sets::Add(Node_set set) {
+    std::uint64_t const hash = Hash(set);
+    std::size_t const mask = slots_.size() - 1;
+    std::size_t slot = hash & mask;
+    for (; slots_[slot] != 0; slot = (slot + 1) & mask) {
+        std::uint32_t const other = slots_[slot] - 1;
+        if (hashes_[other] == hash && std::ranges::equal(sets_[other], set)) {
+            return;
+        }
+    }
+    sets_.Add(set);
+    hashes_.push_back(hash);
+    slots_[slot] = static_cast<std::uint32_t>(sets_.size());
+    if (2 * sets_.size() >= slots_.size()) {
+        Grow();
+    }
+}
+
+void Pending_sets::Grow() {
+    slots_.assign(2 * slots_.size(), 0);
+    std::size_t const mask = slots_.size() - 1;
+    for (std::size_t i = 0; i < sets_.size(); ++i) {
+        std::size_t slot = hashes_[i] & mask;
+        while (slots_[slot] != 0) {
+            slot = (slot + 1) & mask;
+        }
+        slots_[slot] = static_cast<std::uint32_t>(i + 1);
+    }
+}
+
+Set_list const& Pending_sets::Sorted() {
+    slots_ = {};
     std::vector<std::uint32_t> order(sets_.size());
     std::iota(order.begin(), order.end(), 0U);
     std::sort(order.begin(), order.end(), [this](std::uint32_t a, std::uint32_t b) {
@@ -54,12 +91,10 @@ void Pending_sets::Sort() {
     });
     Set_list sorted;
     for (std::uint32_t const i : order) {
-        if (sorted.empty() || !std::ranges::equal(sorted[sorted.size() - 1], sets_[i])) {
-            sorted.Add(sets_[i]);
-        }
+        sorted.Add(sets_[i]);
     }
     sets_ = std::move(sorted);
-    n_sorted_ = sets_.size();
+    return sets_;
 }
 
 // The pending sets of three nodes, and which nodes they speak of.

@@ -15,8 +15,10 @@
 #include "Clique_find/Reports.h"
 
 #include <algorithm>
+#include <bit>
 #include <limits>
 #include <memory>
+#include <utility>
 
 namespace cpm {
 
@@ -194,8 +196,7 @@ public:
     Adjacent_k_cliques(K_clique_list const& k_cliques, Coms_from_k_cls_sub::Labels& labels,
                        Link_rows const& rows, double intensity, Progress& progress)
         : k_cliques_(k_cliques), labels_(labels), test_(k_cliques.K(), rows, intensity),
-          progress_(progress), by_second_(k_cliques), table_(k_cliques), mixed_(k_cliques.K()),
-          shared_(k_cliques.K() - 1) {}
+          progress_(progress), by_second_(k_cliques), table_(k_cliques), mixed_(k_cliques.K()) {}
 
     void Unite_all() {
         K_clique_number next = 0;
@@ -214,7 +215,7 @@ private:
         std::span<K_clique_number const> const second = by_second_[smallest];
         // Many sets are taken in several rounds, a class of hash values in each, so that the table
         // stays small beside the k-cliques.
-        std::size_t const n_sets = second.size() + (end - begin) * (shared_.size());
+        std::size_t const n_sets = second.size() + (end - begin) * (mixed_.size() - 1);
         n_rounds_ = n_sets / Most_sets_a_round() + 1;
         for (round_ = 0; round_ < n_rounds_; ++round_) {
             table_.Start(n_sets / n_rounds_);
@@ -227,7 +228,7 @@ private:
                     progress_.Report(i);
                 }
                 Mix(i);
-                for (std::uint32_t left_out = 1; left_out <= shared_.size(); ++left_out) {
+                for (std::uint32_t left_out = 1; left_out < mixed_.size(); ++left_out) {
                     Meet({i, left_out});
                 }
             }
@@ -268,18 +269,13 @@ private:
             return;
         }
         if (entry.verdict == Verdict::untested) {
-            entry.verdict = Passes(part) ? Verdict::passed : Verdict::failed;
+            entry.verdict = test_.Check_intersection(k_cliques_[part.k_clique], part.left_out)
+                                ? Verdict::passed
+                                : Verdict::failed;
         }
         if (entry.verdict == Verdict::passed) {
             labels_.Unite(entry.part.k_clique, part.k_clique);
         }
-    }
-
-    bool Passes(Part part) {
-        Node_set const nodes = k_cliques_[part.k_clique];
-        std::copy_n(nodes.begin(), part.left_out, shared_.begin());
-        std::copy(nodes.begin() + part.left_out + 1, nodes.end(), shared_.begin() + part.left_out);
-        return test_.Check_intersection(shared_);
     }
 
     K_clique_list const& k_cliques_;
@@ -292,13 +288,11 @@ private:
     std::uint64_t round_ = 0;
     Flat_array<std::uint64_t> mixed_; ///< the nodes of the k-clique under way
     std::uint64_t mixed_sum_ = 0;
-    Flat_array<Node> shared_;
 };
 
 // At k = 2 a shared set is a single node, which the test cannot deal with: the first one ends the
 // run. Without any the k-cliques are pairs that have nothing to do with each other.
-void Meet_single_nodes(K_clique_list const& k_cliques, Link_rows const& rows, double intensity,
-                       Progress& progress) {
+void Meet_single_nodes(K_clique_list const& k_cliques, Link_rows const& rows, Progress& progress) {
     Node last_node = 0;
     for (std::size_t i = 0; i < k_cliques.size(); ++i) {
         last_node = std::max(last_node, k_cliques[i].back());
@@ -309,12 +303,13 @@ void Meet_single_nodes(K_clique_list const& k_cliques, Link_rows const& rows, do
             last_with[node] = static_cast<K_clique_number>(i);
         }
     }
-    Coms_from_k_cls_sub::Shared_test test(k_cliques.K(), rows, intensity);
+    Sub_links sub_links;
+    double min_log_w = 0;
     for (K_clique_number i = 0; i < k_cliques.size(); ++i) {
         progress.Report(i);
         for (Node const& node : k_cliques[i]) {
             if (last_with[node] > i) {
-                test.Check_intersection({&node, 1});
+                Get_sub_links_and_min_link_w({&node, 1}, rows, sub_links, min_log_w);
             }
         }
     }
@@ -324,9 +319,9 @@ void Meet_single_nodes(K_clique_list const& k_cliques, Link_rows const& rows, do
 class Community_blocks {
 public:
     /// `community_of` tells the community of each k-clique.
-    Community_blocks(K_clique_list const& k_cliques, Index_links const& links,
+    Community_blocks(K_clique_list const& k_cliques, Link_rows rows,
                      Flat_array<std::uint32_t> const& community_of, std::size_t n_communities)
-        : k_cliques_(k_cliques), rows_(links) {
+        : k_cliques_(k_cliques), rows_(std::move(rows)) {
         begins_.Resize(n_communities + 1, 0);
         for (std::uint32_t const community : community_of) {
             ++begins_[community];
@@ -349,7 +344,6 @@ public:
 
     void Links(std::size_t community, Take_links const& take) {
         constexpr std::size_t a_piece = 4096;
-        last_ = {};
         piece_.clear();
         for (K_clique_number const i : (*this)[community]) {
             Number_links(k_cliques_[i]);
@@ -391,7 +385,7 @@ private:
     Link_rows rows_;
     Flat_array<K_clique_number> begins_;
     Flat_array<K_clique_number> numbers_;
-    Node_set last_; ///< the k-clique whose links are numbered; none: empty
+    Node_set last_; ///< the k-clique whose links are numbered; empty: none yet
     Flat_array<Link_number> link_numbers_;
     Flat_array<Link_number> piece_;
 };
@@ -424,19 +418,16 @@ void List_nodes(K_clique_list const& k_cliques, Community_blocks const& blocks, 
 
 void Intensity_coms_from_k_cliques(K_clique_list const& k_cliques, Communities& coms,
                                    Index_links const& links, double intensity, Console& console) {
-    Flat_array<std::uint32_t> community_of;
-    {
-        Link_rows const rows(links);
-        Coms_from_k_cls_sub::Labels labels(k_cliques.size());
-        Coms_from_k_cls_sub::Get_node_com_inds(k_cliques, labels, rows, intensity, console);
-        community_of = std::move(labels).Get_trans_rules();
-    }
+    Link_rows rows(links);
+    Coms_from_k_cls_sub::Labels labels(k_cliques.size());
+    Coms_from_k_cls_sub::Get_node_com_inds(k_cliques, labels, rows, intensity, console);
+    Flat_array<std::uint32_t> community_of = std::move(labels).Get_trans_rules();
     std::size_t n_communities = 0;
     for (std::uint32_t const community : community_of) {
         n_communities = std::max(n_communities, std::size_t{community} + 1);
     }
     auto const blocks =
-        std::make_shared<Community_blocks>(k_cliques, links, community_of, n_communities);
+        std::make_shared<Community_blocks>(k_cliques, std::move(rows), community_of, n_communities);
     community_of.Release();
     coms.nodes.clear();
     coms.cliques.clear();
@@ -453,24 +444,47 @@ Shared_test::Shared_test(std::uint32_t k, Link_rows const& rows, double intensit
     : rows_(rows), n_links_(Number_of_links(k - 1)),
       log_threshold_(Log_threshold(intensity, k - 1)) {}
 
-bool Shared_test::Check_intersection(Node_set shared) {
-    double min_log_w = 0;
-    Get_sub_links_and_min_link_w(shared, rows_, sub_links_, min_log_w);
+bool Shared_test::Check_intersection(Node_set k_clique, std::size_t left_out) {
+    Take_shared_logs(k_clique, left_out);
+    double const min_log_w = Smallest_log(shared_logs_);
+    double const* log_w = shared_logs_.begin();
     double sum = 0;
     // The links among the nodes before `place` are in the sum.
-    for (std::size_t place = 1; place < shared.size(); ++place) {
+    for (std::size_t place = 1; place + 1 < k_clique.size(); ++place) {
         auto const counted = static_cast<double>(place);
         double const bound = (n_links_ - counted * (counted - 1) / 2) * min_log_w + sum;
         // Deliberate: what is not a number ends the walk as well, and the set has passed.
         if (!(log_threshold_ >= bound)) {
             return true;
         }
-        double const* const log_w = sub_links_.To_earlier(place);
         for (std::size_t earlier = 0; earlier < place; ++earlier) {
-            sum += log_w[earlier];
+            sum += *log_w++;
         }
     }
     return sum > log_threshold_;
+}
+
+// The k-cliques come in lexicographic order mostly, so that only the last nodes of this one are new
+// and their links have to be looked up.
+void Shared_test::Take_shared_logs(Node_set k_clique, std::size_t left_out) {
+    auto const differ = std::ranges::mismatch(k_clique, last_).in1;
+    auto const n_same = static_cast<std::size_t>(differ - k_clique.begin());
+    if (n_same < k_clique.size()) {
+        double min_log_w = 0;
+        Get_sub_links_and_min_link_w(k_clique, rows_, sub_links_, min_log_w, n_same);
+        last_.clear();
+        last_.Append(k_clique);
+    }
+    shared_logs_.clear();
+    for (std::size_t place = 1; place < k_clique.size(); ++place) {
+        std::span<double const> const to_earlier(sub_links_.To_earlier(place), place);
+        if (left_out > place) {
+            shared_logs_.Append(to_earlier);
+        } else if (left_out < place) {
+            shared_logs_.Append(to_earlier.first(left_out));
+            shared_logs_.Append(to_earlier.subspan(left_out + 1));
+        }
+    }
 }
 
 Labels::Labels(std::size_t n_k_cliques) {
@@ -511,7 +525,7 @@ void Get_node_com_inds(K_clique_list const& k_cliques, Labels& labels, Link_rows
     }
     Progress progress(k_cliques, intensity, console);
     if (k_cliques.K() == 2) {
-        Meet_single_nodes(k_cliques, rows, intensity, progress);
+        Meet_single_nodes(k_cliques, rows, progress);
     } else {
         Adjacent_k_cliques(k_cliques, labels, rows, intensity, progress).Unite_all();
     }

@@ -8,6 +8,7 @@
 #include "Types.h"
 #include "support/Console.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace cpm {
@@ -32,15 +33,19 @@ public:
     /// The links must outlive this object.
     Shared_test(std::uint32_t k, Link_rows const& rows, double intensity);
 
-    /// Whether the intensity of k-1 nodes is above the threshold. Throws as
-    /// Get_sub_links_and_min_link_w() does.
-    bool Check_intersection(Node_set shared);
+    /// Whether the intensity of a k-clique without the node at one place is above the threshold,
+    /// k at least 3. Throws as Get_sub_links_and_min_link_w() does.
+    bool Check_intersection(Node_set k_clique, std::size_t left_out);
 
 private:
+    void Take_shared_logs(Node_set k_clique, std::size_t left_out);
+
     Link_rows const& rows_;
     double n_links_;
     double log_threshold_;
     Sub_links sub_links_;
+    Flat_array<Node> last_;          ///< the k-clique that sub_links_ is for
+    Flat_array<double> shared_logs_; ///< for the links to earlier nodes, node by node
 };
 
 /// Labels of k-cliques, which are numbers of k-cliques, and the rules that replace a label by a

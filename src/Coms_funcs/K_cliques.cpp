@@ -8,8 +8,8 @@
 //          clique's smallest weight for all links to come already are. Equal weights make ties, so
 //          every sum is added up in one fixed order, and what a tie does in one clique it need not
 //          do in another with a smaller least weight: a set inside two cliques is tried in both.
-// Cost     one step a set of at most k nodes that is walked (there is no bound from above: a set
-//          that cannot pass is found out at its last node), one look-up a link of each clique.
+// Cost     one step a set of at most k nodes that is walked: those that can still pass, as far as
+//          the largest weights of the clique tell. One look-up a link of each clique.
 //          Memory: twice the k-cliques at most, 4 k bytes each; half a matrix of one clique.
 // Tested   K_cliques_test.cpp, the runs against the plain model.
 #include "Coms_funcs/K_cliques.h"
@@ -19,7 +19,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <limits>
+#include <string>
 #include <vector>
 
 namespace cpm {
@@ -128,7 +130,7 @@ private:
     std::vector<Range> open_;
 };
 
-std::string_view constexpr missing_link = "ERROR: Get_sub_links_and_thresh_abs: missing link.\n";
+constexpr char const* missing_link = "ERROR: Get_sub_links_and_thresh_abs: missing link.\n";
 
 } // namespace
 
@@ -182,15 +184,19 @@ Link_rows::Link_rows(Index_links const& links) : links_(links) {
 
 std::size_t Link_rows::Find(Node first, Node second, std::size_t from) const {
     if (first < n_rows_) {
-        Node_pair const* const begin = links_.pairs.begin() + from;
-        Node_pair const* const end = links_.pairs.begin() + starts_[std::size_t{first} + 1];
-        Node_pair const* const place =
-            std::ranges::lower_bound(begin, end, second, {}, &Node_pair::second);
-        if (place != end && place->second == second) {
-            return static_cast<std::size_t>(place - links_.pairs.begin());
+        // A binary search without a branch on what it compares, which nobody can predict.
+        Node_pair const* place = links_.pairs.begin() + from;
+        for (std::size_t left = starts_[std::size_t{first} + 1] - from; left > 0;) {
+            std::size_t const half = (left + 1) / 2;
+            place = place[half - 1].second < second ? place + half : place;
+            left -= half;
+        }
+        auto const found = static_cast<std::size_t>(place - links_.pairs.begin());
+        if (found < starts_[std::size_t{first} + 1] && place->second == second) {
+            return found;
         }
     }
-    throw Xerror_msg(std::string(missing_link));
+    throw Xerror_msg(missing_link);
 }
 
 double Link_rows::Log_weight(std::size_t position) const {
@@ -198,24 +204,30 @@ double Link_rows::Log_weight(std::size_t position) const {
 }
 
 void Get_sub_links_and_min_link_w(Node_set nodes, Link_rows const& rows, Sub_links& sub_links,
-                                  double& min_log_w) {
+                                  double& min_log_w, std::size_t n_known) {
     if (nodes.size() < 2) {
-        throw Xerror_msg(std::string(missing_link));
+        throw Xerror_msg(missing_link);
     }
     sub_links.Resize(nodes.size());
     for (std::size_t a = 0; a + 1 < nodes.size(); ++a) {
         std::size_t next = rows.Begin(nodes[a]);
-        for (std::size_t b = a + 1; b < nodes.size(); ++b) {
+        for (std::size_t b = std::max(n_known, a + 1); b < nodes.size(); ++b) {
             std::size_t const link = rows.Find(nodes[a], nodes[b], next);
+            sub_links.To_earlier(b)[a] = rows.Log_weight(link);
             next = link + 1;
-            double const log_w = rows.Log_weight(link);
-            sub_links.To_earlier(b)[a] = log_w;
-            bool const is_first = a == 0 && b == 1;
-            if (is_first || log_w < min_log_w) {
-                min_log_w = log_w;
-            }
         }
     }
+    min_log_w = Smallest_log(sub_links.All());
+}
+
+double Smallest_log(std::span<double const> logs) {
+    double smallest = logs.front();
+    for (double const log_w : logs) {
+        if (log_w < smallest) {
+            smallest = log_w;
+        }
+    }
+    return smallest;
 }
 
 double Number_of_links(std::uint32_t n_nodes) {
@@ -275,7 +287,7 @@ void K_set_search::Find(Node_set clique, Sub_links const& sub_links, double min_
     clique_ = clique;
     sub_links_ = &sub_links;
     min_log_w_ = min_log_w;
-    if (nodes_.empty()) {
+    if (nodes_.empty()) { // not before a clique of k nodes comes: k may be any number
         std::uint32_t const k = k_cliques_.K();
         for (std::uint32_t m = 0; m <= k; ++m) {
             links_left_.push_back((k * (k - 1)) * 0.5 - Number_of_links(m));
@@ -284,8 +296,52 @@ void K_set_search::Find(Node_set clique, Sub_links const& sub_links, double min_
         nodes_.Resize(k_);
         sums_.Resize(k_);
     }
+    Limit_from_above();
+    if (!(most_left_[1] > log_threshold_)) {
+        return;
+    }
     for (std::size_t first = 0; first + k_ <= clique.size(); ++first) {
         Get_k_cls_iter(first);
+    }
+}
+
+// For each size of a set: the most that the links to come can add to its sum, which is what those
+// of the largest weights in the clique would. A set that does not get above the threshold with that
+// is given up.
+//
+// Invariant: no set that would pass is given up.
+// Relies on: a sum of n logarithms, none larger than A, is off by less than n^2 A / 2^53, in
+//            whatever order it is added up. The sum so far, the most to come, and the sum or the
+//            bound of a complete set are such sums; the slack is twice all their errors, and 0
+//            when all logarithms are 0 and every sum is exact. Where a logarithm is infinite or
+//            not a number the most to come is infinite: given up are only sums of -inf or not a
+//            number, which stay what they are.
+// Buys:      large cliques of small weights. Nothing passes, but without it every set is tried.
+void K_set_search::Limit_from_above() {
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    constexpr double slack_unit = 0x1p-50;
+    most_left_.clear();
+    most_left_.Resize(k_ + 1, infinity);
+    logs_.clear();
+    logs_.Append(sub_links_->All());
+    double largest = 0;
+    for (double const log_w : logs_) {
+        if (!std::isfinite(log_w)) {
+            return;
+        }
+        largest = std::max(largest, std::abs(log_w));
+    }
+    std::size_t const n_links = k_ * (k_ - 1) / 2;
+    std::ranges::nth_element(logs_, logs_.begin() + (n_links - 1), std::greater());
+    std::sort(logs_.begin(), logs_.begin() + n_links, std::greater());
+    auto const n = static_cast<double>(n_links);
+    double most = n * n * largest * slack_unit;
+    std::size_t added = 0;
+    for (std::size_t size = k_; size >= 1; --size) {
+        for (; added < n_links - size * (size - 1) / 2; ++added) {
+            most += logs_[added];
+        }
+        most_left_[size] = most;
     }
 }
 
@@ -316,7 +372,9 @@ void K_set_search::Get_k_cls_iter(std::size_t first) {
         if (bound > log_threshold_ && !complete) {
             Get_k_cls_iter_no_w(size + 1, next);
         } else if (!complete) {
-            sums_[size++] = sum;
+            if (sum + most_left_[size + 1] > log_threshold_) {
+                sums_[size++] = sum;
+            }
         } else if (bound > log_threshold_ || sum > log_threshold_) {
             k_cliques_.Add(nodes_);
         }

@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 namespace cpm {
 
@@ -78,19 +79,26 @@ public:
         return logs_.data() + place * (place - 1) / 2;
     }
     double* To_earlier(std::size_t place) { return logs_.data() + place * (place - 1) / 2; }
-    /// Makes room for a set of `size` nodes; the values are not set.
+    /// All of them; the first is that for the first two nodes.
+    std::span<double const> All() const { return {logs_.data(), logs_.size()}; }
+    /// Makes room for a set of `size` nodes. The values for the first nodes stay.
     void Resize(std::size_t size) { logs_.Resize_uninitialised(size * (size - 1) / 2); }
 
 private:
     Flat_array<double> logs_;
 };
 
-/// The logarithms of all link weights inside a set of nodes, and the smallest of them. That is the
-/// first pair's unless another one is strictly smaller: NaN for the first pair stays, NaN elsewhere
-/// is passed over. Throws Xerror_msg "ERROR: Get_sub_links_and_thresh_abs: missing link.\n" when a
-/// pair is not linked, or there is no pair.
+/// The smallest of the logarithms, of which there is one at least: the first unless another one is
+/// strictly smaller. So one that is not a number stays when it is the first, and is passed over
+/// elsewhere.
+double Smallest_log(std::span<double const> logs);
+
+/// The logarithms of all link weights inside a set of nodes, and the smallest of them. Throws
+/// Xerror_msg "ERROR: Get_sub_links_and_thresh_abs: missing link.\n" when a pair is not linked, or
+/// there is no pair. The logarithms among the first `n_known` nodes are in place already, from a
+/// call for a set that begins with the same nodes.
 void Get_sub_links_and_min_link_w(Node_set nodes, Link_rows const& rows, Sub_links& sub_links,
-                                  double& min_log_w);
+                                  double& min_log_w, std::size_t n_known = 0);
 
 /// The number of links among `n_nodes` nodes, as the intensity tests compute it.
 double Number_of_links(std::uint32_t n_nodes);
@@ -117,6 +125,7 @@ public:
     void Find(Node_set clique, Sub_links const& sub_links, double min_log_w);
 
 private:
+    void Limit_from_above();
     void Get_k_cls_iter(std::size_t first);
     void Get_k_cls_iter_no_w(std::size_t size, std::size_t last);
     void Put(std::size_t at, std::size_t place) {
@@ -131,6 +140,8 @@ private:
     Sub_links const* sub_links_ = nullptr;
     double min_log_w_ = 0;
     Flat_array<double> links_left_;  ///< set size -> links that it lacks to a k-clique
+    Flat_array<double> most_left_;   ///< set size -> no set of this size gains more up to k
+    Flat_array<double> logs_;        ///< the largest of the clique, descending
     Flat_array<std::size_t> places_; ///< the set under way, by places in the clique
     Flat_array<Node> nodes_;         ///< ... by nodes
     Flat_array<double> sums_;        ///< the sum of the logarithms among its first nodes

@@ -265,7 +265,11 @@ void Overlap_index::Claim_partners(Partner const& from, std::vector<Partner>& pa
     if (needed == 0) {
         return;
     }
-    Question const question{First_sight(nodes) & ~size_mask, needed};
+    std::uint64_t signature = 0;
+    for (Node const node : nodes) {
+        signature |= Glance_bit(node);
+    }
+    Question const question{signature, needed};
     for (Node const node : nodes) {
         mark_[node] = 1;
     }

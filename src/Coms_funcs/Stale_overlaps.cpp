@@ -58,7 +58,7 @@ void Stale_overlaps::Extend_ovlp_matr(Clique_number clique, std::uint32_t least,
 }
 
 bool Stale_overlaps::Is_overwritten(Clique_number a, Clique_number b) const {
-    return (a >= n_exact_ || b >= n_exact_) && (a == b || Shared(*after_.cliques, a, b) > 0);
+    return (a >= n_exact_ || b >= n_exact_) && Shared(*after_.cliques, a, b) > 0;
 }
 
 std::uint32_t Stale_overlaps::Shared(Set_list const& cliques, Clique_number a, Clique_number b) {

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+// A directory on the disk in which one case is run: filled from a tree, looked at, emptied again.
+// All goes by directory descriptors, since a run may leave paths too long for a single call.
+#ifndef PLEXOR_BOX_H
+#define PLEXOR_BOX_H
+
+#include "Plain_tree.h"
+
+#include <string>
+
+namespace cpm::model {
+
+/// Makes the directory `root` and below it every entry of `tree`, whose paths are relative, with
+/// their parents. Throws std::runtime_error.
+void Fill(std::string const& root, Tree const& tree);
+
+/// Everything below `root` by relative paths. Throws std::runtime_error.
+Tree Look_into(std::string const& root);
+
+/// Deletes `root` with everything below it; nothing happens when it is missing.
+void Delete(std::string const& root);
+
+} // namespace cpm::model
+
+#endif

@@ -1,0 +1,523 @@
+// SPDX-License-Identifier: MIT
+// Runs the program and the plain model on the same random cases and compares standard output,
+// exit status and every file and directory byte for byte.
+#include "Box.h"
+#include "Plain_model.h"
+#include "Random_case.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <map>
+#include <optional>
+#include <sstream>
+#include <stdexcept>
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace cpm::model {
+
+namespace {
+
+constexpr char const* usage =
+    "usage: differential --program PATH [--fake-clock-program PATH] [--seed N] [--cases N]\n"
+    "                    [--one SEED] [--keep DIR]\n"
+    "  --program             the program under test\n"
+    "  --fake-clock-program  the same program linked with Fake_clock.cpp; without it the cases with\n"
+    "                        a time limit are left out\n"
+    "  --seed, --cases       the first seed (1) and how many cases follow (2000)\n"
+    "  --one                 only the case of this seed\n"
+    "  --keep                where failed cases are kept (a new directory)\n";
+
+struct Options {
+    std::string program;
+    std::string fake_clock_program;
+    std::uint32_t seed = 1;
+    std::uint32_t cases = 2000;
+    std::string keep;
+};
+
+/// What the program or the model made of a case; the tree by paths inside the box.
+struct Result {
+    std::string out;
+    std::string errors;
+    int status = 0; // as wait gives it
+    Tree tree;
+};
+
+// --- Running the program. ---
+
+/// A file without a name that holds what a child process prints.
+class Capture {
+public:
+    Capture() : fd_(::memfd_create("capture", MFD_CLOEXEC)) {
+        if (fd_ < 0) {
+            throw std::runtime_error("cannot make a file in memory");
+        }
+    }
+    Capture(Capture const&) = delete;
+    Capture& operator=(Capture const&) = delete;
+    ~Capture() { ::close(fd_); }
+
+    int Get() const { return fd_; }
+
+    std::string Text() const {
+        std::string text(static_cast<std::size_t>(::lseek(fd_, 0, SEEK_END)), '\0');
+        auto const size = ::pread(fd_, text.data(), text.size(), 0);
+        if (size != static_cast<ssize_t>(text.size())) {
+            throw std::runtime_error("cannot read back what the program printed");
+        }
+        return text;
+    }
+
+private:
+    int fd_;
+};
+
+/// Bounds on a program that has gone astray: seconds of processor time, bytes of a file.
+constexpr rlim_t most_seconds = 60;
+constexpr rlim_t most_bytes = rlim_t{1} << 28;
+
+[[noreturn]] void Become(std::string const& program, std::vector<std::string> args,
+                         std::string const& cwd, long long clock_step, int out, int errors) {
+    rlimit const time{most_seconds, most_seconds};
+    rlimit const size{most_bytes, most_bytes};
+    ::setrlimit(RLIMIT_CPU, &time);
+    ::setrlimit(RLIMIT_FSIZE, &size);
+    ::setenv("PLEXOR_FAKE_CLOCK_STEP", std::to_string(clock_step).c_str(), 1);
+    int const nothing = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+    std::vector<char*> argv;
+    for (auto& arg : args) {
+        argv.push_back(arg.data());
+    }
+    argv.push_back(nullptr);
+    if (::chdir(cwd.c_str()) == 0 && ::dup2(nothing, 0) == 0 && ::dup2(out, 1) == 1 &&
+        ::dup2(errors, 2) == 2) {
+        ::execv(program.c_str(), argv.data());
+    }
+    ::_exit(127);
+}
+
+Result Run_program(std::string const& program, std::vector<std::string> const& args,
+                   std::string const& box, long long clock_step) {
+    Capture const out;
+    Capture const errors;
+    std::string const cwd = box + "/" + work_directory;
+    pid_t const child = ::fork();
+    if (child < 0) {
+        throw std::runtime_error("cannot start a process");
+    }
+    if (child == 0) {
+        Become(program, args, cwd, clock_step, out.Get(), errors.Get());
+    }
+    Result result;
+    if (::waitpid(child, &result.status, 0) != child) {
+        throw std::runtime_error("cannot wait for the program");
+    }
+    result.out = out.Text();
+    result.errors = errors.Text();
+    result.tree = Look_into(box);
+    return result;
+}
+
+/// The banner's wording is the program's own, so it is taken from the help text, whose last four
+/// lines it is: a line of 52 underscores and three lines of text.
+std::string Learn_banner(std::string const& program, std::string const& box) {
+    Fill(box, {{work_directory, {}}});
+    std::string const out = Run_program(program, {"plexor", "-h"}, box, 0).out;
+    Delete(box);
+    std::size_t end = 0;
+    for (int line = 0; line < 4 && end != std::string::npos; ++line) {
+        end = out.find('\n', end);
+        end = end == std::string::npos ? end : end + 1;
+    }
+    std::string const banner = out.substr(0, end);
+    if (!banner.starts_with(std::string(52, '_') + "\n") ||
+        banner.find("Plexor") == std::string::npos) {
+        throw std::runtime_error("'" + program +
+                                 " -h' does not begin with a banner that names Plexor");
+    }
+    return banner;
+}
+
+// --- Running the model. ---
+
+std::vector<std::string> Args_in(Case const& test, std::string const& box) {
+    std::vector<std::string> args = test.args;
+    std::string const token = "@BOX@";
+    for (auto& arg : args) {
+        if (auto const at = arg.find(token); at != std::string::npos) {
+            arg.replace(at, token.size(), box);
+        }
+    }
+    return args;
+}
+
+Result Run_model_in(Case const& test, Tree const& before, std::string const& box,
+                    std::string const& banner, Reached& reached) {
+    World world;
+    world.cwd = box + "/" + work_directory;
+    world.banner = banner;
+    world.clock_step = test.clock_step;
+    for (auto at = box; !at.empty(); at.erase(at.rfind('/'))) {
+        world.tree[at] = {};
+    }
+    world.tree["/"] = {};
+    for (auto const& [path, entry] : before) {
+        world.tree[box + "/" + path] = entry;
+    }
+    Outcome const outcome = Run_model(Args_in(test, box), world);
+    reached.insert(outcome.reached.begin(), outcome.reached.end());
+    Result result;
+    result.out = outcome.out;
+    for (auto const& [path, entry] : outcome.tree) {
+        if (path.starts_with(box + "/")) {
+            result.tree[path.substr(box.size() + 1)] = entry;
+        }
+    }
+    return result;
+}
+
+// --- Showing what differs. ---
+
+/// As cat -A shows it: line ends as "$", other control characters and high bytes in carets.
+std::string Visible(std::string const& text) {
+    std::string shown;
+    for (char c : text) {
+        auto byte = static_cast<unsigned char>(c);
+        if (byte == '\n') {
+            shown += "$\n";
+            continue;
+        }
+        if (byte >= 128) {
+            shown += "M-";
+            byte = static_cast<unsigned char>(byte - 128);
+        }
+        if (byte < 32 || byte == 127) {
+            shown += '^';
+            byte ^= 64;
+        }
+        shown += static_cast<char>(byte);
+    }
+    return shown;
+}
+
+std::vector<std::string> Lines(std::string const& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) {
+        lines.push_back(line + (in.eof() ? "" : "\n"));
+    }
+    return lines;
+}
+
+std::string Excerpt(std::string const& model, std::string const& program) {
+    auto const a = Lines(model);
+    auto const b = Lines(program);
+    std::size_t first = 0;
+    while (first < a.size() && first < b.size() && a[first] == b[first]) {
+        ++first;
+    }
+    std::ostringstream out;
+    out << "  first difference in line " << first + 1 << "\n";
+    auto const show = [&](char const* whose, std::vector<std::string> const& lines) {
+        for (std::size_t i = first; i < std::min(lines.size(), first + 4); ++i) {
+            std::string const line = Visible(lines[i].substr(0, 300));
+            out << "  " << whose << ": " << line << (line.ends_with('\n') ? "" : "\n");
+        }
+        if (first >= lines.size()) {
+            out << "  " << whose << ": (ends here)\n";
+        }
+    };
+    if (first > 0) {
+        out << "  both   : " << Visible(a[first - 1].substr(0, 300));
+    }
+    show("model  ", a);
+    show("program", b);
+    return out.str();
+}
+
+char const* Kind_name(Entry const& entry) {
+    switch (entry.kind) {
+    case Entry::Kind::directory:
+        return "directory";
+    case Entry::Kind::file:
+        return "file";
+    case Entry::Kind::symlink:
+        break;
+    }
+    return "symbolic link";
+}
+
+/// Empty when the program did what the model says.
+std::string Difference(Result const& model, Result const& program) {
+    std::ostringstream out;
+    if (program.status != 0) {
+        out << "exit status of the program, as wait gives it: " << program.status << "\n";
+    }
+    if (!program.errors.empty()) {
+        out << "standard error of the program:\n"
+            << Visible(program.errors.substr(0, 2000)) << "\n";
+    }
+    if (model.out != program.out) {
+        out << "standard output\n" << Excerpt(model.out, program.out);
+    }
+    std::set<std::string> paths;
+    for (auto const* tree : {&model.tree, &program.tree}) {
+        for (auto const& [path, entry] : *tree) {
+            paths.insert(path);
+        }
+    }
+    for (auto const& path : paths) {
+        auto const a = model.tree.find(path);
+        auto const b = program.tree.find(path);
+        if (a == model.tree.end()) {
+            out << Kind_name(b->second) << " " << path << "\n  only the program has it\n";
+        } else if (b == program.tree.end()) {
+            out << Kind_name(a->second) << " " << path << "\n  only the model has it\n";
+        } else if (a->second.kind != b->second.kind) {
+            out << path << "\n  model: " << Kind_name(a->second)
+                << ", program: " << Kind_name(b->second) << "\n";
+        } else if (a->second != b->second) {
+            out << Kind_name(a->second) << " " << path << "\n"
+                << Excerpt(a->second.content, b->second.content);
+        }
+    }
+    return out.str();
+}
+
+std::string Quoted(std::string const& text) {
+    std::string quoted = "'";
+    for (char c : text) {
+        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    }
+    return quoted + "'";
+}
+
+// --- Cases one after the other. ---
+
+class Runner {
+public:
+    Runner(Options options, std::string directory)
+        : options_(std::move(options)), box_(directory + "/box"), directory_(std::move(directory)),
+          banner_(Learn_banner(options_.program, box_)) {}
+
+    void Go();
+    bool Report() const;
+
+private:
+    struct Compared {
+        std::string difference;
+        Tree before;
+        Result model;
+        Result program;
+    };
+
+    std::string const& Program_for(Case const& test) const {
+        return test.timed ? options_.fake_clock_program : options_.program;
+    }
+    Compared Compare(Case const& test, Reached& reached) const;
+    void Shrink(Case& test) const;
+    void Keep(std::uint32_t seed, Case test);
+
+    Options options_;
+    std::string box_;
+    std::string directory_;
+    std::string banner_;
+    std::map<std::string, unsigned> reached_;
+    unsigned passed_ = 0;
+    unsigned failed_ = 0;
+    unsigned left_out_ = 0;
+};
+
+/// Only the first failures are shrunk and shown: the later ones tend to be the same again.
+constexpr unsigned most_shown = 10;
+/// Runs spent on making one failed network smaller.
+constexpr unsigned most_shrinking_runs = 600;
+
+Runner::Compared Runner::Compare(Case const& test, Reached& reached) const {
+    Compared compared;
+    Tree tree = test.tree;
+    tree.insert({work_directory, {}});
+    Delete(box_);
+    Fill(box_, tree);
+    compared.before = Look_into(box_);
+    compared.model = Run_model_in(test, compared.before, box_, banner_, reached);
+    compared.program = Run_program(Program_for(test), Args_in(test, box_), box_, test.clock_step);
+    compared.difference = Difference(compared.model, compared.program);
+    return compared;
+}
+
+/// Drops lines of the link file, many at first, for as long as the case still fails.
+void Runner::Shrink(Case& test) const {
+    if (test.link_file.empty()) {
+        return;
+    }
+    Reached reached;
+    unsigned runs = 0;
+    auto lines = Lines(test.tree.at(test.link_file).content);
+    for (std::size_t step = std::max<std::size_t>(lines.size() / 2, 1); step > 0;) {
+        bool smaller = false;
+        for (std::size_t start = 0; start < lines.size() && runs < most_shrinking_runs; ++runs) {
+            auto fewer = lines;
+            auto const from = fewer.begin() + static_cast<std::ptrdiff_t>(start);
+            fewer.erase(from,
+                        from + static_cast<std::ptrdiff_t>(std::min(step, lines.size() - start)));
+            Case smaller_test = test;
+            std::string text;
+            for (auto const& line : fewer) {
+                text += line;
+            }
+            smaller_test.tree[test.link_file].content = text;
+            if (Compare(smaller_test, reached).difference.empty()) {
+                start += step;
+            } else {
+                test = smaller_test;
+                lines = fewer;
+                smaller = true;
+            }
+        }
+        if (!smaller || runs >= most_shrinking_runs) {
+            step /= 2;
+        }
+    }
+}
+
+void Runner::Keep(std::uint32_t seed, Case test) {
+    Shrink(test);
+    Reached reached;
+    Compared const compared = Compare(test, reached);
+    std::string const kept = directory_ + "/red-" + std::to_string(seed);
+    Delete(kept);
+    std::filesystem::create_directory(kept);
+    std::filesystem::rename(box_, kept + "/got");
+    Fill(kept + "/expected", compared.model.tree);
+    Fill(kept + "/input", compared.before);
+    std::ofstream(kept + "/got_stdout", std::ios::binary) << compared.program.out;
+    std::ofstream(kept + "/expected_stdout", std::ios::binary) << compared.model.out;
+    std::string command = "PLEXOR_FAKE_CLOCK_STEP=" + std::to_string(test.clock_step) + " " +
+                          Quoted(Program_for(test));
+    auto const args = Args_in(test, box_);
+    for (std::size_t i = 1; i < args.size(); ++i) {
+        command += " " + Quoted(args[i]);
+    }
+    std::ofstream(kept + "/command") << command << "\n";
+    std::cout << "FAILED seed " << seed << "\n" << compared.difference;
+    std::cout << "kept in " << kept << ", there input/ run in input/" << work_directory
+              << " with\n  " << command << "\nagain: differential --program "
+              << Quoted(options_.program);
+    if (!options_.fake_clock_program.empty()) {
+        std::cout << " --fake-clock-program " << Quoted(options_.fake_clock_program);
+    }
+    std::cout << " --one " << seed << "\n\n" << std::flush;
+}
+
+void Runner::Go() {
+    for (std::uint32_t i = 0; i < options_.cases; ++i) {
+        std::uint32_t const seed = options_.seed + i;
+        Case const test = Random_case(seed);
+        if (Program_for(test).empty()) {
+            ++left_out_;
+            continue;
+        }
+        Reached reached;
+        if (Compare(test, reached).difference.empty()) {
+            ++passed_;
+        } else {
+            ++failed_;
+            if (failed_ <= most_shown) {
+                Keep(seed, test);
+            } else {
+                std::cout << "FAILED seed " << seed << "\n";
+            }
+        }
+        for (auto const& name : reached) {
+            ++reached_[name];
+        }
+    }
+    Delete(box_);
+}
+
+bool Runner::Report() const {
+    std::cout << "cases that met a rare situation:\n";
+    for (auto const& [name, count] : reached_) {
+        std::cout << "  " << name << ": " << count << "\n";
+    }
+    if (left_out_ > 0) {
+        std::cout << left_out_ << " cases with a time limit left out: no --fake-clock-program\n";
+    }
+    std::cout << passed_ << " passed, " << failed_ << " failed\n";
+    return failed_ == 0 && passed_ > 0;
+}
+
+Options Read_options(int argc, char** argv) {
+    Options options;
+    for (int i = 1; i < argc; i += 2) {
+        std::string const name = argv[i];
+        if (i + 1 == argc) {
+            throw std::invalid_argument(usage);
+        }
+        std::string const value = argv[i + 1];
+        if (name == "--program") {
+            options.program = std::filesystem::canonical(value);
+        } else if (name == "--fake-clock-program") {
+            options.fake_clock_program = std::filesystem::canonical(value);
+        } else if (name == "--seed") {
+            options.seed = static_cast<std::uint32_t>(std::stoul(value));
+        } else if (name == "--cases") {
+            options.cases = static_cast<std::uint32_t>(std::stoul(value));
+        } else if (name == "--one") {
+            options.seed = static_cast<std::uint32_t>(std::stoul(value));
+            options.cases = 1;
+        } else if (name == "--keep") {
+            options.keep = value;
+        } else {
+            throw std::invalid_argument(usage);
+        }
+    }
+    if (options.program.empty()) {
+        throw std::invalid_argument(usage);
+    }
+    return options;
+}
+
+/// The directory of this call, by the path that getcwd gives inside it.
+std::string Make_directory(Options const& options) {
+    if (!options.keep.empty()) {
+        std::filesystem::create_directories(options.keep);
+        return std::filesystem::canonical(options.keep);
+    }
+    std::string name = std::filesystem::temp_directory_path() / "plexor-differential-XXXXXX";
+    if (::mkdtemp(name.data()) == nullptr) {
+        throw std::runtime_error("cannot make a directory '" + name + "'");
+    }
+    return std::filesystem::canonical(name);
+}
+
+} // namespace
+
+} // namespace cpm::model
+
+int main(int argc, char** argv) {
+    using namespace cpm::model;
+    try {
+        Options const options = Read_options(argc, argv);
+        std::string const directory = Make_directory(options);
+        Runner runner(options, directory);
+        runner.Go();
+        bool const good = runner.Report();
+        if (good && options.keep.empty()) {
+            Delete(directory);
+        }
+        return good ? 0 : 1;
+    } catch (std::exception const& error) {
+        std::cerr << error.what() << "\n";
+        return 2;
+    }
+}

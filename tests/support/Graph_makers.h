@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+// Small networks for tests.
+#ifndef PLEXOR_GRAPH_MAKERS_H
+#define PLEXOR_GRAPH_MAKERS_H
+
+#include "Types.h"
+#include "support/Random_numbers.h"
+
+#include <set>
+#include <utility>
+#include <vector>
+
+namespace cpm::test {
+
+/// Undirected links by (smaller, larger) node.
+using Links = std::set<std::pair<Node, Node>>;
+using Nodes = std::set<Node>;
+
+inline Links Complete(Node from, Node to) {
+    Links links;
+    for (Node a = from; a <= to; ++a) {
+        for (Node b = a + 1; b <= to; ++b) {
+            links.insert({a, b});
+        }
+    }
+    return links;
+}
+
+/// Each pair of the nodes 1 to n is linked with this chance in a hundred.
+inline Links Random_links(Node n, std::uint32_t percent, Random_numbers& random) {
+    Links links;
+    for (auto const& pair : Complete(1, n)) {
+        if (random.Percent(percent)) {
+            links.insert(pair);
+        }
+    }
+    return links;
+}
+
+/// Overlapping teams: cliques of random nodes.
+inline Links Random_teams(Node n, unsigned teams, unsigned largest, Random_numbers& random) {
+    Links links;
+    for (unsigned t = 0; t < teams; ++t) {
+        Nodes team;
+        unsigned const size = 2 + random.Below(largest - 1);
+        while (team.size() < size) {
+            team.insert(1 + random.Below(n));
+        }
+        for (Node const a : team) {
+            for (Node const b : team) {
+                if (a < b) {
+                    links.insert({a, b});
+                }
+            }
+        }
+    }
+    return links;
+}
+
+/// The same links with every node that has one renumbered without gaps, as the searches need it.
+inline Index_links To_index_links(Links const& links) {
+    std::vector<Node> number(1, 0);
+    Nodes used;
+    for (auto const& [a, b] : links) {
+        used.insert(a);
+        used.insert(b);
+    }
+    number.resize(used.empty() ? 1 : *used.rbegin() + 1, 0);
+    Node next = 0;
+    for (Node const node : used) {
+        number[node] = ++next;
+    }
+    Index_links index_links;
+    for (auto const& [a, b] : links) {
+        index_links.pairs.push_back({number[a], number[b]});
+    }
+    return index_links;
+}
+
+inline Node Last_node(Index_links const& links) {
+    Node last = 0;
+    for (Node_pair const& pair : links.pairs) {
+        last = std::max({last, pair.first, pair.second});
+    }
+    return last;
+}
+
+inline std::vector<Node> To_vector(std::span<Node const> nodes) {
+    return {nodes.begin(), nodes.end()};
+}
+
+inline std::vector<std::vector<Node>> To_vectors(Set_list const& list) {
+    std::vector<std::vector<Node>> vectors;
+    for (std::size_t i = 0; i < list.size(); ++i) {
+        vectors.push_back(To_vector(list[i]));
+    }
+    return vectors;
+}
+
+} // namespace cpm::test
+
+#endif

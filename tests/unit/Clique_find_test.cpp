@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: MIT
+#include "Clique_find/Clique_find.h"
+
+#include "support/Captured_console.h"
+#include "support/Graph_makers.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <map>
+
+namespace cpm::test {
+namespace {
+
+using Sets = std::vector<std::vector<Node>>;
+
+Vtx_map Vertices(Links const& links) {
+    Vtx_map vertices;
+    Vtx_map_from_link_map(vertices, To_index_links(links));
+    return vertices;
+}
+
+Sets Cliques(Vtx_map const& vertices) {
+    Captured_console console;
+    Set_list cliques{{7, 8, 9}}; // what was there before goes
+    Clique_find(cliques, vertices, console);
+    return To_vectors(cliques);
+}
+
+// The search as it is defined: a graph that nodes are cut out of, sets, and for each node the list
+// of the known cliques, against which every clique and every branch is tested.
+class By_sets {
+public:
+    explicit By_sets(Vtx_map const& vertices) {
+        for (Vtx const& vertex : vertices) {
+            Node_set const neighs = vertex.Neighs_c();
+            work_[vertex.Index()] = Nodes(neighs.begin(), neighs.end());
+        }
+    }
+    Sets Cliques() {
+        std::vector<std::pair<std::size_t, Node>> order;
+        for (auto const& [node, neighs] : work_) {
+            order.push_back({neighs.size(), node});
+        }
+        std::ranges::sort(order);
+        for (auto const& [degree, node] : order) {
+            Take(node);
+        }
+        return cliques_;
+    }
+
+private:
+    static Nodes Tighten(Nodes const& a, Nodes const& b, Nodes const& without) {
+        Nodes result;
+        for (Node const node : a) {
+            if (b.count(node) > 0 && without.count(node) == 0) {
+                result.insert(node);
+            }
+        }
+        return result;
+    }
+    static Nodes United(Nodes a, Nodes const& b) {
+        a.insert(b.begin(), b.end());
+        return a;
+    }
+    bool Go_on(Nodes const& set) const {
+        return std::ranges::none_of(
+            known_, [&](Nodes const& one) { return std::ranges::includes(one, set); });
+    }
+    void Take(Node node) {
+        known_.clear();
+        for (auto const& clique : cliques_) {
+            if (std::ranges::binary_search(clique, node)) {
+                known_.emplace_back(clique.begin(), clique.end());
+            }
+        }
+        Nodes const neighs = work_[node];
+        Nodes candidates = neighs;
+        while (candidates.size() > 1) {
+            Node const first = *candidates.begin();
+            Nodes const clique{node, first};
+            Nodes extension = Tighten(work_[first], candidates, clique);
+            candidates.erase(first);
+            if (Go_on(United(clique, extension))) {
+                Extend_each(clique, extension);
+            }
+        }
+        for (Node const other : neighs) {
+            work_[other].erase(node);
+        }
+        work_.erase(node);
+    }
+    void Extend_each(Nodes const& clique, Nodes& extension) {
+        while (!extension.empty()) {
+            Node const next = *extension.begin();
+            extension.erase(next);
+            Extend(next, clique, extension);
+        }
+    }
+    void Extend(Node node, Nodes clique, Nodes const& candidates) {
+        Nodes extension = Tighten(work_[node], candidates, clique);
+        clique.insert(node);
+        if (extension.empty()) {
+            if (Go_on(clique)) {
+                cliques_.emplace_back(clique.begin(), clique.end());
+                known_.push_back(clique);
+            }
+        } else if (Go_on(United(clique, extension))) {
+            Extend_each(clique, extension);
+        }
+    }
+
+    std::map<Node, Nodes> work_;
+    std::vector<Nodes> known_;
+    Sets cliques_;
+};
+
+TEST(Clique_find, A_triangle_is_one_clique) {
+    EXPECT_EQ(Cliques(Vertices(Complete(1, 3))), (Sets{{1, 2, 3}}));
+}
+
+TEST(Clique_find, A_path_has_no_clique) {
+    EXPECT_EQ(Cliques(Vertices({{1, 2}, {2, 3}})), Sets());
+}
+
+TEST(Clique_find, Triangles_that_share_a_link_are_two_cliques) {
+    EXPECT_EQ(Cliques(Vertices({{1, 2}, {1, 3}, {2, 3}, {2, 4}, {3, 4}})),
+              (Sets{{1, 2, 3}, {2, 3, 4}}));
+}
+
+TEST(Clique_find, Cliques_come_with_their_first_node_in_the_order) {
+    // The last node has the fewest neighbours of the two cliques' own nodes.
+    Links links = Complete(1, 5);
+    links.merge(Links{{4, 6}, {5, 6}});
+    EXPECT_EQ(Cliques(Vertices(links)), (Sets{{4, 5, 6}, {1, 2, 3, 4, 5}}));
+}
+
+TEST(Clique_find, A_complete_network_is_one_clique_and_each_node_is_reported) {
+    Captured_console console;
+    Set_list cliques;
+    Clique_find(cliques, Vertices(Complete(1, 5)), console);
+    EXPECT_EQ(To_vectors(cliques), (Sets{{1, 2, 3, 4, 5}}));
+    EXPECT_EQ(console.Output(), " Sorting the nodes...\n"
+                                " done.\n"
+                                "__________________\n"
+                                " Locating cliques:\n"
+                                " 5 of 5 nodes to do (0.00% done)\n"
+                                "__________________\n"
+                                " Locating cliques:\n"
+                                " 4 of 5 nodes to do (20.00% done)\n"
+                                "__________________\n"
+                                " Locating cliques:\n"
+                                " 3 of 5 nodes to do (40.00% done)\n"
+                                "__________________\n"
+                                " Locating cliques:\n"
+                                " 2 of 5 nodes to do (60.00% done)\n"
+                                "__________________\n"
+                                " Locating cliques:\n"
+                                " 1 of 5 nodes to do (80.00% done)\n"
+                                "____________________________\n"
+                                " Altogether 1 cliques found.\n");
+}
+
+TEST(Clique_find, An_empty_network_is_reported_without_progress) {
+    Captured_console console;
+    Set_list cliques;
+    Clique_find(cliques, Vtx_map(), console);
+    EXPECT_EQ(cliques.size(), 0U);
+    EXPECT_EQ(console.Output(), " Sorting the nodes...\n"
+                                " done.\n"
+                                "____________________________\n"
+                                " Altogether 0 cliques found.\n");
+}
+
+TEST(Clique_find, Random_networks_agree_with_the_search_by_sets) {
+    Random_numbers random(47);
+    for (int round = 0; round < 500; ++round) {
+        Node const n = 3 + random.Below(round % 10 == 0 ? 40 : 12);
+        Links const links = round % 2 == 0
+                                ? Random_links(n, 10 + random.Below(n > 16 ? 35 : 90), random)
+                                : Random_teams(n, 2 + random.Below(12), std::min(n, 9U), random);
+        Vtx_map const vertices = Vertices(links);
+        ASSERT_EQ(Cliques(vertices), By_sets(vertices).Cliques()) << "round " << round;
+    }
+}
+
+// One node has more than 64 neighbours with links among them, and done neighbours beside.
+TEST(Clique_find, Networks_with_hubs_agree_with_the_search_by_sets) {
+    Random_numbers random(53);
+    for (int round = 0; round < 6; ++round) {
+        Node const n = 100 + random.Below(40);
+        Links links = Random_links(n, 6 + random.Below(8), random);
+        for (Node node = 2; node <= n; ++node) {
+            if (random.Percent(90)) {
+                links.insert({1, node});
+            }
+        }
+        // Later than the hub's other neighbours come the nodes of a large clique.
+        links.merge(Complete(1, 20));
+        Vtx_map const vertices = Vertices(links);
+        ASSERT_EQ(Cliques(vertices), By_sets(vertices).Cliques()) << "round " << round;
+    }
+}
+
+} // namespace
+} // namespace cpm::test

@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+#include "Plexor_io/Link_lines.h"
+
+#include <gtest/gtest.h>
+
+#include <numeric>
+#include <string>
+#include <vector>
+
+namespace cpm {
+namespace {
+
+Names_map Names(std::vector<std::string> const& names) {
+    Names_map map;
+    map.Add("");
+    for (std::string const& name : names) {
+        map.Add(name);
+    }
+    return map;
+}
+
+Index_links Links(std::vector<Node_pair> const& pairs) {
+    Index_links links;
+    links.pairs.Append(pairs);
+    return links;
+}
+
+std::string Lines(Link_lines const& lines, std::vector<Link_number> const& numbers) {
+    Text sink;
+    {
+        Record_text text(sink);
+        lines.Put(numbers, text);
+    }
+    return std::string(sink.View());
+}
+
+TEST(Link_lines, Undirected_links_have_the_smaller_index_first) {
+    Index_links const links = Links({{1, 2}, {1, 3}, {2, 3}});
+    Pair_table const pairs(links, 3, {}, 0);
+    Link_lines const lines(pairs, links, Names({"z", "y", "x"}));
+    EXPECT_EQ(Lines(lines, {0, 1, 2}), "z y\nz x\ny x\n");
+}
+
+TEST(Link_lines, Directed_links_keep_their_direction) {
+    Index_links const links = Links({{1, 3}, {2, 1}, {3, 2}});
+    Pair_table const pairs(links, 3, {}, 0);
+    Link_lines const lines(pairs, links, Names({"A", "B", "C"}));
+    EXPECT_EQ(Lines(lines, {0, 1, 2}), "B A\nA C\nC B\n");
+}
+
+TEST(Link_lines, A_link_and_its_reverse_are_one_line_smaller_index_first) {
+    Index_links const links = Links({{1, 2}, {2, 1}, {2, 3}, {3, 1}});
+    Pair_table const pairs(links, 3, {}, 0);
+    Link_lines const lines(pairs, links, Names({"A", "B", "C"}));
+    EXPECT_EQ(Lines(lines, {0, 1, 2}), "A B\nC A\nB C\n");
+}
+
+TEST(Link_lines, Nodes_of_an_approximated_clique_that_are_not_linked_come_larger_index_first) {
+    Index_links const links = Links({{1, 2}, {2, 3}});
+    Set_list const cliques{{1, 2, 3}};
+    Pair_table const pairs(links, 3, cliques, 0);
+    Link_lines const lines(pairs, links, Names({"A", "B", "C"}));
+    EXPECT_EQ(Lines(lines, {pairs.Number(1, 2), pairs.Number(1, 3), pairs.Number(2, 3)}),
+              "A B\nC A\nB C\n");
+}
+
+TEST(Link_lines, Numbers_come_in_any_order_and_repeatedly) {
+    Index_links const links = Links({{1, 2}, {1, 3}, {1, 4}, {2, 3}});
+    Pair_table const pairs(links, 4, {}, 0);
+    Link_lines const lines(pairs, links, Names({"a", "b", "c", "d"}));
+    EXPECT_EQ(Lines(lines, {}), "");
+    EXPECT_EQ(Lines(lines, {3}), "b c\n");
+    EXPECT_EQ(Lines(lines, {2, 3, 0, 1, 1, 0}), "a d\nb c\na b\na c\na c\na b\n");
+}
+
+TEST(Link_lines, No_links_no_lines) {
+    Index_links const links;
+    Link_lines const lines(Pair_table(links, 0, {}, 0), links, Names({}));
+    EXPECT_EQ(Lines(lines, {}), "");
+}
+
+// Runs of every length, with names short and long, against line by line.
+TEST(Link_lines, A_run_of_links_is_its_lines_one_after_the_other) {
+    std::vector<std::string> names;
+    for (std::size_t i = 0; i < 60; ++i) {
+        names.push_back(std::string(1 + i % 35, static_cast<char>('a' + i % 26)));
+    }
+    std::vector<Node_pair> node_pairs;
+    for (Node node = 2; node <= 60; ++node) {
+        node_pairs.push_back({1, node});
+    }
+    Index_links const links = Links(node_pairs);
+    Pair_table const pairs(links, 60, {}, 0);
+    Link_lines const lines(pairs, links, Names(names));
+    for (Link_number first = 0; first < 59; ++first) {
+        std::string expected;
+        for (std::size_t size = 1; first + size <= 59; ++size) {
+            expected += "a " + names[first + size] + '\n';
+            std::vector<Link_number> run(size);
+            std::iota(run.begin(), run.end(), first);
+            ASSERT_EQ(Lines(lines, run), expected);
+        }
+    }
+}
+
+} // namespace
+} // namespace cpm

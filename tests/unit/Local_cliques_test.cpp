@@ -1,0 +1,462 @@
+// SPDX-License-Identifier: MIT
+#include "Clique_find/Local_cliques.h"
+
+#include "support/Graph_makers.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <set>
+
+namespace cpm::test {
+namespace {
+
+using Candidate = std::uint32_t;
+using Set = std::vector<Candidate>;
+using Sets = std::vector<Set>;
+
+// A problem, kept as plainly as can be.
+struct Problem {
+    Candidate n = 0;
+    std::set<std::pair<Candidate, Candidate>> links; ///< smaller first
+    std::vector<std::set<Candidate>> excluded;       ///< each by the candidates it is linked with
+
+    bool Linked(Candidate a, Candidate b) const {
+        return a != b && links.count({std::min(a, b), std::max(a, b)}) > 0;
+    }
+    bool Is_clique(Set const& set) const {
+        for (std::size_t i = 0; i < set.size(); ++i) {
+            for (std::size_t j = i + 1; j < set.size(); ++j) {
+                if (!Linked(set[i], set[j])) {
+                    return false;
+                }
+            }
+        }
+        return true;
+    }
+    bool Some_excluded_has(Set const& set) const {
+        return std::ranges::any_of(excluded, [&](std::set<Candidate> const& has) {
+            return std::ranges::includes(has, set);
+        });
+    }
+    bool Some_candidate_has(Set const& set) const {
+        for (Candidate c = 0; c < n; ++c) {
+            if (std::ranges::all_of(set, [&](Candidate m) { return Linked(c, m); })) {
+                return true;
+            }
+        }
+        return false;
+    }
+};
+
+void Set_up(Local_cliques& local, Problem const& problem, std::size_t least) {
+    local.Start(problem.n);
+    for (auto const& [a, b] : problem.links) {
+        local.Link(a, b);
+    }
+    for (auto const& links : problem.excluded) {
+        local.Start_excluded();
+        for (Candidate const c : links) {
+            local.Link_excluded(c);
+        }
+        local.End_excluded(least);
+    }
+}
+
+// Candidate i has the name 2 * i + 1; the node that is always there is found among them, at
+// `always`, an even number.
+Sets Cliques(Local_cliques& local, Problem const& problem, Node always, std::size_t least = 2) {
+    Set_up(local, problem, least);
+    EXPECT_TRUE(local.Find());
+    std::vector<Node> names;
+    for (Candidate c = 0; c < problem.n; ++c) {
+        names.push_back(2 * c + 1);
+    }
+    Set_list list{{99}}; // what is in the list stays
+    local.Append_cliques(always, names, least, list);
+    EXPECT_EQ(To_vector(list[0]), (Set{99}));
+    Sets sets = To_vectors(list);
+    sets.erase(sets.begin());
+    return sets;
+}
+
+// What should come out, of the cliques as sets of candidates.
+Sets Named(Sets const& cliques, Node always, std::size_t least = 2) {
+    Sets named;
+    for (Set const& clique : cliques) {
+        if (clique.size() >= least) {
+            named.push_back({always});
+            for (Candidate const c : clique) {
+                named.back().push_back(2 * c + 1);
+            }
+            std::ranges::sort(named.back());
+        }
+    }
+    return named;
+}
+
+// All sets of candidates, in lexicographic order, held against the definition.
+Sets By_subsets(Problem const& problem) {
+    Sets result;
+    for (std::uint32_t bits = 1; bits < 1U << problem.n; ++bits) {
+        Set set;
+        for (Candidate c = 0; c < problem.n; ++c) {
+            if ((bits >> c & 1) != 0) {
+                set.push_back(c);
+            }
+        }
+        if (problem.Is_clique(set) && !problem.Some_candidate_has(set) &&
+            !problem.Some_excluded_has(set)) {
+            result.push_back(set);
+        }
+    }
+    std::ranges::sort(result);
+    return result;
+}
+
+// The same by growing cliques in ascending order: for problems of many candidates and few links.
+Sets By_growing(Problem const& problem) {
+    Sets result;
+    Sets open{{}};
+    while (!open.empty()) {
+        Set const clique = open.back();
+        open.pop_back();
+        for (Candidate c = clique.empty() ? 0 : clique.back() + 1; c < problem.n; ++c) {
+            if (std::ranges::all_of(clique, [&](Candidate m) { return problem.Linked(c, m); })) {
+                open.push_back(clique);
+                open.back().push_back(c);
+            }
+        }
+        if (!clique.empty() && !problem.Some_candidate_has(clique) &&
+            !problem.Some_excluded_has(clique)) {
+            result.push_back(clique);
+        }
+    }
+    std::ranges::sort(result);
+    return result;
+}
+
+Problem Random_problem(Candidate n, std::uint32_t percent, std::size_t n_excluded,
+                       std::uint32_t excluded_percent, Random_numbers& random) {
+    Problem problem;
+    problem.n = n;
+    for (Candidate a = 0; a < n; ++a) {
+        for (Candidate b = a + 1; b < n; ++b) {
+            if (random.Percent(percent)) {
+                problem.links.insert({a, b});
+            }
+        }
+    }
+    problem.excluded.resize(n_excluded);
+    for (auto& links : problem.excluded) {
+        for (Candidate c = 0; c < n; ++c) {
+            if (random.Percent(excluded_percent)) {
+                links.insert(c);
+            }
+        }
+    }
+    return problem;
+}
+
+// `groups` groups of `size` candidates each; two candidates are linked unless of the same group. A
+// clique takes one candidate of each group.
+Problem Groups(Candidate groups, Candidate size) {
+    Problem problem;
+    problem.n = groups * size;
+    for (Candidate a = 0; a < problem.n; ++a) {
+        for (Candidate b = a + 1; b < problem.n; ++b) {
+            if (a / size != b / size) {
+                problem.links.insert({a, b});
+            }
+        }
+    }
+    return problem;
+}
+
+TEST(Local_cliques, No_candidates_have_no_cliques) {
+    Local_cliques local;
+    EXPECT_EQ(Cliques(local, Problem(), 4), Sets());
+}
+
+TEST(Local_cliques, Cliques_come_in_lexicographic_order_with_the_node_that_is_always_there) {
+    Local_cliques local;
+    Problem const path{4, {{0, 1}, {1, 2}, {2, 3}}, {}};
+    EXPECT_EQ(Cliques(local, path, 4), (Sets{{1, 3, 4}, {3, 4, 5}, {4, 5, 7}}));
+    EXPECT_EQ(Cliques(local, path, 0), (Sets{{0, 1, 3}, {0, 3, 5}, {0, 5, 7}}));
+    EXPECT_EQ(Cliques(local, path, 100), (Sets{{1, 3, 100}, {3, 5, 100}, {5, 7, 100}}));
+}
+
+TEST(Local_cliques, Cliques_of_too_few_candidates_are_left_out) {
+    Local_cliques local;
+    Problem const problem{4, {{0, 1}, {0, 2}, {1, 2}}, {}};
+    EXPECT_EQ(Cliques(local, problem, 0, 1), (Sets{{0, 1, 3, 5}, {0, 7}}));
+    EXPECT_EQ(Cliques(local, problem, 0, 2), (Sets{{0, 1, 3, 5}}));
+    EXPECT_EQ(Cliques(local, problem, 0, 4), Sets());
+}
+
+TEST(Local_cliques, What_an_excluded_node_extends_is_no_clique) {
+    Local_cliques local;
+    Problem problem{4, {{0, 1}, {1, 2}, {2, 3}}, {{1, 2}}};
+    EXPECT_EQ(Cliques(local, problem, 0), (Sets{{0, 1, 3}, {0, 5, 7}}));
+    problem.excluded = {{0, 1, 2, 3}};
+    EXPECT_EQ(Cliques(local, problem, 0), Sets());
+    problem.excluded = {{0, 3}};
+    EXPECT_EQ(Cliques(local, problem, 0).size(), 3U);
+}
+
+// A clique is whole with an excluded node linked to all of it but one.
+TEST(Local_cliques, An_excluded_node_must_be_linked_with_all_of_a_clique) {
+    Local_cliques local;
+    for (Candidate const n : {3U, 63U, 64U, 65U, 130U}) {
+        Problem problem = Groups(n, 1);
+        Set all;
+        problem.excluded.resize(1);
+        for (Candidate c = 0; c < n; ++c) {
+            all.push_back(c);
+            if (c > 0) {
+                problem.excluded[0].insert(c);
+            }
+        }
+        EXPECT_EQ(Cliques(local, problem, 0), Named({all}, 0)) << n;
+        problem.excluded[0].insert(0);
+        EXPECT_EQ(Cliques(local, problem, 0), Sets()) << n;
+    }
+}
+
+TEST(Local_cliques, Few_candidates_agree_with_all_subsets) {
+    Random_numbers random(23);
+    Local_cliques local; // used again and again: nothing of an earlier problem may stay
+    for (int round = 0; round < 600; ++round) {
+        Problem const problem = Random_problem(1 + random.Below(10), 20 + random.Below(80),
+                                               random.Below(6), random.Below(101), random);
+        Node const always = 2 * random.Below(12);
+        std::size_t const least = 1 + random.Below(3);
+        // Below `least` links an excluded node is forgotten: it could only forbid small cliques.
+        ASSERT_EQ(Cliques(local, problem, always, least), Named(By_subsets(problem), always, least))
+            << "round " << round;
+    }
+}
+
+TEST(Local_cliques, About_a_word_of_candidates_agrees_with_growing) {
+    Random_numbers random(29);
+    Local_cliques local;
+    for (int round = 0; round < 40; ++round) {
+        Problem const problem = Random_problem(60 + random.Below(10), 10 + random.Below(30),
+                                               random.Below(8), random.Below(101), random);
+        ASSERT_EQ(Cliques(local, problem, 64), Named(By_growing(problem), 64))
+            << "round " << round << ", " << problem.n << " candidates";
+    }
+}
+
+TEST(Local_cliques, Several_words_of_candidates_agree_with_growing) {
+    Random_numbers random(31);
+    Local_cliques local;
+    for (int round = 0; round < 12; ++round) {
+        Problem const problem = Random_problem(65 + random.Below(140), 5 + random.Below(20),
+                                               random.Below(8), random.Below(101), random);
+        ASSERT_EQ(Cliques(local, problem, 64), Named(By_growing(problem), 64))
+            << "round " << round << ", " << problem.n << " candidates";
+    }
+}
+
+// Dense, so that the search goes several levels deep before 64 candidates are left.
+TEST(Local_cliques, Many_candidates_with_most_links_agree_with_the_choices_there_are) {
+    Local_cliques local;
+    Random_numbers random(37);
+    // Groups of one, which all cliques share, and a few groups with a choice.
+    for (int round = 0; round < 12; ++round) {
+        Problem problem = Groups(75 + random.Below(120), 1);
+        std::vector<std::pair<Candidate, Candidate>> choices;
+        std::vector<bool> chosen(problem.n, false);
+        while (choices.size() < 7) {
+            Candidate const a = random.Below(problem.n);
+            Candidate const b = random.Below(problem.n);
+            if (a < b && !chosen[a] && !chosen[b]) {
+                chosen[a] = chosen[b] = true;
+                choices.push_back({a, b});
+                problem.links.erase({a, b});
+            }
+        }
+        // Excluded nodes that all cliques with some choices run into.
+        for (std::size_t e = random.Below(4); e > 0; --e) {
+            problem.excluded.emplace_back();
+            for (Candidate c = 0; c < problem.n; ++c) {
+                if (!chosen[c] || random.Percent(80)) {
+                    problem.excluded.back().insert(c);
+                }
+            }
+        }
+        Sets expected;
+        for (std::uint32_t bits = 0; bits < 1U << choices.size(); ++bits) {
+            Set clique;
+            for (Candidate c = 0; c < problem.n; ++c) {
+                clique.push_back(c);
+            }
+            for (std::size_t i = 0; i < choices.size(); ++i) {
+                std::erase(clique, (bits >> i & 1) != 0 ? choices[i].first : choices[i].second);
+            }
+            if (!problem.Some_excluded_has(clique)) {
+                expected.push_back(clique);
+            }
+        }
+        std::ranges::sort(expected);
+        ASSERT_EQ(Cliques(local, problem, 0), Named(expected, 0)) << "round " << round;
+    }
+}
+
+// The walk over pairs, told step by step: sets held against a list of known ones.
+struct Pair_walk {
+    Sets pairs;
+    bool only_pairs = true;
+};
+
+Pair_walk Walk_pairs(Problem const& problem) {
+    // The known sets: all cliques of candidates that an excluded node is linked with.
+    Sets known;
+    Sets open{{}};
+    while (!open.empty()) {
+        Set const clique = open.back();
+        open.pop_back();
+        for (Candidate c = clique.empty() ? 0 : clique.back() + 1; c < problem.n; ++c) {
+            Set more = clique;
+            more.push_back(c);
+            if (problem.Is_clique(more)) {
+                open.push_back(more);
+                if (problem.Some_excluded_has(more)) {
+                    known.push_back(more);
+                }
+            }
+        }
+    }
+    auto const go_on = [&](Set const& set) {
+        return std::ranges::none_of(
+            known, [&](Set const& one) { return std::ranges::includes(one, set); });
+    };
+    Pair_walk walk;
+    Set candidates;
+    for (Candidate c = 0; c < problem.n; ++c) {
+        candidates.push_back(c);
+    }
+    while (candidates.size() > 1) {
+        Candidate const first = candidates.front();
+        candidates.erase(candidates.begin());
+        Set extension;
+        std::ranges::copy_if(candidates, std::back_inserter(extension),
+                             [&](Candidate c) { return problem.Linked(first, c); });
+        Set whole = extension;
+        whole.insert(whole.begin(), first);
+        if (!go_on(whole)) {
+            continue;
+        }
+        while (!extension.empty()) {
+            Candidate const second = extension.front();
+            extension.erase(extension.begin());
+            Set further{first, second};
+            std::ranges::copy_if(extension, std::back_inserter(further),
+                                 [&](Candidate c) { return problem.Linked(second, c); });
+            if (further.size() == 2) {
+                if (go_on(further)) {
+                    known.push_back(further);
+                    walk.pairs.push_back(further);
+                }
+            } else if (go_on(further)) {
+                walk.only_pairs = false;
+                return walk;
+            }
+        }
+    }
+    return walk;
+}
+
+Pair_walk Only_pairs(Local_cliques& local, Problem const& problem) {
+    Set_up(local, problem, 2);
+    Pair_walk walk;
+    walk.only_pairs = local.Only_pairs([&](std::size_t i, std::size_t j) {
+        walk.pairs.push_back({static_cast<Candidate>(i), static_cast<Candidate>(j)});
+    });
+    return walk;
+}
+
+TEST(Local_cliques, Only_pairs_hands_out_pairs_up_to_the_first_that_leads_on) {
+    Local_cliques local;
+    Pair_walk const path = Only_pairs(local, {4, {{0, 1}, {1, 2}, {2, 3}}, {}});
+    EXPECT_TRUE(path.only_pairs);
+    EXPECT_EQ(path.pairs, (Sets{{0, 1}, {1, 2}, {2, 3}}));
+    Pair_walk const triangle = Only_pairs(local, {4, {{0, 1}, {1, 2}, {1, 3}, {2, 3}}, {}});
+    EXPECT_FALSE(triangle.only_pairs);
+    EXPECT_EQ(triangle.pairs, (Sets{{0, 1}}));
+    Pair_walk const known = Only_pairs(local, {4, {{0, 1}, {1, 2}, {1, 3}, {2, 3}}, {{1, 2, 3}}});
+    EXPECT_TRUE(known.only_pairs);
+    EXPECT_EQ(known.pairs, (Sets{{0, 1}}));
+}
+
+TEST(Local_cliques, Only_pairs_agrees_with_a_walk_of_two_steps) {
+    Random_numbers random(41);
+    Local_cliques local;
+    int only_pairs = 0;
+    for (int round = 0; round < 1500; ++round) {
+        Problem problem = Random_problem(1 + random.Below(9), 10 + random.Below(60),
+                                         random.Below(7), 30 + random.Below(71), random);
+        Pair_walk const expected = Walk_pairs(problem);
+        Pair_walk const walk = Only_pairs(local, problem);
+        ASSERT_EQ(walk.only_pairs, expected.only_pairs) << "round " << round;
+        ASSERT_EQ(walk.pairs, expected.pairs) << "round " << round;
+        only_pairs += expected.only_pairs ? 1 : 0;
+    }
+    EXPECT_GT(only_pairs, 100);
+    EXPECT_LT(only_pairs, 1400);
+}
+
+TEST(Local_cliques, Only_pairs_of_many_candidates_agrees_with_a_walk_of_two_steps) {
+    Random_numbers random(43);
+    Local_cliques local;
+    for (int round = 0; round < 40; ++round) {
+        Problem const problem = Random_problem(66 + random.Below(70), 1 + random.Below(4),
+                                               random.Below(5), 50 + random.Below(51), random);
+        Pair_walk const expected = Walk_pairs(problem);
+        Pair_walk const walk = Only_pairs(local, problem);
+        ASSERT_EQ(walk.only_pairs, expected.only_pairs) << "round " << round;
+        ASSERT_EQ(walk.pairs, expected.pairs) << "round " << round;
+    }
+}
+
+// Whatever the size of the problem: asked until it says stop, and never again.
+TEST(Local_cliques, A_stop_check_ends_the_search_with_some_of_the_cliques) {
+    Local_cliques local;
+    for (Candidate const groups : {8U, 24U}) {
+        Problem problem = Groups(groups, 3);
+        if (groups > 8) {
+            // All but eight groups without a choice, so that the cliques can be counted.
+            for (Candidate a = 24; a < problem.n; ++a) {
+                for (Candidate b = a + 1; b < problem.n; ++b) {
+                    problem.links.insert({a, b});
+                }
+            }
+        }
+        Sets const all = Cliques(local, problem, 0);
+        ASSERT_EQ(all.size(), 6561U);
+        std::size_t previous = all.size();
+        for (int const checks : {1000000, 10, 1}) {
+            Set_up(local, problem, 2);
+            int asked = 0;
+            Local_cliques::Stop_check const stop = [&] { return ++asked == checks; };
+            bool const finished = local.Find(&stop);
+            std::vector<Node> names;
+            for (Candidate c = 0; c < problem.n; ++c) {
+                names.push_back(2 * c + 1);
+            }
+            Set_list list;
+            local.Append_cliques(0, names, 2, list);
+            Sets const some = To_vectors(list);
+            EXPECT_EQ(finished, checks == 1000000);
+            EXPECT_GT(asked, 0);
+            EXPECT_LE(asked, checks);
+            EXPECT_TRUE(std::ranges::includes(all, some)) << "in their order, nothing else";
+            EXPECT_EQ(some.size() == all.size(), finished);
+            EXPECT_LE(some.size(), previous);
+            previous = some.size();
+        }
+    }
+}
+
+} // namespace
+} // namespace cpm::test
