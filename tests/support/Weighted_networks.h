@@ -32,6 +32,7 @@ inline Index_links Weighted(std::initializer_list<Weighted_link> links) {
 
 /// The links, each with the same weight.
 inline Index_links All_of_weight(double weight, Index_links links) {
+    links.weights.clear();
     links.weights.Resize(links.size(), weight);
     return links;
 }

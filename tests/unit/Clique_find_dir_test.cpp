@@ -161,9 +161,9 @@ private:
             if (i == gap) {
                 grown.push_back({node, Common(line[i].candidates, work_.in.at(node))});
             }
-            grown.push_back({line[i].label, Common(line[i].candidates, i < gap
-                                                                           ? work_.in.at(node)
-                                                                           : work_.out.at(node))});
+            grown.push_back(
+                {line[i].label,
+                 Common(line[i].candidates, i < gap ? work_.in.at(node) : work_.out.at(node))});
         }
         return grown;
     }
@@ -435,8 +435,8 @@ Arc_set Both_ways(Links const& links) {
 TEST(Clique_find_dir, No_nodes_give_the_summary_alone) {
     Outcome const outcome = Find({});
     EXPECT_TRUE(outcome.cliques.empty());
-    EXPECT_EQ(outcome.text, std::string(1 + 16 + 20, '_') +
-                                "\n Altogether 0 directed cliques found.\n");
+    EXPECT_EQ(outcome.text,
+              std::string(1 + 16 + 20, '_') + "\n Altogether 0 directed cliques found.\n");
 }
 
 TEST(Clique_find_dir, A_link_is_no_clique_whether_it_has_a_reverse_or_not) {
@@ -491,8 +491,8 @@ TEST(Clique_find_dir, Lists_in_the_order_of_the_search_by_gaps) {
     EXPECT_GT(with_many, 100U);
 }
 
-// A centre with many candidates, in small groups of mixed links. It is searched first, while none of
-// them is done, or after some of them.
+// A centre with many candidates, in small groups of mixed links. It is searched first, while none
+// of them is done, or after some of them.
 TEST(Clique_find_dir, Lists_in_the_same_order_when_candidates_fill_more_than_a_word) {
     Random_numbers random(3);
     for (int run = 0; run < 60; ++run) {
@@ -553,7 +553,8 @@ TEST(Clique_find_dir_time, Time_that_stands_still_gives_the_exact_search) {
         ASSERT_EQ(outcome.cliques, Find(arcs).cliques) << Shown(arcs);
         ASSERT_EQ(outcome, Find_in_time_literally(arcs, 0, clock)) << Shown(arcs);
         ASSERT_TRUE(outcome.core.empty());
-        ASSERT_TRUE(outcome.text.ends_with("directed cliques found.\nno approximation was needed.\n"));
+        ASSERT_TRUE(
+            outcome.text.ends_with("directed cliques found.\nno approximation was needed.\n"));
     }
 }
 

@@ -2,11 +2,10 @@
 #include "Clique_find/Clique_find.h"
 
 #include "support/Captured_console.h"
+#include "support/Cliques_by_sets.h"
 #include "support/Graph_makers.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
-#include <map>
 
 namespace cpm::test {
 namespace {
@@ -26,93 +25,11 @@ Sets Cliques(Vtx_map const& vertices) {
     return To_vectors(cliques);
 }
 
-// The search as it is defined: a graph that nodes are cut out of, sets, and for each node the list
-// of the known cliques, against which every clique and every branch is tested.
-class By_sets {
-public:
-    explicit By_sets(Vtx_map const& vertices) {
-        for (Vtx const& vertex : vertices) {
-            Node_set const neighs = vertex.Neighs_c();
-            work_[vertex.Index()] = Nodes(neighs.begin(), neighs.end());
-        }
-    }
-    Sets Cliques() {
-        std::vector<std::pair<std::size_t, Node>> order;
-        for (auto const& [node, neighs] : work_) {
-            order.push_back({neighs.size(), node});
-        }
-        std::ranges::sort(order);
-        for (auto const& [degree, node] : order) {
-            Take(node);
-        }
-        return cliques_;
-    }
-
-private:
-    static Nodes Tighten(Nodes const& a, Nodes const& b, Nodes const& without) {
-        Nodes result;
-        for (Node const node : a) {
-            if (b.count(node) > 0 && without.count(node) == 0) {
-                result.insert(node);
-            }
-        }
-        return result;
-    }
-    static Nodes United(Nodes a, Nodes const& b) {
-        a.insert(b.begin(), b.end());
-        return a;
-    }
-    bool Go_on(Nodes const& set) const {
-        return std::ranges::none_of(
-            known_, [&](Nodes const& one) { return std::ranges::includes(one, set); });
-    }
-    void Take(Node node) {
-        known_.clear();
-        for (auto const& clique : cliques_) {
-            if (std::ranges::binary_search(clique, node)) {
-                known_.emplace_back(clique.begin(), clique.end());
-            }
-        }
-        Nodes const neighs = work_[node];
-        Nodes candidates = neighs;
-        while (candidates.size() > 1) {
-            Node const first = *candidates.begin();
-            Nodes const clique{node, first};
-            Nodes extension = Tighten(work_[first], candidates, clique);
-            candidates.erase(first);
-            if (Go_on(United(clique, extension))) {
-                Extend_each(clique, extension);
-            }
-        }
-        for (Node const other : neighs) {
-            work_[other].erase(node);
-        }
-        work_.erase(node);
-    }
-    void Extend_each(Nodes const& clique, Nodes& extension) {
-        while (!extension.empty()) {
-            Node const next = *extension.begin();
-            extension.erase(next);
-            Extend(next, clique, extension);
-        }
-    }
-    void Extend(Node node, Nodes clique, Nodes const& candidates) {
-        Nodes extension = Tighten(work_[node], candidates, clique);
-        clique.insert(node);
-        if (extension.empty()) {
-            if (Go_on(clique)) {
-                cliques_.emplace_back(clique.begin(), clique.end());
-                known_.push_back(clique);
-            }
-        } else if (Go_on(United(clique, extension))) {
-            Extend_each(clique, extension);
-        }
-    }
-
-    std::map<Node, Nodes> work_;
-    std::vector<Nodes> known_;
-    Sets cliques_;
-};
+Sets By_sets(Vtx_map const& vertices) {
+    Cliques_by_sets by_sets(vertices);
+    by_sets.Search("");
+    return by_sets.Cliques();
+}
 
 TEST(Clique_find, A_triangle_is_one_clique) {
     EXPECT_EQ(Cliques(Vertices(Complete(1, 3))), (Sets{{1, 2, 3}}));
@@ -179,7 +96,7 @@ TEST(Clique_find, Random_networks_agree_with_the_search_by_sets) {
                                 ? Random_links(n, 10 + random.Below(n > 16 ? 35 : 90), random)
                                 : Random_teams(n, 2 + random.Below(12), std::min(n, 9U), random);
         Vtx_map const vertices = Vertices(links);
-        ASSERT_EQ(Cliques(vertices), By_sets(vertices).Cliques()) << "round " << round;
+        ASSERT_EQ(Cliques(vertices), By_sets(vertices)) << "round " << round;
     }
 }
 
@@ -197,7 +114,7 @@ TEST(Clique_find, Networks_with_hubs_agree_with_the_search_by_sets) {
         // Later than the hub's other neighbours come the nodes of a large clique.
         links.merge(Complete(1, 20));
         Vtx_map const vertices = Vertices(links);
-        ASSERT_EQ(Cliques(vertices), By_sets(vertices).Cliques()) << "round " << round;
+        ASSERT_EQ(Cliques(vertices), By_sets(vertices)) << "round " << round;
     }
 }
 

@@ -338,38 +338,103 @@ TEST(Intensity_coms_from_k_cliques, Pairs_without_common_nodes_are_communities) 
     EXPECT_EQ(outcome.links, (std::vector<Pairs>{{{1, 6}}, {{2, 3}}, {{4, 5}}}));
 }
 
-bool Checked(std::vector<Node> const& shared, Index_links const& links, double intensity) {
-    Link_rows const rows(links);
-    auto const k = static_cast<std::uint32_t>(shared.size() + 1);
-    return Coms_from_k_cls_sub::Shared_test(k, rows, intensity).Check_intersection(shared);
+/// Tests the nodes 1, 2, ... `n_shared` as the shared part of k-cliques that have one node more,
+/// at each place, with links that would turn the verdict if they counted.
+bool Checked(Node n_shared, Index_links const& links, double intensity) {
+    std::vector<bool> verdicts;
+    for (double const weight : {1e-9, 1e9, -1.0}) {
+        for (Node place = 0; place <= n_shared; ++place) {
+            std::vector<Node> k_clique;
+            std::map<std::pair<Node, Node>, double> weights;
+            for (Node node = 0; node <= n_shared; ++node) {
+                k_clique.push_back(1 + node);
+            }
+            for (Node const other : k_clique) {
+                Node const added = 1 + place;
+                if (other != added) {
+                    weights[{std::min(other, added), std::max(other, added)}] = weight;
+                }
+            }
+            auto const moved = [&](Node node) { return node <= place ? node : node + 1; };
+            for (std::size_t i = 0; i < links.size(); ++i) {
+                Node_pair const pair = links.pairs[i];
+                weights[{moved(pair.first), moved(pair.second)}] = links.Weight(i);
+            }
+            Index_links all;
+            for (auto const& [pair, link_weight] : weights) {
+                all.pairs.push_back({pair.first, pair.second});
+                all.weights.push_back(link_weight);
+            }
+            Link_rows const rows(all);
+            Coms_from_k_cls_sub::Shared_test test(n_shared + 1, rows, intensity);
+            verdicts.push_back(test.Check_intersection(k_clique, place));
+        }
+    }
+    EXPECT_EQ(std::ranges::count(verdicts, verdicts.front()),
+              static_cast<std::ptrdiff_t>(verdicts.size()));
+    return verdicts.front();
 }
 
 TEST(Check_intersection, Ends_early_only_when_the_smallest_weight_makes_it_certain) {
     Index_links const links = Weighted({{1, 2, 16}, {1, 3, 2}, {2, 3, 2}});
-    EXPECT_TRUE(Checked({1, 2, 3}, links, 1.9));  // at once
-    EXPECT_TRUE(Checked({1, 2, 3}, links, 3.9));  // at the last node
-    EXPECT_FALSE(Checked({1, 2, 3}, links, 4.1)); // 64 = 4^3
+    EXPECT_TRUE(Checked(3, links, 1.9));  // at once
+    EXPECT_TRUE(Checked(3, links, 3.9));  // at the last node
+    EXPECT_FALSE(Checked(3, links, 4.1)); // 64 = 4^3
 }
 
 TEST(Check_intersection, What_is_not_a_number_ends_the_walk_and_passes) {
     // A first pair without a logarithm makes the smallest logarithm none as well.
-    EXPECT_TRUE(Checked({1, 2, 3}, Weighted({{1, 2, -1}, {1, 3, 2}, {2, 3, 2}}), 100));
+    EXPECT_TRUE(Checked(3, Weighted({{1, 2, -1}, {1, 3, 2}, {2, 3, 2}}), 100));
     // Here the smallest is a number, but the sum is none when the third node is looked at.
     Index_links const links =
         Weighted({{1, 2, 2}, {1, 3, -1}, {1, 4, 2}, {2, 3, 2}, {2, 4, 2}, {3, 4, 2}});
-    EXPECT_TRUE(Checked({1, 2, 3, 4}, links, 100));
+    EXPECT_TRUE(Checked(4, links, 100));
     // ... and with no node to come it is not above the threshold.
-    EXPECT_FALSE(Checked({1, 2, 3}, links, 100));
+    EXPECT_FALSE(Checked(3, links, 100));
     // So it is with a threshold without a logarithm.
-    EXPECT_TRUE(Checked({1, 2}, All_of_weight(1, To_index_links(Complete(1, 2))), -5));
+    EXPECT_TRUE(Checked(2, All_of_weight(1, To_index_links(Complete(1, 2))), -5));
+}
+
+TEST(Check_intersection, Adds_link_by_link_so_that_ties_fall_as_they_must) {
+    // Three weights whose product is 1.7^3 on paper; the order of adding decides many of them.
+    double const intensity = 1.7;
+    double const log_threshold = std::log(std::pow(intensity, 3.0));
+    std::size_t n_decided = 0;
+    for (unsigned i = 1; i <= 400; ++i) {
+        double const weight = 0.01 * i;
+        double const a = std::log(weight);
+        double const b = std::log(intensity);
+        double const c = std::log(intensity * intensity / weight);
+        Index_links const links =
+            Weighted({{1, 2, weight}, {1, 3, intensity}, {2, 3, intensity * intensity / weight}});
+        bool const at_once = 3 * std::min({a, b, c}) > log_threshold;
+        bool const at_third = 2 * std::min({a, b, c}) + a > log_threshold;
+        bool const link_by_link = (a + b) + c > log_threshold;
+        n_decided += link_by_link != (a + (b + c) > log_threshold) ? 1U : 0U;
+        EXPECT_EQ(Checked(3, links, intensity), at_once || at_third || link_by_link) << weight;
+    }
+    EXPECT_GT(n_decided, 10U);
 }
 
 TEST(Check_intersection, Zeros) {
     Index_links const links = Weighted({{1, 2, 0}, {1, 3, 5}, {2, 3, 5}});
-    EXPECT_FALSE(Checked({1, 2, 3}, links, 0));
-    EXPECT_FALSE(Checked({1, 2, 3}, links, 1));
-    EXPECT_TRUE(Checked({1, 3}, links, 0));
-    EXPECT_FALSE(Checked({1, 2, 3}, To_index_links(Complete(1, 3)), 0)); // without any weights
+    EXPECT_FALSE(Checked(3, links, 0));
+    EXPECT_FALSE(Checked(3, links, 1));
+    EXPECT_TRUE(Checked(2, Weighted({{1, 2, 5}}), 0));
+    EXPECT_FALSE(Checked(3, To_index_links(Complete(1, 3)), 0)); // without any weights
+}
+
+TEST(Check_intersection, Does_not_mix_up_k_cliques_that_begin_alike) {
+    Index_links const links =
+        Weighted({{1, 2, 1}, {1, 3, 2}, {1, 4, 3}, {2, 3, 4}, {2, 4, 5}, {3, 4, 6}});
+    Link_rows const rows(links);
+    Coms_from_k_cls_sub::Shared_test test(3, rows, 3.5);
+    EXPECT_TRUE(test.Check_intersection(std::vector<Node>{1, 2, 3}, 0));  // 2 3
+    EXPECT_FALSE(test.Check_intersection(std::vector<Node>{1, 2, 3}, 2)); // 1 2
+    EXPECT_FALSE(test.Check_intersection(std::vector<Node>{1, 2, 4}, 1)); // 1 4
+    EXPECT_TRUE(test.Check_intersection(std::vector<Node>{1, 3, 4}, 0));  // 3 4
+    EXPECT_FALSE(test.Check_intersection(std::vector<Node>{1, 3, 4}, 2)); // 1 3
+    EXPECT_TRUE(test.Check_intersection(std::vector<Node>{2, 3, 4}, 2));  // 2 3
 }
 
 TEST(Labels, Rules_lead_to_the_smallest_label_connected) {
@@ -451,7 +516,7 @@ TEST(Intensity_coms_from_k_cliques, Stays_exact_when_the_sets_of_one_node_take_m
             std::vector<Node> shared = To_vector(k_cliques[i]);
             shared.erase(shared.begin() + static_cast<std::ptrdiff_t>(left_out));
             auto const [entry, is_new] = first_with.emplace(shared, i);
-            if (!is_new && test.Check_intersection(shared)) {
+            if (!is_new && test.Check_intersection(k_cliques[i], left_out)) {
                 labels.Unite(entry->second, i);
             }
         }
@@ -464,6 +529,11 @@ TEST(Intensity_coms_from_k_cliques, Stays_exact_when_the_sets_of_one_node_take_m
     Outcome const outcome = Communities_of(k_cliques, links, intensity);
     ASSERT_EQ(outcome.nodes.size(), expected.size());
     EXPECT_GT(expected.size(), 100U);
+    std::string reports; // one a k-clique, however many rounds
+    for (std::size_t i = 0; i < k_cliques.size(); ++i) {
+        reports += Progress(4, intensity, i, k_cliques.size());
+    }
+    EXPECT_TRUE(outcome.text == reports);
     for (auto const& [community, nodes] : expected) {
         ASSERT_EQ(outcome.nodes[community], std::vector<Node>(nodes.begin(), nodes.end()));
     }

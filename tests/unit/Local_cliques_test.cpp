@@ -250,10 +250,12 @@ TEST(Local_cliques, About_a_word_of_candidates_agrees_with_growing) {
 TEST(Local_cliques, Several_words_of_candidates_agree_with_growing) {
     Random_numbers random(31);
     Local_cliques local;
-    for (int round = 0; round < 12; ++round) {
-        Problem const problem = Random_problem(65 + random.Below(140), 5 + random.Below(20),
-                                               random.Below(8), random.Below(101), random);
-        ASSERT_EQ(Cliques(local, problem, 64), Named(By_growing(problem), 64))
+    for (int round = 0; round < 20; ++round) {
+        Problem const problem =
+            Random_problem(65 + random.Below(140), 1 + random.Below(round % 2 == 0 ? 3 : 20),
+                           random.Below(8), random.Below(101), random);
+        std::size_t const least = 1 + random.Below(2);
+        ASSERT_EQ(Cliques(local, problem, 64, least), Named(By_growing(problem), 64, least))
             << "round " << round << ", " << problem.n << " candidates";
     }
 }
@@ -389,6 +391,18 @@ TEST(Local_cliques, Only_pairs_hands_out_pairs_up_to_the_first_that_leads_on) {
     EXPECT_EQ(known.pairs, (Sets{{0, 1}}));
 }
 
+TEST(Local_cliques, Only_pairs_looks_at_what_is_behind_in_later_words_alone) {
+    // All is known: {0, 65, 66} and {65, 66, 67} are, though 0 and 67 are not linked.
+    Problem problem{70, {{0, 65}, {0, 66}, {65, 66}, {65, 67}, {66, 67}}, {{}}};
+    for (Candidate c = 0; c < problem.n; ++c) {
+        problem.excluded[0].insert(c);
+    }
+    Local_cliques local;
+    Pair_walk const walk = Only_pairs(local, problem);
+    EXPECT_TRUE(walk.only_pairs);
+    EXPECT_EQ(walk.pairs, Sets());
+}
+
 TEST(Local_cliques, Only_pairs_agrees_with_a_walk_of_two_steps) {
     Random_numbers random(41);
     Local_cliques local;
@@ -406,12 +420,14 @@ TEST(Local_cliques, Only_pairs_agrees_with_a_walk_of_two_steps) {
     EXPECT_LT(only_pairs, 1400);
 }
 
+// Every other time all cliques are known: the walk then goes through to the end.
 TEST(Local_cliques, Only_pairs_of_many_candidates_agrees_with_a_walk_of_two_steps) {
     Random_numbers random(43);
     Local_cliques local;
     for (int round = 0; round < 40; ++round) {
-        Problem const problem = Random_problem(66 + random.Below(70), 1 + random.Below(4),
-                                               random.Below(5), 50 + random.Below(51), random);
+        Problem const problem =
+            Random_problem(66 + random.Below(70), 1 + random.Below(6), 1 + random.Below(4),
+                           round % 2 == 0 ? 100 : 50 + random.Below(51), random);
         Pair_walk const expected = Walk_pairs(problem);
         Pair_walk const walk = Only_pairs(local, problem);
         ASSERT_EQ(walk.only_pairs, expected.only_pairs) << "round " << round;

@@ -364,7 +364,12 @@ TEST_F(Processing_input, The_last_input_file_is_read) {
 TEST_F(Processing_input, Nothing_is_left_of_older_settings) {
     settings.k_given = settings.directed = settings.intensity = settings.time_limit_set = true;
     settings.weighted = true;
+    settings.k = 7;
+    settings.time_limit = settings.intensity_threshold = 5;
     Process({"-i", "a.txt"});
+    EXPECT_EQ(settings.k, 0U);
+    EXPECT_EQ(settings.time_limit, 0);
+    EXPECT_EQ(settings.intensity_threshold, 0);
     EXPECT_FALSE(settings.k_given || settings.directed || settings.intensity ||
                  settings.time_limit_set || settings.weighted);
 }

@@ -108,7 +108,7 @@ TEST(Vtxd_map, Adding_link_by_link_gives_the_same_records) {
     }
 }
 
-TEST(Node_order, Fewest_neighbours_first_equal_ones_by_index) {
+TEST(Sort_Vtx_map, Fewest_neighbours_first_equal_ones_by_index) {
     Vtx_map vertices;
     Vtx_map_from_link_map(vertices, Links({{1, 2}, {1, 3}, {1, 4}, {2, 4}, {4, 5}, {6, 7}}));
     std::vector<Node> order{9};
@@ -116,7 +116,7 @@ TEST(Node_order, Fewest_neighbours_first_equal_ones_by_index) {
     EXPECT_EQ(order, (Nodes{3, 5, 6, 7, 2, 1, 4}));
 }
 
-TEST(Node_order, The_flag_names_the_neighbours_that_count) {
+TEST(Sort_Vtx_map, The_flag_names_the_neighbours_that_count) {
     Vtxd_map vertices;
     Dir_vtx_map_from_link_map(vertices, Links({{1, 2}, {1, 3}, {1, 4}, {2, 1}, {2, 4}, {3, 4}}));
     std::vector<Node> order;
@@ -128,7 +128,7 @@ TEST(Node_order, The_flag_names_the_neighbours_that_count) {
     EXPECT_EQ(order, (Nodes{1, 2, 3, 4}));
 }
 
-TEST(Node_order, Any_other_flag_is_an_error) {
+TEST(Sort_Vtx_map, Any_other_flag_is_an_error) {
     std::vector<Node> order;
     EXPECT_EQ(Error_of([&] { Sort_dir_vtx_map(order, Vtxd_map(), "neighs"); }),
               " Invalid flag 'neighs' given in Sort_vtxd_gmap...\n");

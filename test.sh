@@ -1,0 +1,26 @@
+#!/bin/sh
+# SPDX-License-Identifier: MIT
+# Builds Plexor and runs every test, installing what that needs.
+#   ./test.sh          the release code by GCC and by Clang, then under the sanitizers
+#   ./test.sh quick    the release code by GCC only
+set -eu
+cd "$(dirname "$0")"
+. cmake/Need.sh
+need g++ g++ cmake cmake make make bash bash \
+    /usr/include/gtest/gtest.h libgtest-dev /usr/include/gmock/gmock.h libgmock-dev
+
+run_preset() {
+    echo "== $1"
+    cmake --preset "$1" >/dev/null
+    cmake --build --preset "$1"
+    ctest --preset "$1"
+}
+
+run_preset test
+if [ "${1:-}" = quick ]; then
+    exit 0
+fi
+need clang++ clang clang-format clang-format
+find src tests bench -name '*.cpp' -o -name '*.h' | xargs clang-format --dry-run --Werror
+run_preset test-clang
+run_preset asan-ubsan

@@ -1,0 +1,317 @@
+#!/bin/sh
+# SPDX-License-Identifier: MIT
+# What the program does when the machine lets it down: files that cannot be read or written, a full
+# disk, a reader or a terminal that goes away, too little memory. Every run must end with status 0
+# and a line that says what is wrong, and must leave other people's files alone.
+#   faults.sh CASE PROGRAM LOST_TERMINAL      status 77: the case cannot be run on this machine
+#
+# Nothing here depends on time. Where something has to happen in the middle of a run, the program is
+# held there: its reports are longer than a pipe, and nobody reads on until it has happened.
+set -eu
+case=$1
+program=$2
+lost_terminal=$3
+
+work=$(mktemp -d "${TMPDIR:-/tmp}/plexor_faults_XXXXXX")
+mounted=""
+clean_up() {
+    [ -z "$mounted" ] || umount "$mounted"
+    chmod -R u+rwx "$work"
+    rm -rf "$work"
+}
+trap clean_up EXIT
+cd "$work"
+# Readable for a user without privileges, too.
+chmod 755 .
+cp "$program" plexor
+printf 'ann bob\nbob cat\ncat ann\n' >net.txt
+
+fail() {
+    echo "FAILED: $*"
+    if [ -e out.txt ]; then tail -n 20 out.txt; fi
+    exit 1
+}
+skip() {
+    echo "SKIPPED: $*"
+    exit 77
+}
+# Runs the program as $as_user under $limits. What it says goes to out.txt through a pipe, which no
+# limit on files touches.
+as_user=""
+limits=:
+# In a build that counts which lines are run, the files of the counts are under the same limits as
+# the results: they would end up broken.
+counts_aside() {
+    export GCOV_PREFIX="$work/counts"
+}
+run() {
+    { status=0; ($limits; exec $as_user ./plexor "$@") 2>errors.txt || status=$?
+      echo "$status" >status.txt; } |
+        cat >out.txt
+    ended_well
+}
+ended_well() {
+    [ "$(cat status.txt)" = 0 ] || fail "exit status $(cat status.txt)"
+    [ ! -s errors.txt ] || fail "standard error: $(cat errors.txt)"
+}
+says() {
+    grep -qxF -- "$1" out.txt || fail "this line is missing: $1"
+}
+says_nothing_of() {
+    if grep -F -- "$1" out.txt; then fail "this line is too much"; fi
+}
+ran_to_its_end() {
+    # The help ends with the banner and an empty line.
+    [ "$(tail -n 4 out.txt)" = "$(./plexor -h | tail -n 5)" ] || fail "no banner at the end"
+}
+# Under the address sanitizer a process needs terabytes of address space.
+can_limit_memory() {
+    (ulimit -v 100000 && ./plexor -h >/dev/null 2>&1) || skip "memory cannot be limited in this build"
+}
+# A strip of triangles on so many nodes and one more: as many reports of about 70 bytes, one
+# community at k=3.
+strip() {
+    awk -v n="$1" 'BEGIN { for (i = 0; i < n; ++i) { print "n" i, "n" i + 1; print "n" i, "n" i + 2 } }'
+}
+# Runs the strip up to its clique search, does what is asked, and lets the run go on. A pipe and the
+# buffers behind it hold less than 2,000 reports.
+in_mid_run() {
+    strip 8000 >strip.txt
+    { status=0; $as_user ./plexor -i strip.txt -o out 2>errors.txt || status=$?
+      echo "$status" >status.txt; } |
+        { head -c 3000 >beginning.txt; eval "$1"; cat >out.txt; }
+    grep -q 'Locating cliques:' beginning.txt || fail "the search had not begun"
+    ended_well
+}
+# Makes $as_user start a program without the privileges of root.
+without_privileges() {
+    [ "$(id -u)" -eq 0 ] || return 0
+    counts_aside
+    command -v setpriv >/dev/null || skip "root, and no setpriv to become somebody else"
+    as_user="setpriv --reuid=65534 --regid=65534 --clear-groups"
+    $as_user ./plexor -h >/dev/null 2>&1 || skip "root, and nobody else can run the program"
+    chown 65534:65534 .
+}
+
+# --- Input that cannot be read. ---
+
+case_directory_as_input() {
+    mkdir links
+    run -i links
+    says "ERROR: Something went wrong when trying to read from links"
+    [ ! -e links_files ] || fail "a directory for results was made"
+}
+
+case_unreadable_input() {
+    without_privileges
+    chmod 000 net.txt
+    run -i net.txt
+    says "ERROR : File not found: 'net.txt' "
+}
+
+case_read_error() {
+    [ -e /proc/self/mem ] || skip "no /proc/self/mem, whose first page cannot be read"
+    run -i /proc/self/mem -o out
+    says "ERROR: Something went wrong when trying to read from /proc/self/mem"
+    [ ! -e out ] || fail "a directory for results was made"
+}
+
+case_input_from_a_pipe() {
+    cat net.txt | { status=0; ./plexor -i /dev/stdin -o out >out.txt 2>errors.txt || status=$?
+                    echo "$status" >status.txt; }
+    ended_well
+    ran_to_its_end
+    tail -n 1 out/cliques | grep -qx '0: ann bob cat ' || fail "the clique is missing"
+}
+
+case_input_cut_off() {
+    # The writer dies in the middle of the third line.
+    mkfifo links
+    printf 'ann bob\nbob cat\ncat' >links &
+    run -i links -o out
+    says "ERROR: Wrong line found in ' the file I was reading' :"
+    says "cat"
+    [ ! -e out ] || fail "a directory for results was made"
+}
+
+case_input_in_pieces() {
+    # Lines that arrive in parts are whole lines.
+    mkfifo links
+    { printf 'ann b'; sleep 0; printf 'ob\nbob cat\nc'; sleep 0; printf 'at ann'; } >links &
+    run -i links -o out
+    ran_to_its_end
+    tail -n 1 out/cliques | grep -qx '0: ann bob cat ' || fail "the clique is missing"
+}
+
+# --- Results that cannot be written. ---
+
+# Every file of the whole run that is no longer than $1 bytes is the same; of every other one there
+# is a line, and what there is of it is its beginning.
+same_up_to() {
+    (cd whole && find . -type f) | while read -r path; do
+        size=$(wc -c <"whole/$path")
+        if [ "$size" -le "$1" ]; then
+            cmp "whole/$path" "out/$path" || fail "$path"
+        else
+            says " WARNING: could not write 'out/${path#./}'."
+            cmp -n "$(wc -c <"out/$path")" "whole/$path" "out/$path" || fail "$path"
+        fi
+    done || exit 1
+    [ "$(grep -c WARNING out.txt)" -eq "$(find whole -type f -size "+$1c" | wc -l)" ] ||
+        fail "a warning too many"
+}
+
+case_file_size_limit() {
+    strip 3000 >strip.txt
+    run -i strip.txt -o whole
+    # Blocks of 512 or of 1024 bytes, as the shell has it.
+    echo foreign >foreign.txt
+    counts_aside
+    export GCOV_ERROR_FILE=/dev/null
+    limits="ulimit -f 8"
+    (trap '' XFSZ; $limits; head -c 100000 /dev/zero >block.txt) 2>/dev/null || true
+    limit=$(wc -c <block.txt)
+    run -i strip.txt -o out
+    ran_to_its_end
+    [ "$(grep -c WARNING out.txt)" -ge 4 ] || fail "hardly a warning"
+    same_up_to "$limit"
+    [ "$(cat foreign.txt)" = foreign ] || fail "another file was changed"
+}
+
+case_full_disk() {
+    mkdir disk
+    mount -t tmpfs -o size=256k plexor_faults disk 2>/dev/null || skip "no file system can be mounted"
+    mounted=$work/disk
+    strip 8000 >strip.txt
+    run -i strip.txt -o disk/out
+    says " WARNING: could not write 'disk/out/cliques'."
+    [ "$(grep -c WARNING out.txt)" -ge 3 ] || fail "hardly a warning"
+}
+
+case_full_device() {
+    [ -e /dev/full ] || skip "no /dev/full"
+    in_mid_run 'ln -s /dev/full out/cliques'
+    says " WARNING: could not write 'out/cliques'."
+    [ "$(grep -c WARNING out.txt)" -eq 1 ] || fail "a warning too many"
+    ran_to_its_end
+    tail -n 2 out/k=3/size_distribution | grep -qx '8001 1' || fail "the other files are not there"
+}
+
+case_directory_in_the_way_of_a_file() {
+    in_mid_run 'mkdir out/cliques; echo foreign >out/cliques/foreign.txt'
+    says " WARNING: could not write 'out/cliques'."
+    ran_to_its_end
+    [ "$(cat out/cliques/foreign.txt)" = foreign ] || fail "another file was changed"
+}
+
+case_file_in_the_way_of_a_directory() {
+    in_mid_run 'echo foreign >out/k=3'
+    says_nothing_of WARNING
+    ran_to_its_end
+    [ "$(cat out/k=31)" = foreign ] || fail "the file was not moved aside"
+    [ -s out/k=3/communities ] || fail "no communities"
+}
+
+case_results_removed_in_mid_run() {
+    in_mid_run 'rm -r out'
+    says_nothing_of WARNING
+    ran_to_its_end
+    [ -s out/cliques ] && [ -s out/k=3/communities ] || fail "the later results are not there"
+}
+
+case_results_made_read_only() {
+    without_privileges
+    in_mid_run 'chmod 555 out'
+    says " WARNING: could not write 'out/cliques'."
+    says "ERROR: Make_dir() called with out/k=3 and "
+    says "Permission denied."
+}
+
+case_no_right_to_make_the_directory() {
+    without_privileges
+    mkdir closed
+    cp net.txt closed
+    chmod 555 closed
+    run -i closed/net.txt
+    says "ERROR: Make_dir() called with closed/net.txt_files and "
+    says "Permission denied."
+}
+
+# --- Reports that nobody takes. ---
+
+same_results() {
+    ./plexor -i "$1" -o whole >/dev/null
+    diff -r whole out || fail "the results differ"
+}
+
+case_standard_output_closed() {
+    strip 3000 >strip.txt
+    status=0
+    ./plexor -i strip.txt -o out >&- 2>errors.txt || status=$?
+    echo "$status" >status.txt
+    ended_well
+    same_results strip.txt
+}
+
+case_all_standard_files_closed() {
+    strip 3000 >strip.txt
+    status=0
+    ./plexor -i strip.txt -o out <&- >&- 2>&- || status=$?
+    echo "$status" >status.txt
+    : >errors.txt
+    ended_well
+    same_results strip.txt
+}
+
+case_standard_output_full() {
+    [ -e /dev/full ] || skip "no /dev/full"
+    status=0
+    ./plexor -i net.txt -o out >/dev/full 2>errors.txt || status=$?
+    echo "$status" >status.txt
+    ended_well
+    same_results net.txt
+}
+
+case_reader_goes_away() {
+    strip 8000 >strip.txt
+    { status=0; ./plexor -i strip.txt -o out 2>errors.txt || status=$?; echo "$status" >status.txt; } |
+        head -n 1 >/dev/null
+    ended_well
+    same_results strip.txt
+}
+
+case_terminal_goes_away() {
+    strip 8000 >strip.txt
+    "$lost_terminal" ./plexor -i strip.txt -o out || fail "exit status $?"
+    same_results strip.txt
+}
+
+# --- Too little memory. ---
+
+case_too_little_memory() {
+    counts_aside
+    can_limit_memory
+    strip 300000 >strip.txt
+    reached=0
+    # From too little for the links to too little for the communities.
+    for kilobytes in 12000 16000 20000 28000 36000 44000 52000 60000 70000 80000; do
+        rm -rf out
+        limits="ulimit -v $kilobytes"
+        run -i strip.txt -o out
+        if grep -q '^ERROR' out.txt; then
+            says "ERROR: not enough memory for this network. Try a weight threshold (-w, -W), a time limit for the clique search (-t), or a machine with more memory."
+            [ "$(tail -n 1 out.txt)" = "$(grep '^ERROR' out.txt)" ] || fail "it is not the last line"
+            reached=$((reached + 1))
+        else
+            ran_to_its_end
+        fi
+    done
+    [ "$reached" -ge 3 ] || fail "the limits were hardly reached"
+}
+
+if [ "$case" = "" ] || ! command -v "case_$case" >/dev/null; then
+    echo "no case '$case'"
+    exit 1
+fi
+"case_$case"
+echo "passed"

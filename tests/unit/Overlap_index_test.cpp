@@ -1,0 +1,271 @@
+// SPDX-License-Identifier: MIT
+#include "Coms_funcs/Overlap_index.h"
+
+#include "support/Graph_makers.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+
+namespace cpm::test {
+namespace {
+
+std::uint32_t Shared(Node_set a, Node_set b) {
+    std::vector<Node> shared;
+    std::ranges::set_intersection(a, b, std::back_inserter(shared));
+    return static_cast<std::uint32_t>(shared.size());
+}
+
+// All pairs, one by one. Claims as the index does.
+class By_pairs {
+public:
+    By_pairs(Set_list const& cliques, Overlap_index const& index)
+        : cliques_(cliques), index_(index) {}
+
+    void Start_level(std::uint32_t least_shared, std::uint32_t least_size) {
+        least_shared_ = least_shared;
+        least_size_ = least_size;
+        claimed_.assign(cliques_.size(), false);
+    }
+    bool Is_claimed(Clique_number c) const { return claimed_[c]; }
+    std::vector<Partner> Claim_partners(Clique_number from) {
+        std::vector<Partner> partners;
+        for (Clique_number c = 0; c < cliques_.size(); ++c) {
+            if (!claimed_[c] && cliques_[c].size() >= least_size_ &&
+                Shared(cliques_[from], cliques_[c]) >= least_shared_) {
+                claimed_[c] = true;
+                partners.push_back({c, New_nodes(from, c)});
+            }
+        }
+        return partners;
+    }
+
+private:
+    std::uint64_t New_nodes(Clique_number from, Clique_number clique) const {
+        std::span<Node const> const ranked = index_.Ranked(clique);
+        if (ranked.size() > 64) {
+            return Overlap_index::all_new;
+        }
+        std::uint64_t bits = 0;
+        for (std::size_t i = 0; i < ranked.size(); ++i) {
+            bool const is_new = !std::ranges::binary_search(cliques_[from], ranked[i]);
+            bits |= std::uint64_t{is_new ? 1U : 0U} << i;
+        }
+        return bits;
+    }
+
+    Set_list const& cliques_;
+    Overlap_index const& index_;
+    std::uint32_t least_shared_ = 0;
+    std::uint32_t least_size_ = 0;
+    std::vector<bool> claimed_;
+};
+
+std::vector<std::pair<Clique_number, std::uint64_t>> Plain(std::vector<Partner> const& partners) {
+    std::vector<std::pair<Clique_number, std::uint64_t>> plain;
+    for (Partner const& partner : partners) {
+        plain.push_back({partner.clique, partner.new_nodes});
+    }
+    return plain;
+}
+
+std::vector<Clique_number> Partners_of(Overlap_index& index, Clique_number from) {
+    std::vector<Partner> partners;
+    index.Claim_partners({from, Overlap_index::all_new}, partners);
+    std::vector<Clique_number> cliques;
+    for (Partner const& partner : partners) {
+        cliques.push_back(partner.clique);
+    }
+    return cliques;
+}
+
+using Numbers = std::vector<Clique_number>;
+
+TEST(Overlap_index, Nodes_are_ranked_rarest_first_then_by_index) {
+    Set_list const cliques{{1, 2, 3}, {2, 3, 4}, {3, 4, 5}};
+    Overlap_index const index(cliques, 6);
+    EXPECT_EQ(To_vector(index.Ranked(0)), (std::vector<Node>{1, 2, 3}));
+    EXPECT_EQ(To_vector(index.Ranked(1)), (std::vector<Node>{2, 4, 3}));
+    EXPECT_EQ(To_vector(index.Ranked(2)), (std::vector<Node>{5, 4, 3}));
+    EXPECT_EQ(index.Number_of_nodes(), 6U);
+}
+
+TEST(Overlap_index, Partners_share_enough_nodes_and_come_ascending) {
+    Set_list const cliques{{2, 3, 4}, {3, 4, 5}, {1, 2, 3}, {4, 5, 6}};
+    Overlap_index index(cliques, 6);
+    index.Start_level(2, 3);
+    EXPECT_EQ(Partners_of(index, 0), (Numbers{0, 1, 2}));
+    EXPECT_EQ(Partners_of(index, 1), (Numbers{3})) << "the others are claimed";
+    EXPECT_EQ(Partners_of(index, 1), Numbers());
+    index.Start_level(1, 3);
+    EXPECT_EQ(Partners_of(index, 3), (Numbers{0, 1, 3})) << "no clique is claimed at a new level";
+    index.Start_level(3, 3);
+    EXPECT_EQ(Partners_of(index, 3), (Numbers{3})) << "and levels may go up again";
+}
+
+TEST(Overlap_index, Partners_are_appended) {
+    Set_list const cliques{{1, 2, 3}, {2, 3, 4}};
+    Overlap_index index(cliques, 4);
+    index.Start_level(2, 3);
+    std::vector<Partner> partners{{9, 5}};
+    index.Claim_partners({1, Overlap_index::all_new}, partners);
+    EXPECT_EQ(Plain(partners),
+              (std::vector<std::pair<Clique_number, std::uint64_t>>{{9, 5}, {0, 1}, {1, 0}}));
+    EXPECT_TRUE(index.Is_claimed(0));
+    EXPECT_TRUE(index.Is_claimed(1));
+}
+
+TEST(Overlap_index, Small_cliques_are_out_of_play) {
+    Set_list const cliques{{1, 2, 3}, {1, 2, 3, 4}, {2, 3, 4, 5}};
+    Overlap_index index(cliques, 5);
+    index.Start_level(3, 4);
+    EXPECT_EQ(Partners_of(index, 1), (Numbers{1, 2}));
+    EXPECT_FALSE(index.Is_claimed(0));
+    index.Start_level(3, 3);
+    EXPECT_EQ(Partners_of(index, 1), (Numbers{0, 1, 2}));
+    index.Start_level(2, 4);
+    EXPECT_EQ(Partners_of(index, 1), (Numbers{1, 2})) << "out of play again";
+}
+
+// From the largest clique to a smaller one and back: neither may rule the other out unseen.
+TEST(Overlap_index, Cliques_of_any_size_find_each_other) {
+    for (Node const large : {63U, 64U, 65U, 254U, 255U, 256U, 400U}) {
+        std::vector<Node> first;
+        for (Node node = 1; node <= large; ++node) {
+            first.push_back(node);
+        }
+        std::vector<Node> second(first.begin(), first.begin() + 60);
+        second.push_back(large + 1);
+        Set_list cliques;
+        cliques.Add(first);
+        cliques.Add(second);
+        Overlap_index index(cliques, large + 1);
+        index.Start_level(60, 61);
+        EXPECT_EQ(Partners_of(index, 0), (Numbers{0, 1})) << large;
+        index.Start_level(60, 61);
+        EXPECT_EQ(Partners_of(index, 1), (Numbers{0, 1})) << large;
+        index.Start_level(61, 61);
+        EXPECT_EQ(Partners_of(index, 0), (Numbers{0})) << large;
+    }
+}
+
+// Sets of very different sizes, with few rare and many common nodes.
+Set_list Random_sets(std::size_t count, Node n, Node largest, Random_numbers& random) {
+    Set_list sets;
+    for (std::size_t i = 0; i < count; ++i) {
+        Nodes set;
+        Node const size = 1 + random.Below(random.Percent(15) ? largest : std::min(largest, 9U));
+        Node const hubs = 1 + random.Below(n);
+        if (i > 0 && random.Percent(50)) { // much of another set
+            for (Node const node : sets[random.Below(static_cast<std::uint32_t>(i))]) {
+                if (random.Percent(85)) {
+                    set.insert(node);
+                }
+            }
+        }
+        while (set.size() < size) {
+            set.insert(1 + random.Below(set.size() < hubs ? hubs : n));
+        }
+        sets.Add(std::vector<Node>(set.begin(), set.end()));
+    }
+    return sets;
+}
+
+void Compare_level(Overlap_index& index, By_pairs& by_pairs, Set_list const& cliques,
+                   Random_numbers& random) {
+    // Some in any order, with nothing known of them.
+    for (std::uint32_t left = random.Below(6); left > 0; --left) {
+        Clique_number const from = random.Below(static_cast<std::uint32_t>(cliques.size()));
+        std::vector<Partner> partners;
+        index.Claim_partners({from, Overlap_index::all_new}, partners);
+        ASSERT_EQ(Plain(partners), Plain(by_pairs.Claim_partners(from))) << "from " << from;
+    }
+    // And the way percolation goes, with what is known.
+    for (Clique_number c = 0; c < cliques.size(); ++c) {
+        std::vector<Partner> open;
+        if (!index.Is_claimed(c)) {
+            open.push_back({c, Overlap_index::all_new});
+        }
+        while (!open.empty()) {
+            Partner const from = open.back();
+            open.pop_back();
+            std::vector<Partner> partners;
+            index.Claim_partners(from, partners);
+            ASSERT_EQ(Plain(partners), Plain(by_pairs.Claim_partners(from.clique)));
+            open.insert(open.end(), partners.begin(), partners.end());
+        }
+        ASSERT_EQ(index.Is_claimed(c), by_pairs.Is_claimed(c));
+    }
+}
+
+void Compare_levels(Set_list const& cliques, Node n, std::uint32_t largest,
+                    Random_numbers& random) {
+    Overlap_index index(cliques, n);
+    By_pairs by_pairs(cliques, index);
+    for (std::uint32_t least_size = largest + 2; least_size > 1; --least_size) {
+        std::uint32_t const least_shared = least_size - 1;
+        std::uint32_t const size = random.Percent(50) ? least_size : least_shared;
+        if (least_size < 12 || random.Percent(10)) {
+            index.Start_level(least_shared, size);
+            by_pairs.Start_level(least_shared, size);
+            ASSERT_NO_FATAL_FAILURE(Compare_level(index, by_pairs, cliques, random))
+                << "least size " << size << ", least shared " << least_shared;
+        }
+    }
+    for (int again = 0; again < 6; ++again) {
+        std::uint32_t const least_shared = 1 + random.Below(largest);
+        std::uint32_t const least_size = least_shared + random.Below(3);
+        index.Start_level(least_shared, least_size);
+        by_pairs.Start_level(least_shared, least_size);
+        ASSERT_NO_FATAL_FAILURE(Compare_level(index, by_pairs, cliques, random))
+            << "out of turn: " << least_size << ", " << least_shared;
+    }
+}
+
+TEST(Overlap_index, Random_lists_agree_with_all_pairs) {
+    Random_numbers random(71);
+    for (int round = 0; round < 150; ++round) {
+        Node const n = 3 + random.Below(30);
+        std::uint32_t const largest = std::min(n, 8U);
+        Set_list const cliques = Random_sets(1 + random.Below(50), n, largest, random);
+        ASSERT_NO_FATAL_FAILURE(Compare_levels(cliques, n, largest, random)) << "round " << round;
+    }
+}
+
+TEST(Overlap_index, Large_cliques_agree_with_all_pairs) {
+    Random_numbers random(73);
+    for (std::uint32_t const largest : {63U, 66U, 90U, 253U, 256U, 300U}) {
+        Node const n = largest + 20;
+        Set_list cliques = Random_sets(40, n, largest, random);
+        for (std::uint32_t const size : {largest - 1, largest, largest}) {
+            // Sizes around the limits, nearly the same nodes.
+            std::vector<Node> nodes;
+            Node const leave_out = random.Below(size);
+            for (Node node = 1; nodes.size() < size; ++node) {
+                if (node != leave_out) {
+                    nodes.push_back(node);
+                }
+            }
+            cliques.Add(nodes);
+        }
+        ASSERT_NO_FATAL_FAILURE(Compare_levels(cliques, n, largest, random)) << largest;
+    }
+}
+
+TEST(Overlap_index, A_list_walked_many_times_forgets_claimed_cliques_only) {
+    // Node 1 is in all cliques, so that its list is walked over and over.
+    Set_list cliques;
+    for (Node i = 0; i < 600; ++i) {
+        cliques.Add(std::vector<Node>{1, 2 + i, 3 + i});
+    }
+    Overlap_index index(cliques, 602);
+    By_pairs by_pairs(cliques, index);
+    Random_numbers random(79);
+    for (std::uint32_t const least_shared : {3U, 2U, 1U, 2U}) {
+        index.Start_level(least_shared, 3);
+        by_pairs.Start_level(least_shared, 3);
+        ASSERT_NO_FATAL_FAILURE(Compare_level(index, by_pairs, cliques, random));
+    }
+}
+
+} // namespace
+} // namespace cpm::test
