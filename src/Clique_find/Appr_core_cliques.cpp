@@ -5,8 +5,7 @@
 // Leaves   the clique list with the approximated cliques behind the exact ones.
 // Order    that of the core's nodes; exact cliques stay in theirs.
 // Cost     each set is compared with the sets at its rarest node. Memory: one number a clique
-// member
-//          for the time of the comparison.
+//          member for the time of the comparison.
 // Tested   Appr_core_cliques_test.cpp
 #include "Clique_find/Appr_core_cliques.h"
 
@@ -34,11 +33,12 @@ std::vector<bool> Nodes_in(Set_list const& sets) {
 
 // The rule speaks of candidates accepted one by one: a neighbourhood is refused when an accepted
 // one or an exact clique holds it; accepted ones that a later accepted one holds are removed at the
-// end. Invariant: what stays are the neighbourhoods that lie in no exact clique, in no larger
+// end.
+//
+// Invariant: what stays are the neighbourhoods that lie in no exact clique, in no larger
 //            neighbourhood, and in no equal earlier one.
-// Relies on: a neighbourhood that was refused lies in an accepted one or an exact clique, and so
-// does
-//            all that lies in it.
+// Relies on: a neighbourhood that was refused lies in an accepted one or in an exact clique, and so
+//            does all that lies in it.
 // Buys:      every neighbourhood can be judged by itself.   Pinned by: Appr_core_cliques_test
 void Appr_core_cliques(Core const& core, Set_list const& exact, Set_list& approx) {
     Set_list const& candidates = core.neighs;

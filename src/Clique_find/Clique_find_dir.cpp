@@ -105,13 +105,14 @@ void Dir_node_search::Find_without_circles(Local_cliques::Stop_check const* stop
     for (Local_link const& link : around_.Links()) {
         local_.Link(link.candidate, link.other);
     }
-    Place excluded = around_.Centre();
-    for (Local_link const& link : around_.Excluded_links()) {
-        if (link.other != excluded) {
-            excluded = link.other;
-            local_.Start_excluded();
+    std::span<Local_link const> rest = around_.Excluded_links();
+    while (!rest.empty()) {
+        Place const excluded = rest.front().other;
+        local_.Start_excluded();
+        for (; !rest.empty() && rest.front().other == excluded; rest = rest.subspan(1)) {
+            local_.Link_excluded(rest.front().candidate);
         }
-        local_.Link_excluded(link.candidate);
+        local_.End_excluded(least_others);
     }
     local_.Find(stop);
     while (places_.size() < around_.Centre()) {

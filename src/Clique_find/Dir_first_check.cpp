@@ -6,8 +6,7 @@
 // Order    lines grow by one node at a time: gaps from the front, in a gap ascending nodes. A node
 //          tried in a gap is not tried there again.
 // Cost     the search ends at the first line that may grow into something new. Up to there each
-// link
-//          of two candidates is walked from its end with fewer links, and sets are compared by
+//          link of two candidates is walked from its end with fewer links, and sets are compared by
 //          their own links. Memory: a few numbers a link.
 // Tested   Clique_find_dir_test.cpp: the literal search with clocks that strike at once.
 //

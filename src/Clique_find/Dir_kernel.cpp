@@ -6,8 +6,7 @@
 //          with any other candidate or excluded node.
 // Order    none: the caller sorts.
 // Cost     what counts in practice is a few branches a set, each of so many words a candidate as
-// the
-//          candidates fill. Memory: three rows of bits a node, and the sets of this one node.
+//          the candidates fill. Memory: three rows of bits a node, and the sets of this one node.
 // Tested   Clique_find_dir_test.cpp: all subsets of random digraphs, and the literal gap search.
 //
 // A set can be lined up when it is two by two linked and its one-way links close no circle; every
@@ -333,8 +332,7 @@ std::size_t Search<fixed_words>::Circle_breakers(Place pivot, Word* breakers) {
 // Chooses the candidates to try so that no new set is missed; false when there are none, that is
 // when every set of this branch can be joined by a node from outside it.
 // Invariant: a maximal set without the pivot holds a candidate that is not linked with the pivot,
-// or
-//            one that closes a circle with it.
+//            or one that closes a circle with it.
 // Relies on: the pivot can join the set lined up; it could join the maximal set otherwise.
 // Buys:      only the pivot (if it is a candidate) and those candidates are tried.
 // Pinned by: Clique_find_dir_test

@@ -7,8 +7,7 @@
 //          second, ..., or behind its last one. All lines are tried: depth first, gaps from the
 //          front, in a gap ascending nodes. A set is listed when it is first met.
 // Cost     a set of s nodes takes about s times s / 64 steps, and the sorting. Memory: eight bytes
-// a
-//          member, for the sets of this one node.
+//          a member, for the sets of this one node.
 // Tested   Clique_find_dir_test.cpp: the literal search on random digraphs.
 //
 // Which of a set's lines is met first? The one that at each step takes the first gap, and in it the
@@ -21,9 +20,8 @@
 //            line that leads to it by one-way links within the set, or the gap at the front.
 // Relies on: a line can be completed when its order and the one-way links close no circle.
 // Buys:      the whole line in one walk. A node not yet placed belongs to the group of the last
-// node
-//            of the line that leads to it, or of the front. From the front on, each group is put
-//            into the gap behind its node, the smallest one first; a node placed takes from the
+//            node of the line that leads to it, or of the front. From the front on, each group is
+//            put into the gap behind its node, the smallest one first; a node placed takes from the
 //            group what it leads to as its own group, and the next one is placed before it.
 // Breaks if: a node's gap were looked for among the nodes placed alone: what leads to it may do so
 //            over nodes that are not placed yet.

@@ -5,8 +5,7 @@
 // Leaves   the cliques of the nodes done; then what was found at the nodes given up.
 // Order    the nodes done, in the order they were done; then the pending sets, lexicographically.
 // Cost     beside the finder's: a node a report; pending sets are hashed, at the end sorted, and
-// only
-//          those of three nodes are looked for in the clique list. Memory: the pending sets.
+//          only those of three nodes are looked for in the clique list. Memory: the pending sets.
 // Tested   Time_limited_test.cpp, Clique_find_test.cpp, Clique_find_dir_test.cpp.
 #include "Clique_find/Time_limited.h"
 
@@ -22,18 +21,26 @@ namespace cpm::Clique_find_time_sub_routines {
 namespace {
 
 // What was found at nodes that took too long. A node that is tried again finds most of it again, so
-// repeats are told by a hash table; sorting comes once, when the search has ended.
+// repeats are told by a hash table; sorting comes once, when the search has ended. Of one attempt
+// only so many sets are kept, as if its time had been up right after the last of them: there can be
+// millions a second, and hard nodes are not to fill the memory. (Sets of three nodes are all kept:
+// up to the first look at the clock nothing else is found.)
 class Pending_sets {
 public:
     void Add(Set_list const& found) {
+        std::size_t n_large = 0;
         for (std::size_t i = 0; i < found.size(); ++i) {
-            Add(found[i]);
+            if (found[i].size() == 3 || ++n_large <= most_large_sets) {
+                Add(found[i]);
+            }
         }
     }
     /// Without repeats, ascending. Nothing can be added from then on.
     Set_list const& Sorted();
 
 private:
+    static constexpr std::size_t most_large_sets = 10000;
+
     void Add(Node_set set);
     void Grow();
     static std::uint64_t Hash(Node_set set);

@@ -7,7 +7,6 @@
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -28,7 +27,8 @@ public:
             Put_large(text);
             return;
         }
-        std::memcpy(next_, text.data(), text.size());
+        // (An empty text may have no address, which memcpy() does not allow.)
+        std::char_traits<char>::copy(next_, text.data(), text.size());
         next_ += text.size();
     }
     /// A plain decimal number.
