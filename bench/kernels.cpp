@@ -1,0 +1,345 @@
+// SPDX-License-Identifier: MIT
+// What each stage of a run costs by itself, on networks made here. Every benchmark counts the work
+// it has done beside the time: a change of a counter is a change of the result.
+#include "Clique_find/Clique_find.h"
+#include "Coms_funcs/Community_graph.h"
+#include "Coms_funcs/Overlap_index.h"
+#include "Coms_funcs/Pair_table.h"
+#include "Coms_funcs/Percolation.h"
+#include "Networks.h"
+#include "Plexor_io/Convert_links.h"
+#include "Plexor_io/Kiir_cliques.h"
+#include "Plexor_io/Kiir_com_graph.h"
+#include "Plexor_io/Kiir_coms.h"
+#include "Plexor_io/Link_lines.h"
+#include "Plexor_io/Read_links.h"
+#include "Types.h"
+#include "Vertex_maps.h"
+#include "support/Console.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+using namespace cpm;
+
+// Progress reports go where nobody waits for them.
+class Silent_console {
+public:
+    Silent_console() : descriptor_(::open("/dev/null", O_WRONLY)), console_(descriptor_) {}
+    ~Silent_console() {
+        console_.Flush();
+        ::close(descriptor_);
+    }
+    Silent_console(Silent_console const&) = delete;
+    Silent_console& operator=(Silent_console const&) = delete;
+    Console& Get() { return console_; }
+
+private:
+    int descriptor_;
+    Console console_;
+};
+
+// A directory of its own, gone with the object.
+class Scratch {
+public:
+    Scratch() {
+        std::string path = (std::filesystem::temp_directory_path() / "kernels-XXXXXX").string();
+        if (::mkdtemp(path.data()) == nullptr) {
+            throw std::runtime_error("cannot make a directory for the benchmarks");
+        }
+        path_ = path;
+    }
+    ~Scratch() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    Scratch(Scratch const&) = delete;
+    Scratch& operator=(Scratch const&) = delete;
+    std::string File(std::string const& name) const { return (path_ / name).string(); }
+    std::string Path() const { return path_.string(); }
+
+private:
+    std::filesystem::path path_;
+};
+
+enum class Kind : std::int64_t { papers, hub, chain, dense };
+
+char const* Name(Kind kind) {
+    switch (kind) {
+    case Kind::papers:
+        return "papers, 200,000 links";
+    case Kind::hub:
+        return "hub, 20,000 links";
+    case Kind::chain:
+        return "chain, 100,000 cliques";
+    case Kind::dense:
+        return "dense groups, 20,000 links";
+    }
+    return "";
+}
+
+bench::Network Make(Kind kind) {
+    constexpr std::uint64_t seed = 7;
+    switch (kind) {
+    case Kind::papers:
+        return bench::Papers(200000, seed);
+    case Kind::hub:
+        return bench::Hub(20000);
+    case Kind::chain:
+        return bench::Chain(100000);
+    case Kind::dense:
+        return bench::Dense_groups(2000, 20000, seed);
+    }
+    return {};
+}
+
+// A network after each stage up to the cliques.
+struct Prepared {
+    explicit Prepared(Kind kind) {
+        bench::Write_network(Make(kind), scratch.File("links"));
+        Read_unw_links(scratch.File("links"), named);
+        Convert_s_links(links, names, named, false);
+        Vtx_map_from_link_map(vertices, links);
+        Clique_find(cliques, vertices, silent.Get());
+        for (std::size_t c = 0; c < cliques.size(); ++c) {
+            largest = std::max(largest, static_cast<std::uint32_t>(cliques[c].size()));
+        }
+        n_nodes = static_cast<Node>(vertices.size());
+        pairs = Pair_table(links, n_nodes, cliques, cliques.size());
+    }
+
+    Scratch scratch;
+    Silent_console silent;
+    Link_map named;
+    Index_links links;
+    Names_map names;
+    Vtx_map vertices;
+    Set_list cliques;
+    Pair_table pairs;
+    std::uint32_t largest = 0;
+    Node n_nodes = 0;
+};
+
+// Made when first asked for, and kept for the benchmarks that follow.
+Prepared& Network_of(benchmark::State& state) {
+    static std::map<Kind, std::unique_ptr<Prepared>> prepared;
+    Kind const kind{state.range(0)};
+    std::unique_ptr<Prepared>& one = prepared[kind];
+    if (!one) {
+        one = std::make_unique<Prepared>(kind);
+    }
+    state.SetLabel(Name(kind));
+    return *one;
+}
+
+benchmark::Counter Count(std::size_t n) {
+    return {static_cast<double>(n)};
+}
+
+void Reading(benchmark::State& state) {
+    Prepared& network = Network_of(state);
+    std::string const path = network.scratch.File("links");
+    std::size_t n_links = 0;
+    for (auto _ : state) {
+        Link_map links;
+        Read_unw_links(path, links);
+        n_links = links.links.size();
+    }
+    state.counters["links"] = Count(n_links);
+    state.SetBytesProcessed(state.iterations() *
+                            static_cast<std::int64_t>(std::filesystem::file_size(path)));
+}
+
+void Converting_links(benchmark::State& state) {
+    Prepared& network = Network_of(state);
+    for (auto _ : state) {
+        Index_links links;
+        Names_map names;
+        Convert_s_links(links, names, network.named, false);
+        Vtx_map vertices;
+        Vtx_map_from_link_map(vertices, links);
+        benchmark::DoNotOptimize(vertices.data());
+    }
+    state.counters["links"] = Count(network.links.size());
+}
+
+void Clique_search(benchmark::State& state) {
+    Prepared& network = Network_of(state);
+    Set_list cliques;
+    for (auto _ : state) {
+        cliques.clear();
+        Clique_find(cliques, network.vertices, network.silent.Get());
+    }
+    state.counters["cliques"] = Count(cliques.size());
+    state.counters["members"] = Count(cliques.Total());
+}
+
+// The index alone: set up, and every clique listed as at the lowest level.
+void Overlap_setup(benchmark::State& state) {
+    Prepared& network = Network_of(state);
+    for (auto _ : state) {
+        Overlap_index index(network.cliques, network.n_nodes);
+        index.Start_level(2, 3);
+        benchmark::DoNotOptimize(index.Is_claimed(0));
+    }
+    state.counters["members"] = Count(network.cliques.Total());
+}
+
+// Every clique asked once for its unclaimed partners at k = 4, in the order of their numbers.
+void Overlap_partners(benchmark::State& state) {
+    Prepared& network = Network_of(state);
+    Overlap_index index(network.cliques, network.n_nodes);
+    std::vector<Partner> partners;
+    for (auto _ : state) {
+        index.Start_level(3, 4);
+        partners.clear();
+        for (std::size_t c = 0; c < network.cliques.size(); ++c) {
+            if (network.cliques[c].size() >= 4) {
+                index.Claim_partners({static_cast<Clique_number>(c), Overlap_index::all_new},
+                                     partners);
+            }
+        }
+    }
+    state.counters["claimed"] = Count(partners.size());
+}
+
+void Percolating_all_k(benchmark::State& state) {
+    Prepared& network = Network_of(state);
+    std::size_t n_communities = 0;
+    for (auto _ : state) {
+        Percolation percolation(network.cliques, network.cliques.size(), network.n_nodes,
+                                network.pairs);
+        n_communities = 0;
+        for (std::uint32_t k = network.largest; k > 2; --k) {
+            Communities coms;
+            percolation.Coms_from_appr_ovlp_matr(coms, k);
+            n_communities += coms.size();
+        }
+    }
+    state.counters["communities"] = Count(n_communities);
+}
+
+// The communities at k = 3 with everything that writing them needs.
+struct Lowest_level {
+    explicit Lowest_level(Prepared& network)
+        : percolation(network.cliques, network.cliques.size(), network.n_nodes, network.pairs),
+          lines(network.pairs, network.links, network.names) {
+        percolation.Coms_from_appr_ovlp_matr(coms, 3);
+    }
+    Percolation percolation;
+    Link_lines lines;
+    Communities coms;
+};
+
+void Links_of_communities(benchmark::State& state) {
+    Prepared& network = Network_of(state);
+    Lowest_level const level(network);
+    std::size_t n_links = 0;
+    for (auto _ : state) {
+        n_links = 0;
+        for (std::size_t i = 0; i < level.coms.size(); ++i) {
+            level.coms.links(i, [&](std::span<Link_number const> piece) {
+                benchmark::DoNotOptimize(piece.data());
+                n_links += piece.size();
+            });
+        }
+    }
+    state.counters["links"] = Count(n_links);
+}
+
+void Walking_the_community_graph(benchmark::State& state) {
+    Prepared& network = Network_of(state);
+    Lowest_level const level(network);
+    Community_distributions distributions;
+    for (auto _ : state) {
+        Community_graph graph = Prepare_community_graph(level.coms);
+        distributions = {};
+        Community_statistics(distributions, graph, Community_part::all, network.n_nodes);
+    }
+    state.counters["degrees"] = Count(distributions.degree.size());
+}
+
+void Making_link_lines(benchmark::State& state) {
+    Prepared& network = Network_of(state);
+    for (auto _ : state) {
+        Link_lines const lines(network.pairs, network.links, network.names);
+        benchmark::DoNotOptimize(&lines);
+    }
+    state.counters["links"] = Count(network.links.size());
+}
+
+// The bytes of all files below the directory.
+std::int64_t Bytes_below(std::string const& directory) {
+    std::uintmax_t bytes = 0;
+    for (auto const& entry : std::filesystem::recursive_directory_iterator(directory)) {
+        bytes += entry.is_regular_file() ? entry.file_size() : 0;
+    }
+    return static_cast<std::int64_t>(bytes);
+}
+
+void Writing_cliques(benchmark::State& state) {
+    Prepared& network = Network_of(state);
+    Scratch const out;
+    for (auto _ : state) {
+        Kiir_cliques_PX(out.Path(), network.cliques, network.names, network.cliques.size(), "", "",
+                        network.silent.Get());
+    }
+    state.SetBytesProcessed(state.iterations() * Bytes_below(out.Path()));
+}
+
+void Writing_communities(benchmark::State& state) {
+    Prepared& network = Network_of(state);
+    Lowest_level const level(network);
+    Scratch const out;
+    Console& console = network.silent.Get();
+    for (auto _ : state) {
+        Kiir_coms_PX(level.coms, out.Path(), 3, network.names, "", "", console);
+        Kiir_coms_cliques_PX(level.coms, out.Path(), 3, network.cliques.size(), "", "", console);
+        Kiir_com_links_PX(level.coms, out.Path(), 3, level.lines, "", "", console);
+    }
+    state.SetBytesProcessed(state.iterations() * Bytes_below(out.Path()));
+}
+
+void Writing_the_community_graph(benchmark::State& state) {
+    Prepared& network = Network_of(state);
+    Lowest_level const level(network);
+    Scratch const out;
+    for (auto _ : state) {
+        Community_graph graph = Prepare_community_graph(level.coms);
+        Kiir_com_graph_PX(graph, level.coms.n_exact, out.Path(), 3, "", "", network.silent.Get());
+    }
+    state.SetBytesProcessed(state.iterations() * Bytes_below(out.Path()));
+}
+
+void Every_network(benchmark::internal::Benchmark* one) {
+    one->ArgName("network")->Unit(benchmark::kMillisecond);
+    for (Kind const kind : {Kind::papers, Kind::hub, Kind::chain, Kind::dense}) {
+        one->Arg(static_cast<std::int64_t>(kind));
+    }
+}
+
+BENCHMARK(Reading)->Apply(Every_network);
+BENCHMARK(Converting_links)->Apply(Every_network);
+BENCHMARK(Clique_search)->Apply(Every_network);
+BENCHMARK(Overlap_setup)->Apply(Every_network);
+BENCHMARK(Overlap_partners)->Apply(Every_network);
+BENCHMARK(Percolating_all_k)->Apply(Every_network);
+BENCHMARK(Links_of_communities)->Apply(Every_network);
+BENCHMARK(Walking_the_community_graph)->Apply(Every_network);
+BENCHMARK(Making_link_lines)->Apply(Every_network);
+BENCHMARK(Writing_cliques)->Apply(Every_network);
+BENCHMARK(Writing_communities)->Apply(Every_network);
+BENCHMARK(Writing_the_community_graph)->Apply(Every_network);
+
+} // namespace
