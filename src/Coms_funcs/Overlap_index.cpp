@@ -18,46 +18,42 @@ namespace cpm {
 namespace {
 
 using Overlap_index_sub::Card;
+using Overlap_index_sub::Signature;
 
 constexpr std::uint32_t mask_bits = 64;
-constexpr std::uint64_t size_mask = 0xFF;
 
 // Claimed cliques are cleared out of a list each time it has been walked this often: asking of each
 // entry whether it is claimed would cost a cache miss, and most are ruled out at first sight.
 constexpr unsigned walks_between_clearings = 8;
 
-// Writes the places of the entries that can be partners of the clique with the bits `signature`, of
-// which a partner holds one of `needed`; returns how many.
-PLEXOR_COUNTS_BITS
-std::size_t Promising(std::uint64_t const* glances, std::size_t count, std::uint64_t signature,
-                      std::uint64_t needed, std::uint64_t least_shared, std::uint32_t* places) {
-    std::uint64_t const foreign = ~signature & ~size_mask;
-    std::size_t found = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        std::uint64_t const glance = glances[i];
-        // Nodes that the bits tell apart are different: a lower bound of those not shared.
-        auto const missing = static_cast<std::uint64_t>(std::popcount(glance & foreign));
-        std::uint64_t const size = glance & size_mask;
-        bool const unknown = size == size_mask;
-        places[found] = static_cast<std::uint32_t>(i);
-        found += static_cast<std::size_t>(
-            unknown | ((missing + least_shared <= size) & ((glance & needed) != 0)));
+Signature Signature_of(Node_set nodes) {
+    Signature signature{};
+    for (Node const node : nodes) {
+        std::uint64_t const bit = std::uint64_t{node * 0x85EBCA77U} * (signature.size() * 64) >> 32;
+        signature[bit / 64] |= std::uint64_t{1} << (bit % 64);
     }
-    return found;
+    return signature;
+}
+
+// Nodes that the bits tell apart are different: a lower bound of the nodes that `in` lacks.
+inline std::uint64_t Missing(Signature const& of, Signature const& in) {
+    int missing = 0;
+    for (std::size_t w = 0; w < of.size(); ++w) {
+        missing += std::popcount(of[w] & ~in[w]);
+    }
+    return static_cast<std::uint64_t>(missing);
 }
 
 // Keeps those of the cliques that can share `least_shared` nodes with the one of this signature,
 // and fetches the nodes of these; returns how many are kept.
 PLEXOR_COUNTS_BITS
 std::size_t Keep_possible(Clique_number* cliques, std::size_t count, Card const* cards,
-                          Node const* nodes, std::uint64_t signature, std::uint64_t least_shared) {
+                          Node const* nodes, Signature const& asker, std::uint64_t least_shared) {
     std::size_t kept = 0;
     for (std::size_t i = 0; i < count; ++i) {
         Card const* const card = cards + cliques[i];
-        auto const missing =
-            static_cast<std::uint64_t>(std::popcount(card->signature & ~signature));
         std::uint64_t const size = card[1].begin - card->begin;
-        if (missing + least_shared <= size) {
+        if (Missing(card->signature, asker) + least_shared <= size) {
             __builtin_prefetch(nodes + card->begin);
             cliques[kept++] = cliques[i];
         }
@@ -89,10 +85,7 @@ void Overlap_index::Rank_nodes() {
     cards_.Reserve(cliques_.size() + 1);
     std::uint64_t begin = 0;
     for (std::size_t c = 0; c < cliques_.size(); ++c) {
-        Card card{0, begin};
-        for (Node const node : cliques_[c]) {
-            card.signature |= Card_bit(node);
-        }
+        Card const card{Signature_of(cliques_[c]), begin};
         cards_.push_back(card);
         begin += cliques_[c].size();
         std::sort(ranked_.begin() + card.begin, ranked_.begin() + begin, [&](Node a, Node b) {
@@ -101,27 +94,7 @@ void Overlap_index::Rank_nodes() {
             return of_a != of_b ? of_a < of_b : a < b;
         });
     }
-    cards_.push_back({0, begin});
-}
-
-std::uint64_t Overlap_index::Card_bit(Node node) {
-    return std::uint64_t{1} << (node * 0x85EBCA77U >> 26);
-}
-
-std::uint64_t Overlap_index::Glance_bit(Node node) {
-    constexpr std::uint64_t bits_left = 56;
-    return std::uint64_t{1} << (8 + (std::uint64_t{node * 0x9E3779B1U} * bits_left >> 32));
-}
-
-Overlap_index::Glance Overlap_index::First_sight(std::span<Node const> nodes) {
-    if (nodes.size() >= size_mask) {
-        return size_mask;
-    }
-    Glance glance = nodes.size();
-    for (Node const node : nodes) {
-        glance |= Glance_bit(node);
-    }
-    return glance;
+    cards_.push_back({{}, begin});
 }
 
 void Overlap_index::Start_level(std::uint32_t least_shared, std::uint32_t least_size) {
@@ -167,20 +140,13 @@ void Overlap_index::List_clique(Clique_number clique, std::uint32_t from, std::u
     }
 }
 
-// What one clique asks of the lists of its nodes.
-struct Overlap_index::Question {
-    std::uint64_t signature; ///< the bits of its nodes
-    std::uint64_t needed;    ///< the bits of those of which a partner holds one
-};
-
-void Overlap_index::Ask_list(Question const& question, Node node) {
+void Overlap_index::Ask_list(Glance_question const& question, Node node) {
     if (++asked_[node] % walks_between_clearings == 0) {
         Drop_claimed(node);
     }
-    hits_.resize(std::max<std::size_t>(hits_.size(), live_[node]));
+    hits_.resize(std::max<std::size_t>(hits_.size(), live_[node] + glance_walk_slack));
     std::size_t const hits =
-        Promising(glances_.data() + begins_[node], live_[node], question.signature, question.needed,
-                  least_shared_, hits_.data());
+        walk_(glances_.data() + begins_[node], live_[node], question, hits_.data());
     // From the back, as dropping an entry puts the last one into its place.
     for (std::size_t i = hits; i > 0; --i) {
         Clique_number const clique = listed_[begins_[node] + hits_[i - 1]];
@@ -239,9 +205,9 @@ void Overlap_index::Drop_claimed(Node node) {
 }
 
 // The bits of the clique's new nodes that an unclaimed clique holds, none if there are no such.
-std::uint64_t Overlap_index::Needed(Partner const& from) const {
+Glance Overlap_index::Needed(Partner const& from) const {
     std::span<Node const> const nodes = Ranked(from.clique);
-    std::uint64_t needed = 0;
+    Glance needed = 0;
     auto const consider = [&](Node node) {
         if (holding_live_[node] > 0) {
             needed |= Glance_bit(node);
@@ -261,15 +227,11 @@ void Overlap_index::Claim_partners(Partner const& from, std::vector<Partner>& pa
     std::span<Node const> const nodes = Ranked(from.clique);
     // A partner holds one of the new nodes: if no unclaimed clique does, there is none. This spares
     // most of the scans at small k.
-    std::uint64_t const needed = Needed(from);
+    Glance const needed = Needed(from);
     if (needed == 0) {
         return;
     }
-    std::uint64_t signature = 0;
-    for (Node const node : nodes) {
-        signature |= Glance_bit(node);
-    }
-    Question const question{signature, needed};
+    Glance_question const question{Glance_bits(nodes), needed, least_shared_};
     for (Node const node : nodes) {
         mark_[node] = 1;
     }

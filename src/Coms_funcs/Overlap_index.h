@@ -11,8 +11,10 @@
 #ifndef PLEXOR_OVERLAP_INDEX_H
 #define PLEXOR_OVERLAP_INDEX_H
 
+#include "Coms_funcs/Glances.h"
 #include "Types.h"
 
+#include <array>
 #include <vector>
 
 namespace cpm {
@@ -27,10 +29,13 @@ struct Partner {
 
 namespace Overlap_index_sub {
 
-/// What is known of a clique without its nodes.
+/// A bit for each node of a set; several nodes may share one.
+using Signature = std::array<std::uint64_t, 3>;
+
+/// What is known of a clique without its nodes; half a cache line.
 struct Card {
-    std::uint64_t signature = 0; ///< a bit for each node; several may share one
-    std::uint64_t begin = 0;     ///< its first node among those of all cliques, one after the other
+    Signature signature{};
+    std::uint64_t begin = 0; ///< its first node among those of all cliques, one after the other
 };
 
 } // namespace Overlap_index_sub
@@ -68,24 +73,16 @@ public:
     }
 
 private:
-    // What a list tells of a clique at first sight: its size in the low byte, and above it a bit
-    // for each of its nodes (several may share one). A clique too large for the byte has 255 there
-    // and no bits, which rules nothing out.
-    using Glance = std::uint64_t;
-    struct Question;
-
     void Rank_nodes();
     void List_clique(Clique_number clique, std::uint32_t from, std::uint32_t to);
-    static std::uint64_t Glance_bit(Node node);
-    static std::uint64_t Card_bit(Node node);
-    static Glance First_sight(std::span<Node const> nodes);
-    void Ask_list(Question const& question, Node node);
-    std::uint64_t Needed(Partner const& from) const;
+    void Ask_list(Glance_question const& question, Node node);
+    Glance Needed(Partner const& from) const;
     void Claim_if_partner(Clique_number clique, std::vector<Partner>& partners);
     void Drop(Node node, std::uint32_t place);
     void Drop_claimed(Node node);
 
     Set_list const& cliques_;
+    Glance_walk walk_ = Fastest_glance_walk();
     Flat_array<Node> ranked_;
     Flat_array<Overlap_index_sub::Card> cards_; ///< one more than cliques
     Flat_array<std::uint64_t> begins_;          ///< node -> its list in glances_ and listed_

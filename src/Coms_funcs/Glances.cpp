@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: MIT
+// Takes    a list's glances and what one clique asks of them.
+// Leaves   the places worth a second look.
+// Cost     a glance: about a nanosecond one by one; with AVX-512 what it takes to load it.
+// Tested   Glances_test.cpp (each walk against the definition).
+#include "Coms_funcs/Glances.h"
+
+#include "support/Bit_counting.h"
+
+#include <bit>
+
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
+
+namespace cpm {
+
+Glance Glance_bit(Node node) {
+    constexpr std::uint64_t bits_left = 56;
+    return std::uint64_t{1} << (8 + (std::uint64_t{node * 0x9E3779B1U} * bits_left >> 32));
+}
+
+Glance Glance_bits(Node_set nodes) {
+    Glance bits = 0;
+    for (Node const node : nodes) {
+        bits |= Glance_bit(node);
+    }
+    return bits;
+}
+
+Glance First_sight(Node_set nodes) {
+    return nodes.size() >= glance_size_mask ? glance_size_mask : nodes.size() | Glance_bits(nodes);
+}
+
+namespace {
+
+// Nodes that the bits tell apart are different: the bits that the asker lacks are a lower bound of
+// the nodes not shared.
+inline bool Is_promising(Glance glance, Glance_question const& question) {
+    auto const missing =
+        static_cast<std::uint64_t>(std::popcount(glance & ~question.bits & ~glance_size_mask));
+    std::uint64_t const size = glance & glance_size_mask;
+    bool const unknown = size == glance_size_mask;
+    return unknown |
+           ((missing + question.least_shared <= size) & ((glance & question.needed) != 0));
+}
+
+// Without a branch a glance: which ones are promising cannot be foretold.
+PLEXOR_COUNTS_BITS
+std::size_t Walk_one_by_one(Glance const* glances, std::size_t count,
+                            Glance_question const& question, std::uint32_t* places) {
+    std::size_t found = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        places[found] = static_cast<std::uint32_t>(i);
+        found += static_cast<std::size_t>(Is_promising(glances[i], question));
+    }
+    return found;
+}
+
+#if defined(__x86_64__)
+
+__attribute__((target("avx2"))) inline __m256i Four_times(Glance word) {
+    return _mm256_set1_epi64x(static_cast<long long>(word));
+}
+
+// The number of set bits of each of the four words.
+__attribute__((target("avx2"))) inline __m256i Count_bits(__m256i words) {
+    __m256i const of_four_bits = _mm256_setr_epi8(0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4, 0,
+                                                  1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4);
+    __m256i const low_half = _mm256_set1_epi8(0x0F);
+    __m256i const low = _mm256_and_si256(words, low_half);
+    __m256i const high = _mm256_and_si256(_mm256_srli_epi16(words, 4), low_half);
+    __m256i const of_bytes = _mm256_add_epi8(_mm256_shuffle_epi8(of_four_bits, low),
+                                             _mm256_shuffle_epi8(of_four_bits, high));
+    return _mm256_sad_epu8(of_bytes, _mm256_setzero_si256());
+}
+
+__attribute__((target("avx2"))) std::size_t Walk_by_fours(Glance const* glances, std::size_t count,
+                                                          Glance_question const& question,
+                                                          std::uint32_t* places) {
+    __m256i const foreign = Four_times(~question.bits & ~glance_size_mask);
+    __m256i const needed = Four_times(question.needed);
+    __m256i const least_shared = Four_times(question.least_shared);
+    __m256i const size_mask = Four_times(glance_size_mask);
+    std::size_t found = 0;
+    std::size_t i = 0;
+    for (; i + 4 <= count; i += 4) {
+        __m256i const four = _mm256_loadu_si256(reinterpret_cast<__m256i const*>(glances + i));
+        __m256i const missing = Count_bits(_mm256_and_si256(four, foreign));
+        __m256i const size = _mm256_and_si256(four, size_mask);
+        __m256i const unknown = _mm256_cmpeq_epi64(size, size_mask);
+        __m256i const too_few = _mm256_cmpgt_epi64(_mm256_add_epi64(missing, least_shared), size);
+        __m256i const unneeded =
+            _mm256_cmpeq_epi64(_mm256_and_si256(four, needed), _mm256_setzero_si256());
+        __m256i const out = _mm256_andnot_si256(unknown, _mm256_or_si256(too_few, unneeded));
+        auto rest = static_cast<unsigned>(_mm256_movemask_pd(_mm256_castsi256_pd(out))) ^ 0xFU;
+        for (; rest != 0; rest &= rest - 1) {
+            places[found++] =
+                static_cast<std::uint32_t>(i) + static_cast<std::uint32_t>(std::countr_zero(rest));
+        }
+    }
+    for (; i < count; ++i) {
+        places[found] = static_cast<std::uint32_t>(i);
+        found += static_cast<std::size_t>(Is_promising(glances[i], question));
+    }
+    return found;
+}
+
+__attribute__((target("avx512f"))) inline __m512i Eight_times(Glance word) {
+    return _mm512_set1_epi64(static_cast<long long>(word));
+}
+
+__attribute__((target("avx512f,avx512vl,avx512vpopcntdq,popcnt"))) std::size_t
+Walk_by_eights(Glance const* glances, std::size_t count, Glance_question const& question,
+               std::uint32_t* places) {
+    __m512i const foreign = Eight_times(~question.bits & ~glance_size_mask);
+    __m512i const needed = Eight_times(question.needed);
+    __m512i const least_shared = Eight_times(question.least_shared);
+    __m512i const size_mask = Eight_times(glance_size_mask);
+    __m256i const step = _mm256_set1_epi32(8);
+    __m256i here = _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7);
+    std::size_t found = 0;
+    for (std::size_t i = 0; i < count; i += 8) {
+        std::size_t const left = count - i;
+        auto const in_list = static_cast<__mmask8>(left >= 8 ? 0xFFU : (1U << left) - 1);
+        __m512i const eight = _mm512_maskz_loadu_epi64(in_list, glances + i);
+        __m512i const missing = _mm512_popcnt_epi64(_mm512_and_si512(eight, foreign));
+        __m512i const size = _mm512_and_si512(eight, size_mask);
+        unsigned const unknown = _mm512_cmpeq_epi64_mask(size, size_mask);
+        unsigned const enough =
+            _mm512_cmple_epu64_mask(_mm512_add_epi64(missing, least_shared), size);
+        unsigned const has_needed = _mm512_test_epi64_mask(eight, needed);
+        unsigned const promising = (unknown | (enough & has_needed)) & in_list;
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(places + found),
+                            _mm256_maskz_compress_epi32(static_cast<__mmask8>(promising), here));
+        here = _mm256_add_epi32(here, step);
+        found += static_cast<std::size_t>(std::popcount(promising));
+    }
+    return found;
+}
+
+#endif
+
+} // namespace
+
+std::vector<Glance_walk> Glance_walks() {
+    std::vector<Glance_walk> walks{Walk_one_by_one};
+#if defined(__x86_64__)
+    if (__builtin_cpu_supports("avx2")) {
+        walks.push_back(Walk_by_fours);
+    }
+    if (__builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512vpopcntdq") &&
+        __builtin_cpu_supports("popcnt")) {
+        walks.push_back(Walk_by_eights);
+    }
+#endif
+    return walks;
+}
+
+Glance_walk Fastest_glance_walk() {
+    return Glance_walks().back();
+}
+
+} // namespace cpm
