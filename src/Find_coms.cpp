@@ -9,6 +9,8 @@
 #include "Plexor_io/Kiir_stats.h"
 #include "support/My_int2string.h"
 
+#include <utility>
+
 namespace cpm {
 
 namespace Coms_report_sub {
@@ -33,19 +35,21 @@ void Report_com_export(std::uint32_t k, std::uint32_t kmax, Text_sink& sink) {
 
 } // namespace Coms_report_sub
 
-Coms_finder::Coms_finder(Coms_input const& input, Console& console)
-    : input_(input), console_(console),
-      pairs_(input.links, input.n_nodes, input.found.cliques, input.found.n_exact),
-      link_lines_(pairs_, input.links, input.names) {
-    Found_cliques const& found = input.found;
-    if (input.run.intensity) {
+Coms_finder::Coms_finder(Coms_input input, Console& console)
+    : input_(std::move(input)), console_(console),
+      pairs_(input_.links, input_.n_nodes, input_.found.cliques, input_.found.n_exact),
+      link_lines_(pairs_, input_.links, input_.names) {
+    Found_cliques const& found = input_.found;
+    if (input_.run.intensity) {
         return;
     }
+    // From here on only numbers of pairs are dealt with.
+    input_.links = Index_links();
     if (found.before_merge) {
         stale_ = std::make_unique<Stale_overlaps>(*found.before_merge, found.cliques, found.n_exact,
-                                                  input.n_nodes);
+                                                  input_.n_nodes);
     }
-    percolation_ = std::make_unique<Percolation>(found.cliques, found.n_exact, input.n_nodes,
+    percolation_ = std::make_unique<Percolation>(found.cliques, found.n_exact, input_.n_nodes,
                                                  pairs_, found.nested, stale_.get());
 }
 

@@ -20,11 +20,11 @@
 
 namespace cpm {
 
-/// What the communities of every k are made from. All of it stays as it is and must outlive its
-/// use.
+/// What the communities of every k are made from. What is referred to stays as it is and must
+/// outlive its use.
 struct Coms_input {
     Found_cliques const& found;
-    Index_links const& links;
+    Index_links links; ///< handed over: they are given up when they are needed no more
     Names_map const& names;
     Node n_nodes;
     std::uint32_t largest_clique;
@@ -35,7 +35,7 @@ struct Coms_input {
 /// before has left in memory; the results do not depend on that.
 class Coms_finder {
 public:
-    Coms_finder(Coms_input const& input, Console& console);
+    Coms_finder(Coms_input input, Console& console);
 
     /// Finds the communities at k and writes their files into the directory "k=<k>" of the output
     /// directory. Throws what the intensity of a k-clique and preparing the directory can throw.

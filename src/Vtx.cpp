@@ -36,7 +36,7 @@ bool Ordered_nodes::Insert_inside(Node node) {
 
 void Ordered_nodes::Insert_all(Node_set nodes) {
     assert(Is_set(nodes));
-    Flat_array<Node> united;
+    Flat_array<Node, std::uint32_t> united;
     united.Resize_uninitialised(nodes_.size() + nodes.size());
     Node const* const end = std::ranges::set_union(nodes_, nodes, united.begin()).out;
     united.Resize_uninitialised(static_cast<std::size_t>(end - united.begin()));
@@ -54,14 +54,15 @@ bool Ordered_nodes::Erase(Node node) {
     return true;
 }
 
-Vtx::Vtx() : name_("0") {}
+Vtx::Vtx() = default;
 
-Vtx::Vtx(Node index) : index_(index), name_(int2string(index)) {}
+Vtx::Vtx(Node index) : index_(index), named_after_(index) {}
 
-Vtx::Vtx(Node index, Node_set neighs) : index_(index), neighs_(neighs), name_(int2string(index)) {}
+Vtx::Vtx(Node index, Node_set neighs) : index_(index), named_after_(index), neighs_(neighs) {}
 
-Vtx::Vtx(Node index, Node_set neighs, std::string const& name)
-    : index_(index), neighs_(neighs), name_(name) {}
+Vtx::Vtx(Node index, Node_set neighs, std::string const& name) : Vtx(index, neighs) {
+    Vtx::Set_name(name);
+}
 
 // A record under construction has the operations of its own class; these are the ones wanted.
 Vtx::Vtx(Vtx const& other) {
@@ -81,15 +82,17 @@ Node_set Vtx::Neighs_c() const {
 }
 
 std::vector<Ordered_nodes> Vtx::Inc_neighs() const {
-    return inc_neighs_;
+    return Inc_neighs_c();
 }
 
 std::vector<Ordered_nodes> const& Vtx::Inc_neighs_c() const {
-    return inc_neighs_;
+    static std::vector<Ordered_nodes> const none;
+    return extras_ == nullptr ? none : extras_->inc_neighs;
 }
 
 std::string Vtx::Name() const {
-    return name_;
+    bool const own = extras_ != nullptr && extras_->name.has_value();
+    return own ? *extras_->name : int2string(named_after_);
 }
 
 void Vtx::Set_index(Node index) {
@@ -101,11 +104,22 @@ void Vtx::Set_neighs(Node_set neighs) {
 }
 
 void Vtx::Set_inc_neighs(std::vector<Ordered_nodes> const& inc_neighs) {
-    inc_neighs_ = inc_neighs;
+    if (!inc_neighs.empty() || extras_ != nullptr) {
+        Made_extras().inc_neighs = inc_neighs;
+    }
 }
 
 void Vtx::Set_name(std::string const& name) {
-    name_ = name;
+    if (name != Name()) {
+        Made_extras().name = name;
+    }
+}
+
+Vtx::Extras& Vtx::Made_extras() {
+    if (extras_ == nullptr) {
+        extras_ = std::make_unique<Extras>();
+    }
+    return *extras_;
 }
 
 void Vtx::Add_neigh(Node neigh) {
@@ -115,16 +129,17 @@ void Vtx::Add_neigh(Node neigh) {
 }
 
 void Vtx::Add_inc_neigh(std::uint32_t vec_ind, Node neigh) {
-    if (vec_ind > inc_neighs_.size()) {
+    if (vec_ind > Inc_neighs_c().size()) {
         throw Xerror_msg("ERROR: Vtx::Add_inc_neigh() : vec_ind too large");
     }
     if (!neighs_.Contains(neigh)) {
         throw Xerror_msg("ERROR: Vtx::Add_inc_neigh() : new ind. neigh. is not a neigh.");
     }
-    if (vec_ind == inc_neighs_.size()) {
-        inc_neighs_.emplace_back();
+    std::vector<Ordered_nodes>& inc_neighs = Made_extras().inc_neighs;
+    if (vec_ind == inc_neighs.size()) {
+        inc_neighs.emplace_back();
     }
-    inc_neighs_[vec_ind].Insert(neigh);
+    inc_neighs[vec_ind].Insert(neigh);
 }
 
 void Vtx::Remove_neigh(Node neigh) {
@@ -135,10 +150,10 @@ void Vtx::Remove_neigh(Node neigh) {
 }
 
 void Vtx::Remove_inc_neigh(std::uint32_t vec_ind, Node neigh) {
-    if (vec_ind >= inc_neighs_.size()) {
+    if (vec_ind >= Inc_neighs_c().size()) {
         throw Xerror_msg("ERROR: Vtx::Remove_inc_neigh() : vec_ind too large");
     }
-    if (!inc_neighs_[vec_ind].Erase(neigh)) {
+    if (!extras_->inc_neighs[vec_ind].Erase(neigh)) {
         throw Xerror_msg(
             "ERROR: Vtx::Remove_inc_neigh() : attempt to remove a non-existing inc. neigh.");
     }
@@ -157,21 +172,25 @@ Vtx& Vtx::operator=(Vtx const& other) {
 
 void Vtx::Set_defaults() {
     index_ = 0;
+    named_after_ = 0;
     neighs_.clear();
-    inc_neighs_.clear();
-    name_.assign(1, '0');
+    extras_.reset();
 }
 
 void Vtx::Copy(Vtx const& other) {
     Set_defaults();
     Set_index(other.Index());
+    named_after_ = other.named_after_;
     Set_neighs(other.Neighs_c());
     Set_inc_neighs(other.Inc_neighs_c());
     Set_name(other.Name());
 }
 
 void Vtx::Remove_from_inc_neighs(Node neigh) {
-    for (Ordered_nodes& inc_set : inc_neighs_) {
+    if (extras_ == nullptr) {
+        return;
+    }
+    for (Ordered_nodes& inc_set : extras_->inc_neighs) {
         inc_set.Erase(neigh);
     }
 }

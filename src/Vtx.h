@@ -7,6 +7,8 @@
 #include "Types.h"
 
 #include <iosfwd>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -47,9 +49,10 @@ public:
 private:
     bool Insert_inside(Node node);
 
-    Flat_array<Node> nodes_;
+    Flat_array<Node, std::uint32_t> nodes_;
 };
 
+/// Networks have millions of these: what few records have is kept apart from them, in `Extras`.
 /// Every set of nodes handed in is ascending without repeats; it may be one of the record's own.
 /// A mutator that throws leaves the record as it was.
 class Vtx {
@@ -103,11 +106,22 @@ protected:
     void Remove_from_inc_neighs(Node neigh);
 
     Node index_ = 0;
+
+private:
+    struct Extras {
+        std::vector<Ordered_nodes> inc_neighs;
+        std::optional<std::string> name; ///< none: the decimal text of named_after_
+    };
+
+    Extras& Made_extras();
+
+    Node named_after_ = 0;
+
+protected:
     Ordered_nodes neighs_;
 
 private:
-    std::vector<Ordered_nodes> inc_neighs_;
-    std::string name_;
+    std::unique_ptr<Extras> extras_; ///< null: no inc sets, no name of its own
 };
 
 // Text for debugging; no result file is written with these. A set is written by

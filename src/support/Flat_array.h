@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <new>
 #include <span>
 #include <type_traits>
@@ -16,7 +17,8 @@
 
 namespace cpm {
 
-template <class T> class Flat_array {
+/// `Size` counts the values: a smaller one for short arrays that there are many of.
+template <class T, class Size = std::size_t> class Flat_array {
     static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T>);
 
 public:
@@ -68,11 +70,11 @@ public:
         if (values.empty()) {
             return;
         }
-        if (capacity_ - size_ < values.size()) {
+        if (std::size_t{capacity_} - size_ < values.size()) {
             Grow(size_ + values.size());
         }
         std::memcpy(static_cast<void*>(data_ + size_), values.data(), values.size_bytes());
-        size_ += values.size();
+        size_ += static_cast<Size>(values.size());
     }
     /// Makes room for `capacity` values in all, and not more.
     void Reserve(std::size_t capacity) {
@@ -91,7 +93,7 @@ public:
     /// Sets the size; the values behind the old size are whatever the memory holds.
     void Resize_uninitialised(std::size_t size) {
         Reserve(size);
-        size_ = size;
+        size_ = static_cast<Size>(size);
     }
     /// Gives the memory back, or all but what the values need.
     void Release() { Flat_array().Swap(*this); }
@@ -110,11 +112,12 @@ public:
 
 private:
     void Grow(std::size_t least) {
-        std::size_t const generous = capacity_ + capacity_ / 2 + 8;
+        std::size_t const generous = std::size_t{capacity_} + capacity_ / 2 + 8;
         Reallocate(generous > least ? generous : least);
     }
     void Reallocate(std::size_t capacity) {
-        if (capacity > static_cast<std::size_t>(-1) / 2 / sizeof(T)) {
+        if (capacity > static_cast<std::size_t>(-1) / 2 / sizeof(T) ||
+            capacity > std::numeric_limits<Size>::max()) {
             throw std::bad_alloc();
         }
         void* moved = nullptr;
@@ -127,12 +130,12 @@ private:
             handler();
         }
         data_ = static_cast<T*>(moved);
-        capacity_ = capacity;
+        capacity_ = static_cast<Size>(capacity);
     }
 
     T* data_ = nullptr;
-    std::size_t size_ = 0;
-    std::size_t capacity_ = 0;
+    Size size_ = 0;
+    Size capacity_ = 0;
 };
 
 } // namespace cpm
