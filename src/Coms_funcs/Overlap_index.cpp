@@ -3,8 +3,10 @@
 // Leaves   the unclaimed partners of one clique after the other, each claimed once a level.
 // Order    partners ascending. The order inside the lists is of no account: it changes as claimed
 //          cliques are moved behind the live ones.
-// Cost     24 bytes a clique member. A level: one entry a clique, then the live entries of the
-//          rarest nodes of each clique that is asked for.
+// Cost     16 bytes a clique member (its rank, and 12 for a place in a list), up to 6 more for
+//          sliced lists, 32 bytes a clique. A level: one entry a clique, then the lists of the
+//          rarest nodes of each clique that is asked for: a glance an entry, or a few bits where a
+//          list is long.
 // Tested   Overlap_index_test.cpp (against all pairs), the runs against the plain model.
 #include "Coms_funcs/Overlap_index.h"
 
@@ -22,9 +24,11 @@ using Overlap_index_sub::Signature;
 
 constexpr std::uint32_t mask_bits = 64;
 
-// Claimed cliques are cleared out of a list each time it has been walked this often: asking of each
-// entry whether it is claimed would cost a cache miss, and most are ruled out at first sight.
-constexpr unsigned walks_between_clearings = 8;
+// Slicing a list costs as much as a few dozen walks, and pays for long lists.
+constexpr std::uint32_t worth_slicing = 512;
+constexpr std::uint8_t walks_before_slicing = 32;
+constexpr std::uint64_t sliced_bytes_a_member = 6;
+constexpr std::uint64_t sliced_bytes_at_least = std::uint64_t{1} << 20;
 
 Signature Signature_of(Node_set nodes) {
     Signature signature{};
@@ -64,8 +68,9 @@ std::size_t Keep_possible(Clique_number* cliques, std::size_t count, Card const*
 } // namespace
 
 Overlap_index::Overlap_index(Set_list const& cliques, Node n_nodes)
-    : cliques_(cliques), active_(n_nodes + 1, 0), asked_(n_nodes + 1, 0), holding_(n_nodes + 1, 0),
-      claimed_(cliques.size() / 64 + 1, 0), mark_(n_nodes + 1, 0) {
+    : cliques_(cliques), active_(n_nodes + 1, 0), asked_(n_nodes + 1, 0), class_(n_nodes + 1, 0),
+      sliced_(cliques.Total() * sliced_bytes_a_member + sliced_bytes_at_least, n_nodes + 1),
+      holding_(n_nodes + 1, 0), claimed_(cliques.size() / 64 + 1, 0), mark_(n_nodes + 1, 0) {
     Flat_array<std::uint64_t> count(n_nodes + 2, 0);
     for (Node const node : cliques.Flat()) {
         ++count[node + 1];
@@ -77,6 +82,23 @@ Overlap_index::Overlap_index(Set_list const& cliques, Node n_nodes)
     glances_.Resize_uninitialised(cliques.Total());
     listed_.Resize_uninitialised(cliques.Total());
     Rank_nodes();
+    Class_nodes();
+}
+
+// Nodes that occur together should be of different classes. The last cliques are those of the nodes
+// with most neighbours, where the most cliques overlap: numbered as they occur from there, the
+// nodes of one dense region get numbers in a row.
+void Overlap_index::Class_nodes() {
+    Flat_array<std::uint8_t> numbered(class_.size(), 0);
+    std::size_t next = 0;
+    for (std::size_t c = cliques_.size(); c-- > 0;) {
+        for (Node const node : cliques_[c]) {
+            if (numbered[node] == 0) {
+                numbered[node] = 1;
+                class_[node] = static_cast<Node_class>(next++ % Sliced_list::n_classes);
+            }
+        }
+    }
 }
 
 void Overlap_index::Rank_nodes() {
@@ -122,6 +144,9 @@ void Overlap_index::Start_level(std::uint32_t least_shared, std::uint32_t least_
     least_shared_ = least_shared;
     least_size_ = least_size;
     live_ = active_;
+    unclaimed_ = active_;
+    std::fill(asked_.begin(), asked_.end(), 0);
+    sliced_.Give_up_all();
     holding_live_ = holding_;
     std::fill(claimed_.begin(), claimed_.end(), 0);
 }
@@ -140,13 +165,36 @@ void Overlap_index::List_clique(Clique_number clique, std::uint32_t from, std::u
     }
 }
 
-void Overlap_index::Ask_list(Glance_question const& question, Node node) {
-    if (++asked_[node] % walks_between_clearings == 0) {
-        Drop_claimed(node);
+// Asks the list of the n-th rarest node of the clique that asks.
+void Overlap_index::Ask_list(std::size_t n) {
+    Node const node = question_.nodes[n];
+    if (unclaimed_[node] == 0) {
+        return;
     }
+    Sliced_list* sliced = sliced_.Find(node);
+    // Rarely enough that looking at each clique of the list does not weigh.
+    if (unclaimed_[node] <= live_[node] / 4 * (sliced != nullptr ? 2 : 3)) {
+        Drop_claimed(node);
+        sliced = sliced != nullptr ? Slice(node) : nullptr;
+    }
+    if (sliced == nullptr && live_[node] >= worth_slicing) {
+        if (asked_[node] < walks_before_slicing) {
+            ++asked_[node];
+        } else {
+            sliced = Slice(node);
+        }
+    }
+    if (sliced != nullptr) {
+        Ask_sliced(*sliced, n);
+    } else {
+        Ask_glances(node);
+    }
+}
+
+void Overlap_index::Ask_glances(Node node) {
     hits_.resize(std::max<std::size_t>(hits_.size(), live_[node] + glance_walk_slack));
     std::size_t const hits =
-        walk_(glances_.data() + begins_[node], live_[node], question, hits_.data());
+        walk_(glances_.data() + begins_[node], live_[node], question_.of_glances, hits_.data());
     // From the back, as dropping an entry puts the last one into its place.
     for (std::size_t i = hits; i > 0; --i) {
         Clique_number const clique = listed_[begins_[node] + hits_[i - 1]];
@@ -157,6 +205,53 @@ void Overlap_index::Ask_list(Glance_question const& question, Node node) {
             candidates_.push_back(clique);
         }
     }
+}
+
+// A partner is looked for at the rarest node that it shares alone: here those that lack the n nodes
+// before this one.
+void Overlap_index::Ask_sliced(Sliced_list& list, std::size_t n) {
+    if (question_.classes.empty()) {
+        for (Node const node : question_.nodes) {
+            question_.classes.push_back(class_[node]);
+        }
+    }
+    std::span<Node_class const> const classes = question_.classes;
+    Node const node = question_.nodes[n];
+    auto const most_lacking =
+        static_cast<std::uint32_t>(question_.nodes.size() - least_shared_ - n);
+    hits_.clear();
+    list.Walk({classes.subspan(n + 1), question_.needed, most_lacking}, hits_);
+    for (std::uint32_t const hit : hits_) {
+        Clique_number const clique = listed_[begins_[node] + hit];
+        if (Is_claimed(clique)) {
+            list.Close(hit);
+        } else {
+            __builtin_prefetch(&cards_[clique]);
+            candidates_.push_back(clique);
+        }
+    }
+}
+
+// Null when there is no room: then all lists make room, and those asked often come back.
+Sliced_list* Overlap_index::Slice(Node node) {
+    Sliced_list* const list = sliced_.Begin(node, live_[node]);
+    if (list == nullptr) {
+        sliced_.Give_up_all();
+        std::fill(asked_.begin(), asked_.end(), 0);
+        return nullptr;
+    }
+    Clique_number const* const cliques = listed_.data() + begins_[node];
+    constexpr std::uint32_t ahead = 8;
+    for (std::uint32_t i = 0; i < live_[node]; ++i) {
+        if (i + 2 * ahead < live_[node]) {
+            Prefetch_card(cliques[i + 2 * ahead]);
+            Prefetch_nodes(cliques[i + ahead]);
+        }
+        for (Node const member : Ranked(cliques[i])) {
+            list->Add(i, class_[member]);
+        }
+    }
+    return list;
 }
 
 void Overlap_index::Claim_if_partner(Clique_number clique, std::vector<Partner>& partners) {
@@ -186,6 +281,9 @@ void Overlap_index::Claim_if_partner(Clique_number clique, std::vector<Partner>&
     for (Node const node : nodes) {
         --holding_live_[node];
     }
+    for (std::uint32_t n = 0; n + least_shared_ <= size; ++n) {
+        --unclaimed_[nodes[n]];
+    }
     partners.push_back({clique, new_nodes});
 }
 
@@ -204,41 +302,45 @@ void Overlap_index::Drop_claimed(Node node) {
     }
 }
 
-// The bits of the clique's new nodes that an unclaimed clique holds, none if there are no such.
-Glance Overlap_index::Needed(Partner const& from) const {
-    std::span<Node const> const nodes = Ranked(from.clique);
+// Sets up what the clique asks. False when no unclaimed clique holds one of its new nodes: then it
+// has no partner. This spares most of the walks at small k.
+bool Overlap_index::Ask(Partner const& from) {
+    question_.nodes = Ranked(from.clique);
     Glance needed = 0;
+    question_.needed.clear();
     auto const consider = [&](Node node) {
         if (holding_live_[node] > 0) {
             needed |= Glance_bit(node);
+            question_.needed.push_back(class_[node]);
         }
     };
     if (from.new_nodes == all_new) {
-        std::for_each(nodes.begin(), nodes.end(), consider);
+        std::ranges::for_each(question_.nodes, consider);
     } else {
         for (std::uint64_t rest = from.new_nodes; rest != 0; rest &= rest - 1) {
-            consider(nodes[static_cast<std::size_t>(std::countr_zero(rest))]);
+            consider(question_.nodes[static_cast<std::size_t>(std::countr_zero(rest))]);
         }
     }
-    return needed;
+    if (needed == 0) {
+        return false;
+    }
+    question_.of_glances = {Glance_bits(question_.nodes), needed, least_shared_};
+    question_.classes.clear();
+    return true;
 }
 
 void Overlap_index::Claim_partners(Partner const& from, std::vector<Partner>& partners) {
-    std::span<Node const> const nodes = Ranked(from.clique);
-    // A partner holds one of the new nodes: if no unclaimed clique does, there is none. This spares
-    // most of the scans at small k.
-    Glance const needed = Needed(from);
-    if (needed == 0) {
+    if (!Ask(from)) {
         return;
     }
-    Glance_question const question{Glance_bits(nodes), needed, least_shared_};
+    std::span<Node const> const nodes = question_.nodes;
     for (Node const node : nodes) {
         mark_[node] = 1;
     }
     // Everything that is looked at closely is asked for first: the cache misses overlap.
     candidates_.clear();
     for (std::size_t n = 0; n + least_shared_ <= nodes.size(); ++n) {
-        Ask_list(question, nodes[n]);
+        Ask_list(n);
     }
     candidates_.resize(Keep_possible(candidates_.data(), candidates_.size(), cards_.data(),
                                      ranked_.data(), cards_[from.clique].signature, least_shared_));

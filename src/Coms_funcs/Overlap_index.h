@@ -8,10 +8,14 @@
 // |B|-t+1 of B: the rarest shared node has t-1 others behind it in both. So it is enough to keep,
 // for each node, the cliques that hold it that early, and hubs drop out of the work. Going to a
 // smaller t each clique's part grows by the next node: lists only grow from level to level.
+//
+// A list is walked glance by glance (see Glances.h) or, when it is long and asked often, in slices
+// (see Sliced_lists.h).
 #ifndef PLEXOR_OVERLAP_INDEX_H
 #define PLEXOR_OVERLAP_INDEX_H
 
 #include "Coms_funcs/Glances.h"
+#include "Coms_funcs/Sliced_lists.h"
 #include "Types.h"
 
 #include <array>
@@ -73,10 +77,22 @@ public:
     }
 
 private:
+    // What one clique asks of the lists of its nodes.
+    struct Question {
+        std::span<Node const> nodes; ///< its own, rarest first
+        Glance_question of_glances;
+        std::vector<Node_class> classes; ///< of its nodes, in the same order
+        std::vector<Node_class> needed;  ///< classes of which a partner has a node
+    };
+
     void Rank_nodes();
+    void Class_nodes();
     void List_clique(Clique_number clique, std::uint32_t from, std::uint32_t to);
-    void Ask_list(Glance_question const& question, Node node);
-    Glance Needed(Partner const& from) const;
+    void Ask_list(std::size_t n);
+    void Ask_glances(Node node);
+    void Ask_sliced(Sliced_list& list, std::size_t n);
+    Sliced_list* Slice(Node node);
+    bool Ask(Partner const& from);
     void Claim_if_partner(Clique_number clique, std::vector<Partner>& partners);
     void Drop(Node node, std::uint32_t place);
     void Drop_claimed(Node node);
@@ -88,13 +104,17 @@ private:
     Flat_array<std::uint64_t> begins_;          ///< node -> its list in glances_ and listed_
     Flat_array<Glance> glances_;
     Flat_array<Clique_number> listed_;
-    Flat_array<std::uint32_t> active_;       ///< node -> length of its list at this level
-    Flat_array<std::uint32_t> live_;         ///< node -> length without claimed ones moved back
-    Flat_array<std::uint8_t> asked_;         ///< node -> how often its list was walked, modulo 256
+    Flat_array<std::uint32_t> active_;    ///< node -> length of its list at this level
+    Flat_array<std::uint32_t> live_;      ///< node -> length without claimed ones moved back
+    Flat_array<std::uint32_t> unclaimed_; ///< node -> how many of these are not claimed
+    Flat_array<std::uint8_t> asked_;      ///< node -> how often its list was walked, up to a limit
+    Flat_array<Node_class> class_;        ///< node -> its class in sliced lists
+    Sliced_lists sliced_;
     Flat_array<std::uint32_t> holding_;      ///< node -> cliques in play that hold it
     Flat_array<std::uint32_t> holding_live_; ///< ... that are not claimed
     Flat_array<std::uint64_t> claimed_;      ///< a bit a clique
     Flat_array<std::uint8_t> mark_;          ///< node -> 1 while it belongs to the clique asked for
+    Question question_;                      ///< what is asked at the moment
     std::vector<std::uint32_t> hits_;        ///< places in a list worth a second look
     std::vector<Clique_number> candidates_;  ///< unclaimed cliques worth a close look
     std::uint32_t least_shared_ = 0;         ///< 0: no level started

@@ -8,7 +8,7 @@
 namespace cpm::test {
 namespace {
 
-TEST(Glance, HoldsTheSizeAndABitForEachNode) {
+TEST(Glance, Holds_the_size_and_a_bit_for_each_node) {
     std::vector<Node> const nodes{3, 8, 21};
     Glance const glance = First_sight(nodes);
     EXPECT_EQ(glance & glance_size_mask, 3U);
@@ -20,7 +20,7 @@ TEST(Glance, HoldsTheSizeAndABitForEachNode) {
     }
 }
 
-TEST(Glance, TellsNothingOfACliqueOf255NodesOrMore) {
+TEST(Glance, Tells_nothing_of_a_clique_of_255_nodes_or_more) {
     std::vector<Node> nodes(254);
     for (std::size_t i = 0; i < nodes.size(); ++i) {
         nodes[i] = static_cast<Node>(i + 1);
@@ -30,7 +30,7 @@ TEST(Glance, TellsNothingOfACliqueOf255NodesOrMore) {
     EXPECT_EQ(First_sight(nodes), glance_size_mask);
 }
 
-TEST(Glance, BitsOfManyNodesAreSpread) {
+TEST(Glance, Bits_of_many_nodes_are_spread) {
     Glance all = 0;
     for (Node node = 1; node <= 1000; ++node) {
         all |= Glance_bit(node);
@@ -57,7 +57,7 @@ std::vector<std::uint32_t> By_definition(std::vector<Glance> const& glances,
     return places;
 }
 
-TEST(GlanceWalk, EachFindsWhatCanBelongToAPartner) {
+TEST(Glance_walk, Each_finds_what_can_belong_to_a_partner) {
     std::mt19937_64 random(20);
     std::size_t n_found = 0;
     std::size_t n_walked = 0;
@@ -86,7 +86,7 @@ TEST(GlanceWalk, EachFindsWhatCanBelongToAPartner) {
     EXPECT_LT(n_found, n_walked * 9 / 10);
 }
 
-TEST(GlanceWalk, TheFastestIsOneOfThem) {
+TEST(Glance_walk, The_fastest_is_one_of_them) {
     std::vector<Glance_walk> const walks = Glance_walks();
     EXPECT_NE(std::ranges::find(walks, Fastest_glance_walk()), walks.end());
 }

@@ -4,7 +4,9 @@
 #include "support/Graph_makers.h"
 
 #include <algorithm>
+#include <bit>
 #include <gtest/gtest.h>
+#include <random>
 
 namespace cpm::test {
 namespace {
@@ -265,6 +267,54 @@ TEST(Overlap_index, A_list_walked_many_times_forgets_claimed_cliques_only) {
         by_pairs.Start_level(least_shared, 3);
         ASSERT_NO_FATAL_FAILURE(Compare_level(index, by_pairs, cliques, random));
     }
+}
+
+// Long lists that are asked again and again, with so few partners that they stay long.
+TEST(Overlap_index, Finds_partners_in_long_lists) {
+    std::mt19937 random(3);
+    constexpr std::size_t n_cliques = 6000;
+    constexpr Node n_nodes = 24;
+    Set_list cliques;
+    std::vector<std::uint32_t> masks;
+    for (std::size_t c = 0; c < n_cliques; ++c) {
+        std::uint32_t mask = 0;
+        auto const size = static_cast<int>(7 + random() % 3);
+        while (std::popcount(mask) < size) {
+            mask |= std::uint32_t{2} << random() % n_nodes;
+        }
+        for (Node node = 1; node <= n_nodes; ++node) {
+            if ((mask >> node & 1) != 0) {
+                cliques.Append(node);
+            }
+        }
+        cliques.Close_list();
+        masks.push_back(mask);
+    }
+    Overlap_index index(cliques, n_nodes);
+    std::size_t n_partners = 0;
+    for (std::uint32_t const least_shared : {7U, 6U}) {
+        index.Start_level(least_shared, least_shared + 1);
+        std::vector<bool> claimed(n_cliques, false);
+        for (Clique_number from = 0; from < n_cliques; ++from) {
+            std::vector<Clique_number> expected;
+            for (Clique_number c = 0; c < n_cliques; ++c) {
+                if (!claimed[c] && std::popcount(masks[c]) > static_cast<int>(least_shared) &&
+                    std::popcount(masks[c] & masks[from]) >= static_cast<int>(least_shared)) {
+                    claimed[c] = true;
+                    expected.push_back(c);
+                }
+            }
+            std::vector<Partner> partners;
+            index.Claim_partners({from, Overlap_index::all_new}, partners);
+            std::vector<Clique_number> found;
+            for (Partner const& partner : partners) {
+                found.push_back(partner.clique);
+            }
+            ASSERT_EQ(found, expected) << "asked by " << from << " at " << least_shared;
+            n_partners += found.size();
+        }
+    }
+    EXPECT_GT(n_partners, n_cliques);
 }
 
 } // namespace
