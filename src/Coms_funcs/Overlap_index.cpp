@@ -3,7 +3,7 @@
 // Leaves   the unclaimed partners of one clique after the other, each claimed once a level.
 // Order    partners ascending. The order inside the lists is of no account: it changes as claimed
 //          cliques are moved behind the live ones.
-// Cost     16 bytes a clique member (its rank, and 12 for a place in a list), up to 6 more for
+// Cost     16 bytes a clique member (its rank, and 12 for a place in a list), up to 10 more for
 //          sliced lists, 32 bytes a clique. A level: one entry a clique, then the lists of the
 //          rarest nodes of each clique that is asked for: a glance an entry, or a few bits where a
 //          list is long.
@@ -19,15 +19,17 @@ namespace cpm {
 
 namespace {
 
+using Overlap_index_sub::Candidate;
 using Overlap_index_sub::Card;
 using Overlap_index_sub::Signature;
 
 constexpr std::uint32_t mask_bits = 64;
+constexpr std::uint8_t last_mark = 255;
 
 // Slicing a list costs as much as a few dozen walks, and pays for long lists.
 constexpr std::uint32_t worth_slicing = 512;
 constexpr std::uint8_t walks_before_slicing = 32;
-constexpr std::uint64_t sliced_bytes_a_member = 6;
+constexpr std::uint64_t sliced_bytes_a_member = 10;
 constexpr std::uint64_t sliced_bytes_at_least = std::uint64_t{1} << 20;
 
 Signature Signature_of(Node_set nodes) {
@@ -51,15 +53,15 @@ inline std::uint64_t Missing(Signature const& of, Signature const& in) {
 // Keeps those of the cliques that can share `least_shared` nodes with the one of this signature,
 // and fetches the nodes of these; returns how many are kept.
 PLEXOR_COUNTS_BITS
-std::size_t Keep_possible(Clique_number* cliques, std::size_t count, Card const* cards,
+std::size_t Keep_possible(Candidate* candidates, std::size_t count, Card const* cards,
                           Node const* nodes, Signature const& asker, std::uint64_t least_shared) {
     std::size_t kept = 0;
     for (std::size_t i = 0; i < count; ++i) {
-        Card const* const card = cards + cliques[i];
+        Card const* const card = cards + candidates[i].clique;
         std::uint64_t const size = card[1].begin - card->begin;
         if (Missing(card->signature, asker) + least_shared <= size) {
             __builtin_prefetch(nodes + card->begin);
-            cliques[kept++] = cliques[i];
+            candidates[kept++] = candidates[i];
         }
     }
     return kept;
@@ -187,11 +189,12 @@ void Overlap_index::Ask_list(std::size_t n) {
     if (sliced != nullptr) {
         Ask_sliced(*sliced, n);
     } else {
-        Ask_glances(node);
+        Ask_glances(n);
     }
 }
 
-void Overlap_index::Ask_glances(Node node) {
+void Overlap_index::Ask_glances(std::size_t n) {
+    Node const node = question_.nodes[n];
     hits_.resize(std::max<std::size_t>(hits_.size(), live_[node] + glance_walk_slack));
     std::size_t const hits =
         walk_(glances_.data() + begins_[node], live_[node], question_.of_glances, hits_.data());
@@ -202,7 +205,7 @@ void Overlap_index::Ask_glances(Node node) {
             Drop(node, hits_[i - 1]);
         } else {
             __builtin_prefetch(&cards_[clique]);
-            candidates_.push_back(clique);
+            candidates_.push_back({clique, static_cast<std::uint32_t>(n)});
         }
     }
 }
@@ -227,7 +230,7 @@ void Overlap_index::Ask_sliced(Sliced_list& list, std::size_t n) {
             list.Close(hit);
         } else {
             __builtin_prefetch(&cards_[clique]);
-            candidates_.push_back(clique);
+            candidates_.push_back({clique, static_cast<std::uint32_t>(n)});
         }
     }
 }
@@ -254,23 +257,30 @@ Sliced_list* Overlap_index::Slice(Node node) {
     return list;
 }
 
-void Overlap_index::Claim_if_partner(Clique_number clique, std::vector<Partner>& partners) {
+void Overlap_index::Claim_if_partner(Candidate const& candidate, std::vector<Partner>& partners) {
+    Clique_number const clique = candidate.clique;
     if (Is_claimed(clique)) {
-        return; // met in several lists
+        return;
     }
     std::span<Node const> const nodes = Ranked(clique);
     auto const size = static_cast<std::uint32_t>(nodes.size());
+    // It was also met, and looked at, in the list of the rarest node shared.
+    std::uint8_t const mark =
+        mark_[*std::ranges::find_if(nodes, [&](Node n) { return mark_[n] != 0; })];
+    if (mark != last_mark && mark <= candidate.n) {
+        return;
+    }
     std::uint32_t shared = 0;
     std::uint64_t new_nodes = 0;
     if (size <= mask_bits) {
         for (std::uint32_t n = 0; n < size; ++n) {
-            std::uint64_t const is_shared = mark_[nodes[n]];
+            std::uint64_t const is_shared = mark_[nodes[n]] != 0 ? 1 : 0;
             shared += static_cast<std::uint32_t>(is_shared);
             new_nodes |= (is_shared ^ 1U) << n;
         }
     } else {
         for (Node const node : nodes) {
-            shared += mark_[node];
+            shared += mark_[node] != 0 ? 1U : 0U;
         }
         new_nodes = all_new;
     }
@@ -334,8 +344,8 @@ void Overlap_index::Claim_partners(Partner const& from, std::vector<Partner>& pa
         return;
     }
     std::span<Node const> const nodes = question_.nodes;
-    for (Node const node : nodes) {
-        mark_[node] = 1;
+    for (std::size_t n = 0; n < nodes.size(); ++n) {
+        mark_[nodes[n]] = static_cast<std::uint8_t>(std::min<std::size_t>(n + 1, last_mark));
     }
     // Everything that is looked at closely is asked for first: the cache misses overlap.
     candidates_.clear();
@@ -345,8 +355,8 @@ void Overlap_index::Claim_partners(Partner const& from, std::vector<Partner>& pa
     candidates_.resize(Keep_possible(candidates_.data(), candidates_.size(), cards_.data(),
                                      ranked_.data(), cards_[from.clique].signature, least_shared_));
     std::size_t const before = partners.size();
-    for (Clique_number const clique : candidates_) {
-        Claim_if_partner(clique, partners);
+    for (Candidate const& candidate : candidates_) {
+        Claim_if_partner(candidate, partners);
     }
     for (Node const node : nodes) {
         mark_[node] = 0;

@@ -42,6 +42,12 @@ struct Card {
     std::uint64_t begin = 0; ///< its first node among those of all cliques, one after the other
 };
 
+/// An unclaimed clique worth a close look.
+struct Candidate {
+    Clique_number clique = 0;
+    std::uint32_t n = 0; ///< met in the list of the n-th rarest node of the clique that asks
+};
+
 } // namespace Overlap_index_sub
 
 class Overlap_index {
@@ -89,11 +95,12 @@ private:
     void Class_nodes();
     void List_clique(Clique_number clique, std::uint32_t from, std::uint32_t to);
     void Ask_list(std::size_t n);
-    void Ask_glances(Node node);
+    void Ask_glances(std::size_t n);
     void Ask_sliced(Sliced_list& list, std::size_t n);
     Sliced_list* Slice(Node node);
     bool Ask(Partner const& from);
-    void Claim_if_partner(Clique_number clique, std::vector<Partner>& partners);
+    void Claim_if_partner(Overlap_index_sub::Candidate const& candidate,
+                          std::vector<Partner>& partners);
     void Drop(Node node, std::uint32_t place);
     void Drop_claimed(Node node);
 
@@ -113,11 +120,12 @@ private:
     Flat_array<std::uint32_t> holding_;      ///< node -> cliques in play that hold it
     Flat_array<std::uint32_t> holding_live_; ///< ... that are not claimed
     Flat_array<std::uint64_t> claimed_;      ///< a bit a clique
-    Flat_array<std::uint8_t> mark_;          ///< node -> 1 while it belongs to the clique asked for
-    Question question_;                      ///< what is asked at the moment
-    std::vector<std::uint32_t> hits_;        ///< places in a list worth a second look
-    std::vector<Clique_number> candidates_;  ///< unclaimed cliques worth a close look
-    std::uint32_t least_shared_ = 0;         ///< 0: no level started
+    Flat_array<std::uint8_t>
+        mark_;          ///< node -> 1 + its place in the clique that asks, at most 255, or 0
+    Question question_; ///< what is asked at the moment
+    std::vector<std::uint32_t> hits_; ///< places in a list worth a second look
+    std::vector<Overlap_index_sub::Candidate> candidates_;
+    std::uint32_t least_shared_ = 0; ///< 0: no level started
     std::uint32_t least_size_ = 0;
 };
 
