@@ -13,13 +13,13 @@ need() {
     done
     [ -z "$missing" ] && return 0
     as_root=""
-    if [ "$(id -u)" -ne 0 ]; then
-        if ! command -v sudo >/dev/null 2>&1; then
-            echo "Please install these packages and start again:$missing" >&2
+    [ "$(id -u)" -eq 0 ] || as_root="sudo"
+    for tool in $as_root apt-get; do
+        if ! command -v "$tool" >/dev/null 2>&1; then
+            echo "Please install these packages (Debian's names) and start again:$missing" >&2
             exit 1
         fi
-        as_root="sudo"
-    fi
+    done
     echo "Installing:$missing"
     # shellcheck disable=SC2086
     if ! $as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends \

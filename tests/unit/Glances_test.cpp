@@ -47,7 +47,7 @@ std::vector<std::uint32_t> By_definition(std::vector<Glance> const& glances,
         bool needed = false;
         for (unsigned bit = 8; bit < 64; ++bit) {
             bool const has = (glances[i] >> bit) % 2 == 1;
-            missing += has && (question.bits >> bit) % 2 == 0 ? 1 : 0;
+            missing += has && (question.bits >> bit) % 2 == 0 ? 1U : 0U;
             needed = needed || (has && (question.needed >> bit) % 2 == 1);
         }
         if (size == 255 || (needed && size >= missing + question.least_shared)) {
