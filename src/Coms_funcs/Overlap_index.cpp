@@ -25,6 +25,7 @@ using Overlap_index_sub::Signature;
 
 constexpr std::uint32_t mask_bits = 64;
 constexpr std::uint8_t last_mark = 255;
+constexpr std::uint64_t nodes_a_line = 64 / sizeof(Node);
 
 // Slicing a list costs as much as a few dozen walks, and pays for long lists.
 constexpr std::uint32_t worth_slicing = 512;
@@ -60,7 +61,9 @@ std::size_t Keep_possible(Candidate* candidates, std::size_t count, Card const* 
         Card const* const card = cards + candidates[i].clique;
         std::uint64_t const size = card[1].begin - card->begin;
         if (Missing(card->signature, asker) + least_shared <= size) {
-            __builtin_prefetch(nodes + card->begin);
+            for (std::uint64_t n = card->begin; n < card[1].begin; n += nodes_a_line) {
+                __builtin_prefetch(nodes + n);
+            }
             candidates[kept++] = candidates[i];
         }
     }
