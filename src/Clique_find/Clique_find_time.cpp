@@ -5,12 +5,10 @@
 // Order    nodes as in the exact search, those that overran again at the end; at a node
 //          lexicographic.
 // Cost     as the exact search, within the time; a done neighbour of high degree costs no more than
-//          a binary search for each candidate.
+//          a binary search for each candidate. A node whose time is up at the first look at the
+//          clock costs what First_check does.
 // Tested   Clique_find_time_test.cpp with clocks that count, the runs against the plain model.
 #include "Clique_find/Clique_find_time.h"
-
-#include <algorithm>
-#include <array>
 
 namespace cpm {
 
@@ -34,80 +32,53 @@ void Clique_find_part_time(Set_list& cliques, Vtx_map const& vertices, std::vect
 namespace Clique_find_time_sub_routines {
 
 Timed_node_search::Timed_node_search(Vtx_map const& vertices)
-    : vertices_(vertices), done_(vertices.size() + 1, false), place_(vertices.size() + 1, 0) {}
+    : vertices_(vertices), done_(vertices.size() + 1, false), candidates_(vertices),
+      excluded_(vertices) {}
 
 // A node whose cliques show after two steps needs no time: the clock is first read when a third
-// step is due. What was found by then counts even when the time is up at this reading.
+// step is due. What was found by then counts even when the time is up at this reading. The rows of
+// bits come only after it: a hub whose time is up has no need of them, and they are large.
 void Timed_node_search::Clique_find_main_time_part(Node node, Time_budget& budget,
                                                    Set_list& found) {
-    if (!Gather(node)) {
+    Look_around(node);
+    bool const third_step = first_check_.Reached(node, candidates_, excluded_, found);
+    if (!third_step || budget.Overrun()) {
         return;
     }
-    bool const no_third_step = local_.Only_pairs([&](std::size_t i, std::size_t j) {
-        std::array<Node, 3> clique{node, candidates_[i], candidates_[j]};
-        std::sort(clique.begin(), clique.end());
-        found.Add(clique);
-    });
-    if (no_third_step || budget.Overrun()) {
-        return;
-    }
+    Gather();
     Local_cliques::Stop_check const time_is_up = [&] { return budget.Overrun(); };
     if (local_.Find(&time_is_up)) {
         found.clear(); // the cliques found so far are among all of them, in their places
     }
-    local_.Append_cliques(node, candidates_, least_others, found);
+    local_.Append_cliques(node, candidates_.Nodes(), least_others, found);
 }
 
-// Sets up the node's problem. False when no two candidates are linked.
-bool Timed_node_search::Gather(Node node) {
+// Tells the candidates and the excluded nodes among the neighbours. A done neighbour can only
+// extend a clique that has two candidates when it is linked with these as well.
+void Timed_node_search::Look_around(Node node) {
     candidates_.clear();
-    Node_set const neighbours = vertices_[node - 1].Neighs_c();
-    for (Node const other : neighbours) {
+    excluded_.clear();
+    for (Node const other : vertices_[node - 1].Neighs_c()) {
         if (!done_[other]) {
-            candidates_.push_back(other);
-            place_[other] = static_cast<std::uint32_t>(candidates_.size());
+            candidates_.Add(other);
+        } else if (vertices_[other - 1].Neighs_c().size() > least_others) {
+            excluded_.Add(other);
         }
     }
-    local_.Start(candidates_.size());
-    bool any = false;
-    for (std::size_t i = 0; i < candidates_.size(); ++i) {
-        For_each_candidate_of(candidates_[i], [&](std::size_t j) {
-            local_.Link(i, j);
-            any = true;
-        });
-    }
-    if (any) {
-        for (Node const other : neighbours) {
-            if (done_[other]) {
-                local_.Start_excluded();
-                For_each_candidate_of(other, [&](std::size_t j) { local_.Link_excluded(j); });
-                local_.End_excluded(least_others);
-            }
-        }
-    }
-    for (Node const candidate : candidates_) {
-        place_[candidate] = 0;
-    }
-    return any;
 }
 
-// Takes the places of the candidates that are neighbours of the node: from the shorter side.
-template <class Take>
-void Timed_node_search::For_each_candidate_of(Node other, Take const& take) const {
-    constexpr std::size_t steps_of_a_search = 16;
-    Node_set const neighbours = vertices_[other - 1].Neighs_c();
-    if (neighbours.size() / steps_of_a_search > candidates_.size()) {
-        for (std::size_t j = 0; j < candidates_.size(); ++j) {
-            if (std::ranges::binary_search(neighbours, candidates_[j])) {
-                take(j);
-            }
-        }
-        return;
+// Sets up the node's problem.
+void Timed_node_search::Gather() {
+    local_.Start(candidates_.size());
+    for (std::size_t i = 0; i < candidates_.size(); ++i) {
+        candidates_.For_each_neighbour_of(candidates_[i], i + 1,
+                                          [&](std::size_t j) { local_.Link(i, j); });
     }
-    for (Node const neighbour : neighbours) {
-        if (place_[neighbour] != 0) {
-            take(place_[neighbour] - 1);
-        }
+    for (Node const other : excluded_.Nodes()) {
+        local_.Start_excluded();
+        candidates_.For_each_neighbour_of(other, 0,
+                                          [&](std::size_t j) { local_.Link_excluded(j); });
+        local_.End_excluded(least_others);
     }
 }
 

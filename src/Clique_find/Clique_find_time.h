@@ -4,6 +4,7 @@
 #define PLEXOR_CLIQUE_FIND_TIME_H
 
 #include "Clique_find/Clock.h"
+#include "Clique_find/First_check.h"
 #include "Clique_find/Local_cliques.h"
 #include "Clique_find/Time_limited.h"
 #include "Types.h"
@@ -22,7 +23,8 @@ void Clique_find_part_time(Set_list& cliques, Vtx_map const& vertices, std::vect
 
 namespace Clique_find_time_sub_routines {
 
-/// Finds the cliques of one node among the nodes not done, by way of Local_cliques.
+/// Finds the cliques of one node among the nodes not done: by way of First_check up to the first
+/// look at the clock, then by way of Local_cliques.
 class Timed_node_search : public Node_finder {
 public:
     explicit Timed_node_search(Vtx_map const& vertices);
@@ -34,14 +36,15 @@ public:
 
 private:
     void Clique_find_main_time_part(Node node, Time_budget& budget, Set_list& found);
-    bool Gather(Node node);
-    template <class Take> void For_each_candidate_of(Node other, Take const& take) const;
+    void Look_around(Node node);
+    void Gather();
 
     Vtx_map const& vertices_;
     std::vector<bool> done_;
+    Placed_nodes candidates_;
+    Placed_nodes excluded_;
+    First_check first_check_;
     Local_cliques local_;
-    std::vector<Node> candidates_;
-    std::vector<std::uint32_t> place_; ///< node -> 1 + its place among the candidates, or 0
 };
 
 } // namespace Clique_find_time_sub_routines

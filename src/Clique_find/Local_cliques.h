@@ -43,12 +43,6 @@ public:
     void Link_excluded(std::size_t i) { Set_bit(excluded_.end() - n_words_, i); }
     void End_excluded(std::size_t least);
 
-    /// Walks the pairs of linked candidates in ascending order, as far as no pair (i, j) can be
-    /// extended by a candidate behind j to something that is not inside a clique with an excluded
-    /// node. Hands the pairs that no excluded node extends either to `take_pair`: these are cliques
-    /// that end with j. False when a pair was met that has to be looked into.
-    bool Only_pairs(std::function<void(std::size_t i, std::size_t j)> const& take_pair) const;
-
     /// Finds the cliques, in lexicographic order; they stay until the next Start(). False when
     /// `stop` ended the search, and then only some of them have been found, in no particular order.
     bool Find(Stop_check const* stop = nullptr);
@@ -79,8 +73,6 @@ private:
         std::size_t excluded_end = 0;
     };
 
-    bool Is_clique(std::vector<Word> const& set) const;
-    bool Some_excluded_has(std::vector<Word> const& set) const;
     bool Search_wide(Stop_check const* stop);
     void Open_level(std::size_t depth);
     bool Narrow_to_words(Word const* set, std::size_t size, std::size_t depth, std::size_t next,
