@@ -37,35 +37,66 @@ unsigned Take_first(Nodes& nodes) {
     return first;
 }
 
-/// The members of a and b that are not in c.
-Nodes Tighten(Nodes const& a, Nodes const& b, Nodes const& c) {
-    Nodes result;
-    for (unsigned node : Common(a, b)) {
-        if (!c.contains(node)) {
-            result.insert(node);
+// --- Undirected, by the definition. ---
+
+/// Lists every maximal clique made of `clique` and some of `candidates`. These and `others` are all
+/// nodes linked to the whole clique; with one of the others it is listed elsewhere.
+void List_maximal(Nodes const& clique, Nodes candidates, Nodes others, Graph const& graph,
+                  std::set<Nodes>& found) {
+    if (candidates.empty() && others.empty()) {
+        found.insert(clique);
+    }
+    if (candidates.empty()) {
+        return;
+    }
+    // Nodes linked to the pivot alone make no maximal clique, since the pivot could join: so every
+    // maximal clique holds the pivot or one of the candidates that are not linked to it.
+    auto const linked = [&](unsigned node) {
+        return Common(candidates, graph.all.at(node)).size();
+    };
+    Nodes const both = Joined(candidates, others);
+    unsigned const pivot = *std::max_element(
+        both.begin(), both.end(), [&](unsigned a, unsigned b) { return linked(a) < linked(b); });
+    for (unsigned node : Without(candidates, graph.all.at(pivot))) {
+        Nodes const& neighbours = graph.all.at(node);
+        List_maximal(Joined(clique, {node}), Common(candidates, neighbours),
+                     Common(others, neighbours), graph, found);
+        candidates.erase(node);
+        others.insert(node);
+    }
+}
+
+/// The maximal cliques of three or more nodes that hold `node` and otherwise nodes of `work`, in
+/// the order of their other members.
+Cliques Maximal_cliques(unsigned node, Graph const& work, Graph const& graph) {
+    Nodes const& neighbours = work.all.at(node);
+    std::set<Nodes> found;
+    List_maximal({}, neighbours, Without(graph.all.at(node), neighbours), graph, found);
+    Cliques result;
+    for (auto const& others : found) {
+        if (others.size() > 1) {
+            result.push_back(Joined(others, {node}));
         }
     }
     return result;
 }
 
-// --- Undirected: a clique grows by candidates in ascending order. ---
+// --- Undirected, as far as time allows: a clique grows by candidates in ascending order. ---
 
+/// Adds `x` to the clique. The clock is read from three nodes on.
 void Grow(unsigned x, Nodes clique, Nodes const& candidates, Graph const& work, Cliques& known,
           Attempt& attempt, Time_check const& time_is_up) {
-    Nodes rest = Tighten(work.all.at(x), candidates, clique);
+    Nodes rest = Common(work.all.at(x), candidates);
     clique.insert(x);
-    if (rest.empty()) {
-        if (!Inside_any(clique, known)) {
-            attempt.found.push_back(clique);
-            known.push_back(clique);
-        }
-        return;
-    }
     if (Inside_any(Joined(clique, rest), known)) {
         return;
     }
+    if (rest.empty() && clique.size() > 2) {
+        attempt.found.push_back(clique);
+        known.push_back(clique);
+    }
     while (!rest.empty() && !attempt.too_slow) {
-        if (time_is_up()) {
+        if (clique.size() > 2 && time_is_up()) {
             attempt.too_slow = true;
             return;
         }
@@ -77,20 +108,7 @@ void Grow(unsigned x, Nodes clique, Nodes const& candidates, Graph const& work, 
 Attempt Search_undirected(unsigned node, Graph const& work, Cliques known,
                           Time_check const& time_is_up) {
     Attempt attempt;
-    Nodes candidates = work.all.at(node);
-    while (candidates.size() > 1 && !attempt.too_slow) {
-        unsigned const first = *candidates.begin();
-        Nodes const clique{node, first};
-        Nodes rest = Tighten(work.all.at(first), candidates, clique);
-        candidates.erase(first);
-        if (Inside_any(Joined(clique, rest), known)) {
-            continue;
-        }
-        while (!rest.empty() && !attempt.too_slow) {
-            unsigned const y = Take_first(rest);
-            Grow(y, clique, rest, work, known, attempt, time_is_up);
-        }
-    }
+    Grow(node, {}, work.all.at(node), work, known, attempt, time_is_up);
     return attempt;
 }
 
@@ -146,18 +164,20 @@ void Record(Chain const& chain, Found_map& found, Cliques& known) {
     found[key] = members;
 }
 
+/// The clock is read from three nodes on.
 void Grow_chain(Chain chain, Graph const& work, Cliques& known, Found_map& found, bool& too_slow,
                 Time_check const& time_is_up) {
     if (Inside_any(Reach_of(chain), known)) {
         return;
     }
-    if (Finished(chain)) {
+    bool const three = chain.size() > 3;
+    if (three && Finished(chain)) {
         Record(chain, found, known);
         return;
     }
     for (std::size_t gap = 0; gap < chain.size(); ++gap) {
         while (!chain[gap].open.empty() && !too_slow) {
-            if (time_is_up()) {
+            if (three && time_is_up()) {
                 too_slow = true;
                 return;
             }
@@ -171,23 +191,8 @@ Attempt Search_directed(unsigned node, Graph const& work, Cliques known,
                         Time_check const& time_is_up) {
     Attempt attempt;
     Found_map found;
-    Chain chain{{node, work.in.at(node)}, {node, work.out.at(node)}};
-    for (std::size_t e = 0; e < chain.size(); ++e) {
-        while (!chain[e].open.empty() && !attempt.too_slow) {
-            unsigned const u = Take_first(chain[e].open);
-            Chain next = Insert(chain, e, u, work);
-            if (Inside_any(Reach_of(next), known)) {
-                continue;
-            }
-            for (std::size_t f = 0; f < next.size(); ++f) {
-                while (!next[f].open.empty() && !attempt.too_slow) {
-                    unsigned const w = Take_first(next[f].open);
-                    Grow_chain(Insert(next, f, w, work), work, known, found, attempt.too_slow,
-                               time_is_up);
-                }
-            }
-        }
-    }
+    Grow_chain({{node, work.in.at(node)}, {node, work.out.at(node)}}, work, known, found,
+               attempt.too_slow, time_is_up);
     for (auto const& [key, members] : found) {
         attempt.found.push_back(members);
     }
@@ -195,19 +200,6 @@ Attempt Search_directed(unsigned node, Graph const& work, Cliques known,
 }
 
 // --- The searches over all nodes. ---
-
-void Register(Nodes const& clique, Found_cliques& result) {
-    auto& [cliques, rows, n_exact] = result;
-    auto const position = static_cast<unsigned>(cliques.size());
-    cliques.push_back(clique);
-    rows.emplace_back();
-    for (unsigned other = 0; other <= position; ++other) {
-        if (unsigned const shared = Size(Common(cliques[other], clique)); shared > 0) {
-            rows[other][position] = shared;
-            rows[position][other] = shared;
-        }
-    }
-}
 
 Attempt Search_node(unsigned node, Graph const& work, Cliques const& so_far,
                     Time_check const& time_is_up) {
@@ -235,26 +227,27 @@ unsigned Node_count(Graph const& graph) {
     return static_cast<unsigned>(graph.all.size());
 }
 
-void Search_exactly(Graph work, Found_cliques& result, std::ostream& out) {
+void Search_exactly(Graph const& graph, Cliques& cliques, std::ostream& out) {
+    Graph work = graph;
     if (!work.directed) {
         out << " Sorting the nodes...\n done.\n";
     }
     std::string const title = work.directed ? " Locating dir. cliques:" : " Locating cliques:";
     unsigned const total = Node_count(work);
     for (unsigned node : Node_order(work)) {
-        out << Progress(title, "nodes", Node_count(work), total);
-        Attempt const attempt = Search_node(node, work, result.cliques, [] { return false; });
-        for (auto const& clique : attempt.found) {
-            Register(clique, result);
-        }
+        out << Progress({title}, "nodes", Node_count(work), total);
+        Cliques const found = work.directed
+                                  ? Search_node(node, work, cliques, [] { return false; }).found
+                                  : Maximal_cliques(node, work, graph);
+        cliques.insert(cliques.end(), found.begin(), found.end());
         work.Remove(node);
     }
-    out << Altogether(work.directed ? "directed cliques" : "cliques", result.cliques.size());
+    out << Altogether(work.directed ? "directed cliques" : "cliques", cliques.size());
 }
 
 /// Searches until every node left has overrun in a row and leaves those nodes in `work`.
-void Search_limited(Graph& work, Found_cliques& result, double limit, Clock& clock,
-                    std::ostream& out, Reached& reached) {
+void Search_limited(Graph& work, Cliques& cliques, double limit, Clock& clock, std::ostream& out,
+                    Reached& reached) {
     std::string const what = work.directed ? "directed cliques" : "cliques";
     std::string const title = (work.directed ? " Locating dir. cliques, max. allowed time/node="
                                              : " Locating cliques, max. allowed time/node=") +
@@ -265,16 +258,14 @@ void Search_limited(Graph& work, Found_cliques& result, double limit, Clock& clo
     unsigned skipped = 0;
     bool go_on = true;
     while (!queue.empty() && go_on) {
-        out << Progress(title, "nodes", Node_count(work), total);
+        out << Progress({title}, "nodes", Node_count(work), total);
         unsigned const node = queue.front();
         queue.pop_front();
         double const start = clock.Seconds();
-        Attempt const attempt = Search_node(node, work, result.cliques,
-                                            [&] { return clock.Seconds() - start > limit; });
+        Attempt const attempt =
+            Search_node(node, work, cliques, [&] { return clock.Seconds() - start > limit; });
         if (!attempt.too_slow) {
-            for (auto const& clique : attempt.found) {
-                Register(clique, result);
-            }
+            cliques.insert(cliques.end(), attempt.found.begin(), attempt.found.end());
             if (skipped > 0) {
                 reached.insert("a node finishes after others overran");
             }
@@ -295,18 +286,18 @@ void Search_limited(Graph& work, Found_cliques& result, double limit, Clock& clo
         }
     }
     if (work.all.empty()) {
-        out << Altogether(what, result.cliques.size())
+        out << Altogether(what, cliques.size())
             << (work.directed ? "no approximation was needed.\n"
                               : " no approximation was needed\n");
         return;
     }
     for (auto const& clique : pending) {
-        if (!Inside_any(clique, result.cliques)) {
+        if (!Inside_any(clique, cliques)) {
             reached.insert("a clique of an overrun is kept");
-            Register(clique, result);
+            cliques.push_back(clique);
         }
     }
-    out << Altogether("exact " + what, result.cliques.size());
+    out << Altogether("exact " + what, cliques.size());
 }
 
 // --- The core that a limited search leaves. ---
@@ -319,38 +310,24 @@ Cliques Approximate(Graph const& core, Cliques const& exact) {
             candidates.push_back(neighbours);
         }
     }
-    Cliques kept;
-    for (std::size_t a = 0; a < candidates.size(); ++a) {
-        bool covered = false;
-        for (std::size_t b = 0; b < candidates.size(); ++b) {
-            covered = covered || (a != b && Inside(candidates[a], candidates[b]));
-        }
-        if (!covered) {
-            kept.push_back(candidates[a]);
-        }
-    }
+    Cliques kept = candidates;
+    std::erase_if(kept, [&](Nodes const& nodes) { // each lies inside itself
+        return std::count_if(candidates.begin(), candidates.end(),
+                             [&](Nodes const& other) { return Inside(nodes, other); }) > 1;
+    });
     return kept;
 }
 
-void Merge(Found_cliques& result, Cliques const& approximated, Reached& reached) {
-    Cliques new_ones;
-    for (auto const& clique : approximated) {
-        if (!Inside_any(clique, result.cliques)) {
-            new_ones.push_back(clique);
-        }
-    }
-    Cliques merged;
-    for (auto const& clique : result.cliques) {
-        if (!Inside_any(clique, new_ones)) {
-            merged.push_back(clique);
-        }
-    }
-    if (merged.size() < result.cliques.size()) {
+void Merge(Found_cliques& result, Cliques approximated, Reached& reached) {
+    Cliques& cliques = result.cliques;
+    std::erase_if(approximated, [&](Nodes const& nodes) { return Inside_any(nodes, cliques); });
+    auto const dropped =
+        std::erase_if(cliques, [&](Nodes const& nodes) { return Inside_any(nodes, approximated); });
+    if (dropped > 0) {
         reached.insert("an exact clique is dropped");
     }
-    result.n_exact = static_cast<unsigned>(merged.size());
-    merged.insert(merged.end(), new_ones.begin(), new_ones.end());
-    result.cliques = merged;
+    result.n_exact = static_cast<unsigned>(cliques.size());
+    cliques.insert(cliques.end(), approximated.begin(), approximated.end());
 }
 
 } // namespace
@@ -362,8 +339,16 @@ Nodes Common(Nodes const& a, Nodes const& b) {
     return result;
 }
 
+Nodes Without(Nodes const& a, Nodes const& b) {
+    Nodes result;
+    std::set_difference(a.begin(), a.end(), b.begin(), b.end(),
+                        std::inserter(result, result.end()));
+    return result;
+}
+
 bool Inside(Nodes const& small, Nodes const& large) {
-    return std::includes(large.begin(), large.end(), small.begin(), small.end());
+    return small.size() <= large.size() &&
+           std::includes(large.begin(), large.end(), small.begin(), small.end());
 }
 
 unsigned Size(Nodes const& nodes) {
@@ -407,6 +392,24 @@ Graph Make_graph(Index_links const& links, bool directed) {
     return graph;
 }
 
+Rows Overlaps(std::vector<Nodes> const& sets) {
+    std::map<unsigned, std::vector<unsigned>> holders;
+    for (unsigned i = 0; i < sets.size(); ++i) {
+        for (unsigned node : sets[i]) {
+            holders[node].push_back(i);
+        }
+    }
+    Rows rows(sets.size());
+    for (unsigned i = 0; i < sets.size(); ++i) {
+        for (unsigned node : sets[i]) {
+            for (unsigned other : holders[node]) {
+                ++rows[i][other];
+            }
+        }
+    }
+    return rows;
+}
+
 void Extend_rows(Rows& rows, Cliques const& cliques, unsigned n_old) {
     // Deliberate: one row per new clique goes behind the rows there are, whatever their number.
     // When exact cliques were dropped before, the old rows no longer stand at their cliques'
@@ -416,9 +419,7 @@ void Extend_rows(Rows& rows, Cliques const& cliques, unsigned n_old) {
     for (unsigned i = n_old; i < end; ++i) {
         for (unsigned j = 0; j < end; ++j) {
             unsigned const shared = Size(Common(cliques[i], cliques[j]));
-            if (i == j) {
-                rows[i][i] = shared;
-            } else if ((j < n_old || j > i) && shared > 0) {
+            if (i == j || shared > 0) {
                 rows[j][i] = shared;
                 rows[i][j] = shared;
             }
@@ -432,11 +433,12 @@ Found_cliques Find_cliques(Graph const& graph, std::optional<double> limit, Cloc
     Graph core;
     if (limit) {
         core = graph;
-        Search_limited(core, result, *limit, clock, out, reached);
+        Search_limited(core, result.cliques, *limit, clock, out, reached);
     } else {
-        Search_exactly(graph, result, out);
+        Search_exactly(graph, result.cliques, out);
     }
     result.n_exact = static_cast<unsigned>(result.cliques.size());
+    result.rows = Overlaps(result.cliques);
     if (core.all.empty()) {
         return result;
     }

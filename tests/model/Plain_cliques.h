@@ -19,7 +19,7 @@ using Pair = std::pair<unsigned, unsigned>;
 using Index_links = std::map<Pair, double>;
 using Cliques = std::vector<Nodes>;
 
-/// One row per clique: the other clique's position -> the number of shared nodes.
+/// One row per set of nodes, itself included: another set's position -> the number of shared nodes.
 using Rows = std::vector<std::map<unsigned, unsigned>>;
 
 /// Names of the rare situations a run has met, so that a batch of random runs can say what it has
@@ -60,10 +60,14 @@ struct Found_cliques {
 Found_cliques Find_cliques(Graph const& graph, std::optional<double> limit, Clock& clock,
                            std::ostream& out, Reached& reached);
 
+/// The rows of all sets; those that share nothing are not in them.
+Rows Overlaps(std::vector<Nodes> const& sets);
+
 /// Adds to the rows what the cliques from position `n_old` on share with all others.
 void Extend_rows(Rows& rows, Cliques const& cliques, unsigned n_old);
 
 Nodes Common(Nodes const& a, Nodes const& b);
+Nodes Without(Nodes const& a, Nodes const& b);
 bool Inside(Nodes const& small, Nodes const& large);
 unsigned Size(Nodes const& nodes);
 unsigned Largest(Cliques const& cliques);

@@ -3,6 +3,7 @@
 
 #include "Plain_text.h"
 
+#include <algorithm>
 #include <cmath>
 #include <iterator>
 #include <stdexcept>
@@ -94,25 +95,22 @@ struct Log_weights {
 };
 
 Log_weights Get_log_weights(Nodes const& nodes, Index_links const& links) {
-    auto const log_weight = [&](Pair const& pair) {
-        auto const link = links.find(pair);
-        if (link == links.end()) {
-            throw std::logic_error("ERROR: Get_sub_links_and_thresh_abs: missing link.\n");
-        }
-        return std::log(link->second);
-    };
+    std::logic_error const missing("ERROR: Get_sub_links_and_thresh_abs: missing link.\n");
     if (nodes.size() < 2) { // there is no first pair to look up
-        throw std::logic_error("ERROR: Get_sub_links_and_thresh_abs: missing link.\n");
+        throw missing;
     }
     Log_weights result;
-    result.smallest = log_weight({*nodes.begin(), *std::next(nodes.begin())});
     for (auto a = nodes.begin(); a != nodes.end(); ++a) {
         for (auto b = std::next(a); b != nodes.end(); ++b) {
-            double const w = log_weight({*a, *b});
-            result.of[{*a, *b}] = w;
-            if (w < result.smallest) {
+            auto const link = links.find({*a, *b});
+            if (link == links.end()) {
+                throw missing;
+            }
+            double const w = std::log(link->second);
+            if (result.of.empty() || w < result.smallest) {
                 result.smallest = w;
             }
+            result.of[{*a, *b}] = w;
         }
     }
     return result;
@@ -125,8 +123,13 @@ struct K_clique_search {
     double threshold; // logarithm of the intensity threshold to the power of the number of links
     K_cliques& result;
 
-    void Grow(Nodes const& partial, double partial_sum) {
-        for (auto x = clique.upper_bound(*partial.rbegin()); x != clique.end(); ++x) {
+    /// `certain`: even if all links to come had the smallest weight, it would be enough.
+    void Grow(Nodes const& partial, double partial_sum, bool certain) {
+        auto x = clique.upper_bound(*partial.rbegin());
+        for (auto left = std::distance(x, clique.end()); left > 0; --left, ++x) {
+            if (partial.size() + static_cast<std::size_t>(left) < k) {
+                return; // too few to make k nodes
+            }
             double added = 0;
             for (unsigned s : partial) {
                 added += weights.of.at({s, *x});
@@ -137,28 +140,11 @@ struct K_clique_search {
             auto const m = extended.size();
             double const links_in = (static_cast<double>(m) * 0.5) * (static_cast<double>(m) - 1);
             double const bound = ((k * (k - 1)) * 0.5 - links_in) * weights.smallest + sum;
-            if (bound > threshold) {
-                if (m == k) {
-                    result.insert(extended);
-                } else {
-                    Grow_freely(extended);
-                }
-            } else if (m < k) {
-                Grow(extended, sum);
-            } else if (m == k && sum > threshold) {
+            bool const enough = certain || bound > threshold;
+            if (m < k) {
+                Grow(extended, sum, enough);
+            } else if (m == k && (enough || sum > threshold)) {
                 result.insert(extended);
-            }
-        }
-    }
-
-    void Grow_freely(Nodes const& partial) {
-        for (auto x = clique.upper_bound(*partial.rbegin()); x != clique.end(); ++x) {
-            Nodes extended = partial;
-            extended.insert(*x);
-            if (extended.size() == k) {
-                result.insert(extended);
-            } else {
-                Grow_freely(extended);
             }
         }
     }
@@ -186,6 +172,17 @@ bool Is_intense(Nodes const& shared, Index_links const& links, double threshold)
 
 using Labels = std::set<unsigned>;
 
+/// Every set of k - 1 nodes that k-cliques hold -> the positions of those k-cliques, ascending.
+std::map<Nodes, std::vector<unsigned>> Holders(std::vector<Nodes> const& k_cliques) {
+    std::map<Nodes, std::vector<unsigned>> holders;
+    for (unsigned i = 0; i < k_cliques.size(); ++i) {
+        for (unsigned node : k_cliques[i]) {
+            holders[Without(k_cliques[i], {node})].push_back(i);
+        }
+    }
+    return holders;
+}
+
 /// The labels that each k-clique gets from itself and from earlier k-cliques adjacent to it.
 std::vector<Labels> Label(std::vector<Nodes> const& k_cliques, Index_links const& links, unsigned k,
                           double threshold, std::ostream& out) {
@@ -194,19 +191,21 @@ std::vector<Labels> Label(std::vector<Nodes> const& k_cliques, Index_links const
     std::string const title_2 =
         " and a link weight intensity threshlod I=" + Fixed(threshold, 6) + ":";
     auto const total = static_cast<unsigned>(k_cliques.size());
+    auto const holders = Holders(k_cliques);
     std::vector<Labels> labels(total);
     unsigned next_label = 0;
     for (unsigned i = 0; i < total; ++i) {
-        out << Progress(title_1, title_2, "k-cliques", total - i, total);
+        out << Progress({title_1, title_2}, "k-cliques", total - i, total);
         if (labels[i].empty()) {
             labels[i].insert(next_label++);
         }
         unsigned const label = *labels[i].begin();
-        unsigned const second = *std::next(k_cliques[i].begin());
-        for (unsigned j = i + 1; j < total && *k_cliques[j].begin() <= second; ++j) {
-            Nodes const shared = Common(k_cliques[i], k_cliques[j]);
-            if (shared.size() == k - 1 && Is_intense(shared, links, threshold)) {
-                labels[j].insert(label);
+        for (unsigned node : k_cliques[i]) {
+            Nodes const shared = Without(k_cliques[i], {node});
+            auto const& adjacent = holders.at(shared);
+            auto const later = std::upper_bound(adjacent.begin(), adjacent.end(), i);
+            if (later != adjacent.end() && Is_intense(shared, links, threshold)) {
+                std::for_each(later, adjacent.end(), [&](unsigned j) { labels[j].insert(label); });
             }
         }
     }
@@ -279,11 +278,11 @@ K_cliques Find_k_cliques(Cliques const& cliques, Index_links const& links, unsig
         if (cliques[i].size() < k) {
             continue;
         }
-        out << Progress(title_1, title_2, "cliques", total - i, total);
+        out << Progress({title_1, title_2}, "cliques", total - i, total);
         Log_weights const weights = Get_log_weights(cliques[i], links);
         K_clique_search search{cliques[i], weights, k, log_threshold, result};
         for (unsigned node : cliques[i]) {
-            search.Grow({node}, 0);
+            search.Grow({node}, 0, false);
         }
     }
     out << Altogether(" k-cliques", result.size());
@@ -297,20 +296,18 @@ Communities Percolate_k_cliques(K_cliques const& k_cliques, Index_links const& l
     std::map<unsigned, unsigned> const rules = Translation_rules(labels);
     std::map<unsigned, Nodes> nodes;
     std::map<unsigned, std::vector<Pair>> link_lists;
-    for (std::size_t i = 0; i < numbered.size(); ++i) {
+    // Deliberate: the latest k-clique's links come first, and shared ones are repeated.
+    for (std::size_t i = numbered.size(); i-- > 0;) {
         unsigned label = *labels[i].begin();
         if (auto const rule = rules.find(label); rule != rules.end()) {
             label = rule->second;
         }
-        std::vector<Pair> block;
         for (auto a = numbered[i].begin(); a != numbered[i].end(); ++a) {
             nodes[label].insert(*a);
             for (auto b = std::next(a); b != numbered[i].end(); ++b) {
-                block.push_back({*a, *b});
+                link_lists[label].push_back({*a, *b});
             }
         }
-        // Deliberate: the latest k-clique's links come first, and shared ones are repeated.
-        link_lists[label].insert(link_lists[label].begin(), block.begin(), block.end());
     }
     Communities result;
     for (auto const& [label, members] : nodes) {
@@ -322,10 +319,11 @@ Communities Percolate_k_cliques(K_cliques const& k_cliques, Index_links const& l
 }
 
 std::map<Pair, unsigned> Community_graph(std::vector<Nodes> const& communities) {
+    Rows const rows = Overlaps(communities);
     std::map<Pair, unsigned> graph;
-    for (unsigned i = 0; i < communities.size(); ++i) {
-        for (unsigned j = i + 1; j < communities.size(); ++j) {
-            if (unsigned const shared = Size(Common(communities[i], communities[j])); shared > 0) {
+    for (unsigned i = 0; i < rows.size(); ++i) {
+        for (auto const& [j, shared] : rows[i]) {
+            if (j > i) {
                 graph[{i, j}] = shared;
             }
         }

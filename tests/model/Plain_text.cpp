@@ -8,16 +8,6 @@
 
 namespace cpm::model {
 
-namespace {
-
-std::string Counting_line(std::string const& what, unsigned to_do, unsigned total) {
-    double const percent = 100.0 * (total - to_do) / total;
-    return " " + std::to_string(to_do) + " of " + std::to_string(total) + " " + what + " to do (" +
-           Fixed(percent, 2) + "% done)\n";
-}
-
-} // namespace
-
 std::string Fixed(double value, unsigned digits) {
     std::ostringstream out;
     out.setf(std::ios::fixed);
@@ -59,15 +49,17 @@ std::string Underline(std::size_t width) {
     return std::string(width, '_') + "\n";
 }
 
-std::string Progress(std::string const& title, std::string const& what, unsigned to_do,
-                     unsigned total) {
-    return Underline(title.size()) + title + "\n" + Counting_line(what, to_do, total);
-}
-
-std::string Progress(std::string const& title_1, std::string const& title_2,
-                     std::string const& what, unsigned to_do, unsigned total) {
-    return Underline(std::max(title_1.size(), title_2.size())) + title_1 + "\n" + title_2 + "\n" +
-           Counting_line(what, to_do, total);
+std::string Progress(std::vector<std::string> const& titles, std::string const& what,
+                     unsigned to_do, unsigned total) {
+    std::size_t width = 0;
+    std::string text;
+    for (auto const& title : titles) {
+        width = std::max(width, title.size());
+        text += title + "\n";
+    }
+    double const percent = 100.0 * (total - to_do) / total;
+    return Underline(width) + text + " " + std::to_string(to_do) + " of " + std::to_string(total) +
+           " " + what + " to do (" + Fixed(percent, 2) + "% done)\n";
 }
 
 std::string Altogether(std::string const& what, std::size_t count) {

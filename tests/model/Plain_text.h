@@ -5,6 +5,7 @@
 #define PLEXOR_PLAIN_TEXT_H
 
 #include <string>
+#include <vector>
 
 namespace cpm::model {
 
@@ -20,11 +21,9 @@ bool Read_unsigned(std::string const& text, unsigned& value);
 /// `width` underscores and an end of line.
 std::string Underline(std::size_t width);
 
-/// Title, underlined above, and the line that counts what is left to do.
-std::string Progress(std::string const& title, std::string const& what, unsigned to_do,
-                     unsigned total);
-std::string Progress(std::string const& title_1, std::string const& title_2,
-                     std::string const& what, unsigned to_do, unsigned total);
+/// Titles, underlined above, and the line that counts what is left to do.
+std::string Progress(std::vector<std::string> const& titles, std::string const& what,
+                     unsigned to_do, unsigned total);
 
 /// The summary of a finished search.
 std::string Altogether(std::string const& what, std::size_t count);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Runs the program and the plain model on the same random cases and compares standard output,
-// exit status and every file and directory byte for byte.
+// Runs the program and the plain model on the same random or given cases and compares standard
+// output, exit status and every file and directory byte for byte.
 #include "Box.h"
 #include "Plain_model.h"
 #include "Random_case.h"
@@ -27,12 +27,14 @@ namespace {
 
 constexpr char const* usage =
     "usage: differential --program PATH [--fake-clock-program PATH] [--seed N] [--cases N]\n"
-    "                    [--one SEED] [--keep DIR]\n"
+    "                    [--one SEED] [--network FILE [--switches LIST]...] [--keep DIR]\n"
     "  --program             the program under test\n"
     "  --fake-clock-program  the same program linked with Fake_clock.cpp; without it the cases with\n"
     "                        a time limit are left out\n"
     "  --seed, --cases       the first seed (1) and how many cases follow (2000)\n"
     "  --one                 only the case of this seed\n"
+    "  --network             no random cases, but runs on this link file: one for each --switches\n"
+    "  --switches            what stands behind '-i FILE', all in one argument; nothing by default\n"
     "  --keep                where failed cases are kept (a new directory)\n";
 
 struct Options {
@@ -40,6 +42,8 @@ struct Options {
     std::string fake_clock_program;
     std::uint32_t seed = 1;
     std::uint32_t cases = 2000;
+    std::string network; // empty: random cases
+    std::vector<std::string> switches;
     std::string keep;
 };
 
@@ -323,8 +327,9 @@ private:
         return test.timed ? options_.fake_clock_program : options_.program;
     }
     Compared Compare(Case const& test, Reached& reached) const;
+    void Try(Case const& test, std::string const& name, std::string const& again);
     void Shrink(Case& test) const;
-    void Keep(std::uint32_t seed, Case test);
+    void Keep(Case test, std::string const& name, std::string const& again);
 
     Options options_;
     std::string box_;
@@ -338,8 +343,8 @@ private:
 
 /// Only the first failures are shrunk and shown: the later ones tend to be the same again.
 constexpr unsigned most_shown = 10;
-/// Runs spent on making one failed network smaller.
-constexpr unsigned most_shrinking_runs = 600;
+/// Spent on making one failed network smaller: the links of all its runs taken together.
+constexpr std::size_t most_shrinking_lines = 1'000'000;
 
 Runner::Compared Runner::Compare(Case const& test, Reached& reached) const {
     Compared compared;
@@ -360,11 +365,12 @@ void Runner::Shrink(Case& test) const {
         return;
     }
     Reached reached;
-    unsigned runs = 0;
+    std::size_t spent = 0;
     auto lines = Lines(test.tree.at(test.link_file).content);
     for (std::size_t step = std::max<std::size_t>(lines.size() / 2, 1); step > 0;) {
         bool smaller = false;
-        for (std::size_t start = 0; start < lines.size() && runs < most_shrinking_runs; ++runs) {
+        for (std::size_t start = 0; start < lines.size() && spent < most_shrinking_lines;) {
+            spent += lines.size();
             auto fewer = lines;
             auto const from = fewer.begin() + static_cast<std::ptrdiff_t>(start);
             fewer.erase(from,
@@ -383,17 +389,17 @@ void Runner::Shrink(Case& test) const {
                 smaller = true;
             }
         }
-        if (!smaller || runs >= most_shrinking_runs) {
+        if (!smaller || spent >= most_shrinking_lines) {
             step /= 2;
         }
     }
 }
 
-void Runner::Keep(std::uint32_t seed, Case test) {
+void Runner::Keep(Case test, std::string const& name, std::string const& again) {
     Shrink(test);
     Reached reached;
     Compared const compared = Compare(test, reached);
-    std::string const kept = directory_ + "/red-" + std::to_string(seed);
+    std::string const kept = directory_ + "/red-" + name;
     Delete(kept);
     std::filesystem::create_directory(kept);
     std::filesystem::rename(box_, kept + "/got");
@@ -408,38 +414,75 @@ void Runner::Keep(std::uint32_t seed, Case test) {
         command += " " + Quoted(args[i]);
     }
     std::ofstream(kept + "/command") << command << "\n";
-    std::cout << "FAILED seed " << seed << "\n" << compared.difference;
-    std::cout << "kept in " << kept << ", there input/ run in input/" << work_directory
-              << " with\n  " << command << "\nagain: differential --program "
+    std::cout << compared.difference << "kept in " << kept << ", there input/ run in input/"
+              << work_directory << " with\n  " << command << "\nagain: differential --program "
               << Quoted(options_.program);
     if (!options_.fake_clock_program.empty()) {
         std::cout << " --fake-clock-program " << Quoted(options_.fake_clock_program);
     }
-    std::cout << " --one " << seed << "\n\n" << std::flush;
+    std::cout << " " << again << "\n\n" << std::flush;
+}
+
+/// `again`: the options by which this program repeats the case.
+void Runner::Try(Case const& test, std::string const& name, std::string const& again) {
+    if (Program_for(test).empty()) {
+        ++left_out_;
+        return;
+    }
+    Reached reached;
+    Compared const compared = Compare(test, reached);
+    if (compared.difference.empty()) {
+        ++passed_;
+        if (!options_.network.empty()) {
+            std::cout << "passed " << again << ": " << compared.model.out.size()
+                      << " bytes printed, " << compared.model.tree.size()
+                      << " files and directories\n"
+                      << std::flush;
+        }
+    } else {
+        ++failed_;
+        std::cout << "FAILED " << again << "\n" << std::flush;
+        if (failed_ <= most_shown) {
+            Keep(test, name, again);
+        }
+    }
+    for (auto const& situation : reached) {
+        ++reached_[situation];
+    }
+}
+
+/// A run on the link file at `path`; between the switches stand blanks.
+Case Given_case(std::filesystem::path const& path, std::string const& switches) {
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream links;
+    if (!file || !(links << file.rdbuf())) {
+        throw std::runtime_error("cannot read links from '" + path.string() + "'");
+    }
+    Case test;
+    std::string const name = path.filename();
+    test.link_file = std::string(work_directory) + "/" + name;
+    test.tree[test.link_file] = {Entry::Kind::file, links.str()};
+    test.args = {"plexor", "-i", name};
+    std::istringstream in(switches);
+    for (std::string arg; in >> arg;) {
+        test.args.push_back(arg);
+        test.timed = test.timed || arg == "-t";
+    }
+    return test;
 }
 
 void Runner::Go() {
-    for (std::uint32_t i = 0; i < options_.cases; ++i) {
-        std::uint32_t const seed = options_.seed + i;
-        Case const test = Random_case(seed);
-        if (Program_for(test).empty()) {
-            ++left_out_;
-            continue;
+    if (options_.network.empty()) {
+        for (std::uint32_t i = 0; i < options_.cases; ++i) {
+            std::uint32_t const seed = options_.seed + i;
+            std::string const name = std::to_string(seed);
+            Try(Random_case(seed), name, "--one " + name);
         }
-        Reached reached;
-        if (Compare(test, reached).difference.empty()) {
-            ++passed_;
-        } else {
-            ++failed_;
-            if (failed_ <= most_shown) {
-                Keep(seed, test);
-            } else {
-                std::cout << "FAILED seed " << seed << "\n";
-            }
-        }
-        for (auto const& name : reached) {
-            ++reached_[name];
-        }
+    }
+    for (std::size_t i = 0; i < options_.switches.size(); ++i) {
+        std::string const& switches = options_.switches[i];
+        Try(Given_case(options_.network, switches), "network-" + std::to_string(i + 1),
+            "--network " + Quoted(options_.network) + " --switches " + Quoted(switches));
     }
     Delete(box_);
 }
@@ -475,14 +518,21 @@ Options Read_options(int argc, char** argv) {
         } else if (name == "--one") {
             options.seed = static_cast<std::uint32_t>(std::stoul(value));
             options.cases = 1;
+        } else if (name == "--network") {
+            options.network = std::filesystem::canonical(value);
+        } else if (name == "--switches") {
+            options.switches.push_back(value);
         } else if (name == "--keep") {
             options.keep = value;
         } else {
             throw std::invalid_argument(usage);
         }
     }
-    if (options.program.empty()) {
+    if (options.program.empty() || (options.network.empty() && !options.switches.empty())) {
         throw std::invalid_argument(usage);
+    }
+    if (!options.network.empty() && options.switches.empty()) {
+        options.switches.emplace_back(); // one run without switches
     }
     return options;
 }
