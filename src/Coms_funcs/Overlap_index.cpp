@@ -3,7 +3,7 @@
 // Leaves   the unclaimed partners of one clique after the other, each claimed once a level.
 // Order    partners ascending. The order inside the lists is of no account: it changes as claimed
 //          cliques are moved behind the live ones.
-// Cost     16 bytes a clique member (its rank, and 12 for a place in a list), up to 10 more for
+// Cost     16 bytes a clique member (its rank, and 12 for a place in a list), up to 8 more for
 //          sliced lists, 32 bytes a clique. A level: one entry a clique, then the lists of the
 //          rarest nodes of each clique that is asked for: a glance an entry, or a few bits where a
 //          list is long.
@@ -12,6 +12,7 @@
 
 #include "support/Bit_counting.h"
 
+#include <algorithm>
 #include <bit>
 #include <cassert>
 
@@ -30,7 +31,7 @@ constexpr std::uint64_t nodes_a_line = 64 / sizeof(Node);
 // Slicing a list costs as much as a few dozen walks, and pays for long lists.
 constexpr std::uint32_t worth_slicing = 512;
 constexpr std::uint8_t walks_before_slicing = 32;
-constexpr std::uint64_t sliced_bytes_a_member = 10;
+constexpr std::uint64_t sliced_bytes_a_member = 8;
 constexpr std::uint64_t sliced_bytes_at_least = std::uint64_t{1} << 20;
 
 Signature Signature_of(Node_set nodes) {
@@ -70,11 +71,22 @@ std::size_t Keep_possible(Candidate* candidates, std::size_t count, Card const* 
     return kept;
 }
 
+// How many classes of nodes sliced lists tell apart. With few classes a large clique seems to have
+// many a node that it lacks.
+std::size_t N_classes(Set_list const& cliques) {
+    constexpr std::uint64_t fewest = 128;
+    constexpr std::uint64_t most = 1024;
+    constexpr std::uint64_t classes_a_member = 8;
+    std::uint64_t const mean_size = cliques.Total() / std::max<std::size_t>(cliques.size(), 1);
+    return std::bit_ceil(std::clamp(mean_size * classes_a_member, fewest, most));
+}
+
 } // namespace
 
 Overlap_index::Overlap_index(Set_list const& cliques, Node n_nodes)
     : cliques_(cliques), active_(n_nodes + 1, 0), asked_(n_nodes + 1, 0), class_(n_nodes + 1, 0),
-      sliced_(cliques.Total() * sliced_bytes_a_member + sliced_bytes_at_least, n_nodes + 1),
+      sliced_(cliques.Total() * sliced_bytes_a_member + sliced_bytes_at_least, n_nodes + 1,
+              N_classes(cliques)),
       holding_(n_nodes + 1, 0), claimed_(cliques.size() / 64 + 1, 0), mark_(n_nodes + 1, 0) {
     Flat_array<std::uint64_t> count(n_nodes + 2, 0);
     for (Node const node : cliques.Flat()) {
@@ -100,7 +112,7 @@ void Overlap_index::Class_nodes() {
         for (Node const node : cliques_[c]) {
             if (numbered[node] == 0) {
                 numbered[node] = 1;
-                class_[node] = static_cast<Node_class>(next++ % Sliced_list::n_classes);
+                class_[node] = static_cast<Node_class>(next++ % sliced_.N_classes());
             }
         }
     }

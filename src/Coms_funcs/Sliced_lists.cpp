@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Takes    sets by the classes of their nodes; questions.
 // Leaves   the sets that do not lack too many of the nodes asked for.
-// Cost     132 bits a set. A walk: a row of bits for every 512 sets and node looked at; these are
+// Cost     a bit a class and set. A walk: a row of bits for every 512 sets and node looked at;
+// these are
 //          few where most sets lack more than allowed of the first nodes already.
 // Tested   Sliced_lists_test.cpp (against counting).
 #include "Coms_funcs/Sliced_lists.h"
@@ -64,8 +65,8 @@ template <unsigned digits>
 // The sets of a strip that are asked for. `rows` begins with the strip's bits of the first row, and
 // the next row is `row_length` farther on.
 PLEXOR_WIDE_WORDS
-void Ask_strip(Bits const* rows, std::size_t row_length, Sliced_question const& question,
-               Bits& found) {
+void Ask_strip(Bits const* rows, std::size_t row_length, std::size_t open_row,
+               Sliced_question const& question, Bits& found) {
     Wide open{};
     for (Node_class const needed : question.needed) {
         Wide has;
@@ -76,7 +77,7 @@ void Ask_strip(Bits const* rows, std::size_t row_length, Sliced_question const& 
         open = ~open;
     }
     Wide can_be_found;
-    Load(can_be_found, rows[Sliced_list::n_classes * row_length]);
+    Load(can_be_found, rows[open_row * row_length]);
     open &= can_be_found;
     if (!None(open)) {
         switch (std::bit_width(question.most_lacking)) {
@@ -108,17 +109,17 @@ void Ask_strip(Bits const* rows, std::size_t row_length, Sliced_question const& 
 
 } // namespace
 
-Sliced_list::Sliced_list(std::uint32_t n_sets)
-    : n_strips_(N_strips(n_sets)), bits_((n_classes + 1) * n_strips_) {
+Sliced_list::Sliced_list(std::uint32_t n_sets, std::size_t n_classes)
+    : n_strips_(N_strips(n_sets)), n_classes_(n_classes), bits_((n_classes + 1) * n_strips_) {
     for (std::uint32_t set = 0; set < n_sets; ++set) {
-        Word(open_row, set) |= Bit(set);
+        Word(n_classes_, set) |= Bit(set);
     }
 }
 
 void Sliced_list::Walk(Sliced_question const& question, std::vector<std::uint32_t>& found) const {
     Bits open;
     for (std::size_t strip = 0; strip < n_strips_; ++strip) {
-        Ask_strip(bits_.data() + strip, n_strips_, question, open);
+        Ask_strip(bits_.data() + strip, n_strips_, n_classes_, question, open);
         for (std::size_t w = 0; w < open.size(); ++w) {
             for (std::uint64_t rest = open[w]; rest != 0; rest &= rest - 1) {
                 found.push_back(static_cast<std::uint32_t>(strip * strip_length + w * 64) +
@@ -139,11 +140,11 @@ Sliced_list* Sliced_lists::Begin(std::size_t number, std::uint32_t n_sets) {
     Sliced_list& list = lists_[place_[number] - 1];
     bytes_ -= list.Bytes();
     list = Sliced_list();
-    if (bytes_ + Sliced_list::Bytes(n_sets) > most_bytes_) {
+    if (bytes_ + Sliced_list::Bytes(n_sets, n_classes_) > most_bytes_) {
         place_[number] = 0;
         return nullptr;
     }
-    list = Sliced_list(n_sets);
+    list = Sliced_list(n_sets, n_classes_);
     bytes_ += list.Bytes();
     return &list;
 }

@@ -10,6 +10,8 @@ namespace {
 
 using Classes = std::vector<Node_class>;
 using Sets = std::vector<std::set<Node_class>>;
+
+constexpr std::size_t n_classes = 128;
 using Numbers = std::vector<std::uint32_t>;
 
 void Fill(Sliced_list& list, Sets const& sets) {
@@ -59,7 +61,7 @@ TEST(Sliced_list, Finds_what_counting_finds) {
                 Classes const classes = Some_classes(random, 2 + random() % 30, range);
                 set.insert(classes.begin(), classes.end());
             }
-            Sliced_list list(n_sets);
+            Sliced_list list(n_sets, n_classes);
             Fill(list, sets);
             std::vector<bool> closed(n_sets, false);
             for (unsigned round = 0; round < 60; ++round) {
@@ -82,7 +84,7 @@ TEST(Sliced_list, Finds_what_counting_finds) {
 }
 
 TEST(Sliced_list, Counts_up_to_any_number_of_lacking_nodes) {
-    Sliced_list list(3);
+    Sliced_list list(3, n_classes);
     list.Add(1, 5);
     for (std::uint32_t const lacking : {0U, 1U, 2U, 3U, 4U, 7U, 8U, 15U, 16U, 100U, 255U}) {
         Classes nodes(lacking + 1, 9); // sets 0 to 2 lack them all
@@ -97,11 +99,12 @@ TEST(Sliced_list, Counts_up_to_any_number_of_lacking_nodes) {
 
 TEST(Sliced_list, Of_no_sets_finds_nothing) {
     EXPECT_EQ(Found(Sliced_list(), {1, 2}, {}, 2), Numbers{});
-    EXPECT_EQ(Found(Sliced_list(0), {1, 2}, {}, 2), Numbers{});
+    EXPECT_EQ(Found(Sliced_list(0, n_classes), {1, 2}, {}, 2), Numbers{});
 }
 
 TEST(Sliced_lists, Keep_to_their_room) {
-    Sliced_lists lists(3 * Sliced_list::Bytes(512), 10);
+    Sliced_lists lists(3 * Sliced_list::Bytes(512, n_classes), 10, n_classes);
+    EXPECT_EQ(lists.N_classes(), n_classes);
     EXPECT_EQ(lists.Find(4), nullptr);
     ASSERT_NE(lists.Begin(4, 512), nullptr);
     ASSERT_NE(lists.Begin(5, 513), nullptr);
@@ -121,7 +124,7 @@ TEST(Sliced_lists, Keep_to_their_room) {
 }
 
 TEST(Sliced_lists, A_new_list_knows_nothing_of_the_old_one) {
-    Sliced_lists lists(Sliced_list::Bytes(512), 2);
+    Sliced_lists lists(Sliced_list::Bytes(512, n_classes), 2, n_classes);
     Sliced_list* list = lists.Begin(1, 2);
     list->Add(0, 3);
     list->Close(1);
