@@ -19,6 +19,7 @@ namespace cpm {
 namespace {
 
 constexpr std::size_t least_others = 2; // a clique has three nodes or more
+constexpr std::size_t ahead = 4;        // neighbours of so many nodes are on their way from memory
 
 } // namespace
 
@@ -53,6 +54,10 @@ void Node_search::Clique_find_main_inv(Node node, Set_list& cliques) {
     }
     for (std::size_t i = 0; i < candidates.size(); ++i) {
         place_[candidates[i]] = static_cast<std::uint32_t>(i + 1);
+        order_.Prefetch_place(candidates[i]);
+    }
+    for (Node const done : order_.Earlier(node)) {
+        order_.Prefetch_place(done);
     }
     if (Gather(node)) {
         local_.Find();
@@ -71,6 +76,9 @@ bool Node_search::Gather(Node node) {
     bool any = false;
     // Each link between candidates is a later link of one of its two ends.
     for (std::size_t i = 0; i < candidates.size(); ++i) {
+        if (i + ahead < candidates.size()) {
+            order_.Prefetch_neighbours(candidates[i + ahead]);
+        }
         for (Node const other : order_.Later(candidates[i])) {
             if (place_[other] != 0) {
                 local_.Link(i, place_[other] - 1);
@@ -82,7 +90,12 @@ bool Node_search::Gather(Node node) {
         return false;
     }
     // All candidates come after the node, so they are later neighbours of a done neighbour.
-    for (Node const done : order_.Earlier(node)) {
+    Node_set const excluded = order_.Earlier(node);
+    for (std::size_t i = 0; i < excluded.size(); ++i) {
+        if (i + ahead < excluded.size()) {
+            order_.Prefetch_neighbours(excluded[i + ahead]);
+        }
+        Node const done = excluded[i];
         local_.Start_excluded();
         for (Node const other : order_.Later(done)) {
             if (place_[other] != 0) {

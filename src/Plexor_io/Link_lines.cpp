@@ -28,7 +28,13 @@ Link_lines::Link_lines(Pair_table const& pairs, Index_links const& links, Names_
 }
 
 void Link_lines::Put(std::span<Link_number const> numbers, Record_text& text) const {
+    // The lines of a community lie all over the text of a large network.
+    constexpr std::size_t ahead = 12;
     for (std::size_t i = 0; i < numbers.size();) {
+        if (i + 2 * ahead < numbers.size()) {
+            __builtin_prefetch(&starts_[numbers[i + 2 * ahead]]);
+            __builtin_prefetch(bytes_.data() + starts_[numbers[i + ahead]]);
+        }
         std::uint64_t const begin = starts_[numbers[i]];
         // A run of consecutive numbers.
         for (++i; i < numbers.size() && numbers[i] == numbers[i - 1] + 1;) {
