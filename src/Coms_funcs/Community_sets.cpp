@@ -49,6 +49,10 @@ void Community_sets::Add_community(std::span<Partner const> members) {
         std::uint32_t& community = community_of_[member.clique];
         if (community == none) {
             Add_new_part(member);
+            // What waits to be merged must not outgrow what can come of it by much.
+            if (more_links_.size() / 4 > pairs_.size()) {
+                Unite(sets.links, more_links_, pairs_.size());
+            }
         } else if (swallowed_by_[community] != number) {
             swallowed_by_[community] = number;
             Take_over(old_communities_[community], sets);

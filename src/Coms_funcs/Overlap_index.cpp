@@ -76,7 +76,7 @@ std::size_t Keep_possible(Candidate* candidates, std::size_t count, Card const* 
 std::size_t N_classes(Set_list const& cliques) {
     constexpr std::uint64_t fewest = 128;
     constexpr std::uint64_t most = 1024;
-    constexpr std::uint64_t classes_a_member = 8;
+    constexpr std::uint64_t classes_a_member = 16;
     std::uint64_t const mean_size = cliques.Total() / std::max<std::size_t>(cliques.size(), 1);
     return std::bit_ceil(std::clamp(mean_size * classes_a_member, fewest, most));
 }
