@@ -84,7 +84,7 @@ std::size_t N_classes(Set_list const& cliques) {
 } // namespace
 
 Overlap_index::Overlap_index(Set_list const& cliques, Node n_nodes)
-    : cliques_(cliques), active_(n_nodes + 1, 0), asked_(n_nodes + 1, 0), class_(n_nodes + 1, 0),
+    : cliques_(cliques), active_(n_nodes + 1, 0), asked_(n_nodes + 1, 0),
       sliced_(cliques.Total() * sliced_bytes_a_member + sliced_bytes_at_least, n_nodes + 1,
               N_classes(cliques)),
       holding_(n_nodes + 1, 0), claimed_(cliques.size() / 64 + 1, 0), mark_(n_nodes + 1, 0) {
@@ -99,13 +99,13 @@ Overlap_index::Overlap_index(Set_list const& cliques, Node n_nodes)
     glances_.Resize_uninitialised(cliques.Total());
     listed_.Resize_uninitialised(cliques.Total());
     Rank_nodes();
-    Class_nodes();
 }
 
 // Nodes that occur together should be of different classes. The last cliques are those of the nodes
 // with most neighbours, where the most cliques overlap: numbered as they occur from there, the
 // nodes of one dense region get numbers in a row.
 void Overlap_index::Class_nodes() {
+    class_.Resize(mark_.size());
     Flat_array<std::uint8_t> numbered(class_.size(), 0);
     std::size_t next = 0;
     for (std::size_t c = cliques_.size(); c-- > 0;) {
@@ -225,13 +225,19 @@ void Overlap_index::Ask_glances(std::size_t n) {
     }
 }
 
+void Overlap_index::Translate(std::span<Node const> nodes, std::vector<Node_class>& classes) const {
+    classes.clear();
+    for (Node const node : nodes) {
+        classes.push_back(class_[node]);
+    }
+}
+
 // A partner is looked for at the rarest node that it shares alone: here those that lack the n nodes
 // before this one.
 void Overlap_index::Ask_sliced(Sliced_list& list, std::size_t n) {
     if (question_.classes.empty()) {
-        for (Node const node : question_.nodes) {
-            question_.classes.push_back(class_[node]);
-        }
+        Translate(question_.nodes, question_.classes);
+        Translate(question_.needed_nodes, question_.needed);
     }
     std::span<Node_class const> const classes = question_.classes;
     Node const node = question_.nodes[n];
@@ -252,6 +258,9 @@ void Overlap_index::Ask_sliced(Sliced_list& list, std::size_t n) {
 
 // Null when there is no room: then all lists make room, and those asked often come back.
 Sliced_list* Overlap_index::Slice(Node node) {
+    if (class_.empty()) {
+        Class_nodes(); // most networks never come here
+    }
     Sliced_list* const list = sliced_.Begin(node, live_[node]);
     if (list == nullptr) {
         sliced_.Give_up_all();
@@ -332,11 +341,11 @@ void Overlap_index::Drop_claimed(Node node) {
 bool Overlap_index::Ask(Partner const& from) {
     question_.nodes = Ranked(from.clique);
     Glance needed = 0;
-    question_.needed.clear();
+    question_.needed_nodes.clear();
     auto const consider = [&](Node node) {
         if (holding_live_[node] > 0) {
             needed |= Glance_bit(node);
-            question_.needed.push_back(class_[node]);
+            question_.needed_nodes.push_back(node);
         }
     };
     if (from.new_nodes == all_new) {

@@ -85,14 +85,16 @@ public:
 private:
     // What one clique asks of the lists of its nodes.
     struct Question {
-        std::span<Node const> nodes; ///< its own, rarest first
+        std::span<Node const> nodes;    ///< its own, rarest first
+        std::vector<Node> needed_nodes; ///< a partner has one of these
         Glance_question of_glances;
-        std::vector<Node_class> classes; ///< of its nodes, in the same order
-        std::vector<Node_class> needed;  ///< classes of which a partner has a node
+        std::vector<Node_class> classes; ///< of its nodes; empty as long as no sliced list is asked
+        std::vector<Node_class> needed;  ///< of the needed nodes, likewise
     };
 
     void Rank_nodes();
     void Class_nodes();
+    void Translate(std::span<Node const> nodes, std::vector<Node_class>& classes) const;
     void List_clique(Clique_number clique, std::uint32_t from, std::uint32_t to);
     void Ask_list(std::size_t n);
     void Ask_glances(std::size_t n);
@@ -115,7 +117,7 @@ private:
     Flat_array<std::uint32_t> live_;      ///< node -> length without claimed ones moved back
     Flat_array<std::uint32_t> unclaimed_; ///< node -> how many of these are not claimed
     Flat_array<std::uint8_t> asked_;      ///< node -> how often its list was walked, up to a limit
-    Flat_array<Node_class> class_;        ///< node -> its class in sliced lists
+    Flat_array<Node_class> class_; ///< node -> its class in sliced lists; empty before the first
     Sliced_lists sliced_;
     Flat_array<std::uint32_t> holding_;      ///< node -> cliques in play that hold it
     Flat_array<std::uint32_t> holding_live_; ///< ... that are not claimed
