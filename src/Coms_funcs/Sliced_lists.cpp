@@ -2,8 +2,7 @@
 // Takes    sets by the classes of their nodes; questions.
 // Leaves   the sets that do not lack too many of the nodes asked for.
 // Cost     a bit a class and set. A walk: a row of bits for every 512 sets and node looked at;
-// these are
-//          few where most sets lack more than allowed of the first nodes already.
+//          these are few where most sets lack more than allowed of the first nodes already.
 // Tested   Sliced_lists_test.cpp (against counting).
 #include "Coms_funcs/Sliced_lists.h"
 

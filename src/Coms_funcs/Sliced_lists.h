@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Sliced_lists: long lists of node sets, turned by a quarter: for each of 128 classes of nodes
-// there is a row of bits, one for each set of the list, that says whether the set has a node of the
-// class. A walk that looks for sets which lack few of some nodes deals with 512 sets in one stroke,
-// and after a handful of rows it mostly knows that none of them is what it looks for.
+// Sliced_lists: long lists of node sets, turned by a quarter: for each class of nodes there is a
+// row of bits, one for each set of the list, that says whether the set has a node of the class. A
+// walk that looks for sets which lack few of some nodes deals with 512 sets in one stroke, and
+// after a handful of rows it mostly knows that none of them is what it looks for.
 #ifndef PLEXOR_SLICED_LISTS_H
 #define PLEXOR_SLICED_LISTS_H
 
