@@ -242,6 +242,18 @@ TEST(First_check, A_done_node_that_is_no_neighbour_of_the_centre_forbids_nothing
     EXPECT_EQ(Check(check, around), (Walk{false, {}}));
 }
 
+// One check used for what `make` makes of each round; counts the rounds that reach the clock.
+template <class Make> void Agree_with_two_steps(int rounds, Make const& make, int& reached) {
+    First_check check;
+    reached = 0;
+    for (int round = 0; round < rounds; ++round) {
+        Surroundings const around = make(round);
+        Walk const expected = Walk_two_steps(around);
+        ASSERT_EQ(Check(check, around), expected) << "round " << round;
+        reached += expected.reached ? 1 : 0;
+    }
+}
+
 TEST(First_check, Random_networks_agree_with_a_walk_of_two_steps) {
     Random_numbers random(41);
     First_check check;
@@ -264,17 +276,13 @@ TEST(First_check, Random_networks_agree_with_a_walk_of_two_steps) {
 // Every candidate is in several teams, and many a team has a done node: known sets that overlap.
 TEST(First_check, Teams_with_done_nodes_agree_with_a_walk_of_two_steps) {
     Random_numbers random(43);
-    First_check check;
     int reached = 0;
-    for (int round = 0; round < 1500; ++round) {
+    auto const make = [&](int) {
         Node const n = 8 + random.Below(14);
-        Surroundings const around =
-            Around(Random_teams(n, 2 + random.Below(8), 3 + random.Below(5), random), n,
-                   10 + random.Below(40), random);
-        Walk const expected = Walk_two_steps(around);
-        ASSERT_EQ(Check(check, around), expected) << "round " << round;
-        reached += expected.reached ? 1 : 0;
-    }
+        return Around(Random_teams(n, 2 + random.Below(8), 3 + random.Below(5), random), n,
+                      10 + random.Below(40), random);
+    };
+    Agree_with_two_steps(1500, make, reached);
     EXPECT_GT(reached, 200);
     EXPECT_LT(reached, 1300);
 }
@@ -283,9 +291,8 @@ TEST(First_check, Teams_with_done_nodes_agree_with_a_walk_of_two_steps) {
 // walk then mostly goes through to the end.
 TEST(First_check, Many_candidates_agree_with_a_walk_of_two_steps) {
     Random_numbers random(47);
-    First_check check;
     int reached = 0;
-    for (int round = 0; round < 40; ++round) {
+    auto const make = [&](int round) {
         Node const n = 66 + random.Below(70);
         Surroundings around =
             Around(Random_links(n, 1 + random.Below(6), random), n, random.Below(20), random);
@@ -293,10 +300,9 @@ TEST(First_check, Many_candidates_agree_with_a_walk_of_two_steps) {
             Link_all(around.links, Range(1, n), {n + 1});
             around.done.insert(n + 1);
         }
-        Walk const expected = Walk_two_steps(around);
-        ASSERT_EQ(Check(check, around), expected) << "round " << round;
-        reached += expected.reached ? 1 : 0;
-    }
+        return around;
+    };
+    Agree_with_two_steps(40, make, reached);
     EXPECT_GT(reached, 5);
     EXPECT_LT(reached, 35);
 }
@@ -304,9 +310,8 @@ TEST(First_check, Many_candidates_agree_with_a_walk_of_two_steps) {
 // Candidates of which some have long lists and most have short ones, and the same of done nodes.
 TEST(First_check, Long_lists_beside_short_ones_agree_with_a_walk_of_two_steps) {
     Random_numbers random(53);
-    First_check check;
     int reached = 0;
-    for (int round = 0; round < 40; ++round) {
+    auto const make = [&](int) {
         Node const n = 150;
         Links links = Random_links(n, 1, random);
         for (int hub = 0; hub < 2; ++hub) {
@@ -319,10 +324,9 @@ TEST(First_check, Long_lists_beside_short_ones_agree_with_a_walk_of_two_steps) {
         }
         Surroundings around = Around(links, n, 10 + random.Below(80), random);
         Link_all(around.links, {around.centre % n + 1}, Range(n + 1, n + 2000));
-        Walk const expected = Walk_two_steps(around);
-        ASSERT_EQ(Check(check, around), expected) << "round " << round;
-        reached += expected.reached ? 1 : 0;
-    }
+        return around;
+    };
+    Agree_with_two_steps(40, make, reached);
     EXPECT_GT(reached, 5);
     EXPECT_LT(reached, 35);
 }
