@@ -249,10 +249,14 @@ void Links_of_communities(benchmark::State& state) {
     for (auto _ : state) {
         n_links = 0;
         for (std::size_t i = 0; i < level.coms.size(); ++i) {
-            level.coms.links(i, [&](std::span<Link_number const> piece) {
-                benchmark::DoNotOptimize(piece.data());
-                n_links += piece.size();
-            });
+            level.coms.links(
+                i, {.numbers =
+                        [&](std::span<Link_number const> piece) {
+                            benchmark::DoNotOptimize(piece.data());
+                            n_links += piece.size();
+                        },
+                    .all_pairs =
+                        [&](Node_set nodes) { n_links += nodes.size() * (nodes.size() - 1) / 2; }});
         }
     }
     state.counters["links"] = Count(n_links);

@@ -152,10 +152,13 @@ struct Index_links {
     }
 };
 
-/// Hands out the links of one community, as numbers of the Pair_table, in the order in which they
-/// are written, in as many pieces as suit: the links of all communities together are often much
-/// more than the cliques they come from, so nobody holds them.
-using Take_links = std::function<void(std::span<Link_number const>)>;
+/// Takes the links of one community, in the order in which they are written, in as many pieces as
+/// suit: the links of all communities together are often much more than the cliques they come from,
+/// so nobody holds them.
+struct Take_links {
+    std::function<void(std::span<Link_number const>)> numbers; ///< numbers of the Pair_table
+    std::function<void(Node_set)> all_pairs;                   ///< the pairs of a clique's nodes
+};
 using Community_links = std::function<void(std::size_t community, Take_links const& take)>;
 
 /// The communities found at one k. Position i everywhere belongs to community i; the exact

@@ -149,15 +149,9 @@ Node_set Community_sets::Nodes(std::size_t community) const {
 void Community_sets::Links(std::size_t community, Take_links const& take) const {
     Community const& one = communities_[community];
     if (one.sets != none) {
-        take(sets_[one.sets].links);
-        return;
-    }
-    Node_set const nodes = cliques_[one.clique];
-    std::vector<Link_number> row;
-    for (std::size_t i = 0; i + 1 < nodes.size(); ++i) {
-        row.clear();
-        pairs_.Append_numbers(nodes[i], nodes.subspan(i + 1), row);
-        take(row);
+        take.numbers(sets_[one.sets].links);
+    } else {
+        take.all_pairs(cliques_[one.clique]);
     }
 }
 

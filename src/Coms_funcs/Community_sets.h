@@ -32,7 +32,7 @@ public:
 
     std::size_t size() const { return communities_.size(); }
     Node_set Nodes(std::size_t community) const;
-    /// The numbers of the links, ascending, in pieces.
+    /// The links, ascending.
     void Links(std::size_t community, Take_links const& take) const;
 
 private:

@@ -349,12 +349,12 @@ public:
             Number_links(k_cliques_[i]);
             piece_.Append(link_numbers_);
             if (piece_.size() >= a_piece) {
-                take(piece_);
+                take.numbers(piece_);
                 piece_.clear();
             }
         }
         if (!piece_.empty()) {
-            take(piece_);
+            take.numbers(piece_);
         }
     }
 

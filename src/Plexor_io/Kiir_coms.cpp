@@ -62,15 +62,15 @@ void Kiir_coms_cliques_PX(Communities const& coms, std::string const& dir, std::
 }
 
 void Kiir_com_links_PX(Communities const& coms, std::string const& dir, std::uint32_t k,
-                       Link_lines const& lines, std::string const& com_flag,
+                       Link_lines& lines, std::string const& com_flag,
                        std::string const& alap_szoveg, Console& console) {
     Text_file file(Prepared_path(dir, k, com_flag, "communities_links"), console);
     Put_header("links inside the ", k, com_flag, alap_szoveg, file);
     file.Put('\n');
     Record_text text(file);
-    Take_links const put_lines = [&](std::span<Link_number const> links) {
-        lines.Put(links, text);
-    };
+    Take_links const put_lines{
+        .numbers = [&](std::span<Link_number const> numbers) { lines.Put(numbers, text); },
+        .all_pairs = [&](Node_set nodes) { lines.Put_all_pairs(nodes, text); }};
     for (std::size_t i = 0; i < coms.size(); ++i) {
         text.Put_number(static_cast<std::uint32_t>(i), i >= coms.n_exact);
         text.Put(":\n");

@@ -28,7 +28,7 @@ void Kiir_coms_cliques_PX(Communities const& coms, std::string const& dir, std::
 
 /// The links inside each community, one a line.
 void Kiir_com_links_PX(Communities const& coms, std::string const& dir, std::uint32_t k,
-                       Link_lines const& lines, std::string const& com_flag,
+                       Link_lines& lines, std::string const& com_flag,
                        std::string const& alap_szoveg, Console& console);
 
 } // namespace cpm

@@ -3,7 +3,8 @@
 
 namespace cpm {
 
-Link_lines::Link_lines(Pair_table const& pairs, Index_links const& links, Names_map const& names) {
+Link_lines::Link_lines(Pair_table const& pairs, Index_links const& links, Names_map const& names)
+    : pairs_(pairs), names_(names) {
     starts_.Reserve(pairs.size() + 1);
     starts_.push_back(0);
     // Both the pairs and the links are ascending, so one look at each is enough.
@@ -17,6 +18,7 @@ Link_lines::Link_lines(Pair_table const& pairs, Index_links const& links, Names_
     for (Node first = 0; pairs.size() > 0 && first <= pairs.Last_first(); ++first) {
         for (Node const second : pairs.Seconds(first)) {
             bool const as_is = is_link({first, second});
+            smaller_first_ = smaller_first_ && as_is;
             bytes_.Append(names.Spaced(as_is ? first : second));
             bytes_.Append(names[as_is ? second : first]);
             bytes_.push_back('\n');
@@ -48,6 +50,41 @@ void Link_lines::Put(std::span<Link_number const> numbers, Record_text& text) co
             text.Put({bytes_.data() + begin, size});
         }
     }
+}
+
+void Link_lines::Put_all_pairs(Node_set nodes, Record_text& text) {
+    if (smaller_first_ && Take_names(nodes)) {
+        for (std::size_t i = 0; i < halves_.size(); ++i) {
+            Half_line first = halves_[i];
+            first.bytes[first.size - 1U] = ' ';
+            for (std::size_t j = i + 1; j < halves_.size(); ++j) {
+                text.Put_padded<sizeof(first.bytes)>(first.bytes.data(), first.size);
+                text.Put_padded<sizeof(first.bytes)>(halves_[j].bytes.data(), halves_[j].size);
+            }
+        }
+        return;
+    }
+    for (std::size_t i = 0; i + 1 < nodes.size(); ++i) {
+        row_.clear();
+        pairs_.Append_numbers(nodes[i], nodes.subspan(i + 1), row_);
+        Put(row_, text);
+    }
+}
+
+// Keeps the name of each node with an end of line behind it. False when one of them is too long.
+bool Link_lines::Take_names(Node_set nodes) {
+    halves_.clear();
+    for (Node const node : nodes) {
+        std::string_view const name = names_[node];
+        Half_line half{};
+        if (name.size() >= half.bytes.size()) {
+            return false;
+        }
+        *std::ranges::copy(name, half.bytes.begin()).out = '\n';
+        half.size = static_cast<unsigned char>(name.size() + 1);
+        halves_.push_back(half);
+    }
+    return true;
 }
 
 } // namespace cpm

@@ -97,6 +97,25 @@ inline std::vector<std::vector<Node>> To_vectors(Set_list const& list) {
     return vectors;
 }
 
+/// Collects the links of a community as pairs of nodes; a number is the place in `all_pairs`.
+/// Both must outlive it.
+inline Take_links To_pairs(std::span<Node_pair const> all_pairs, std::vector<Node_pair>& result) {
+    return {.numbers =
+                [all_pairs, &result](std::span<Link_number const> numbers) {
+                    for (Link_number const number : numbers) {
+                        result.push_back(all_pairs[number]);
+                    }
+                },
+            .all_pairs =
+                [&result](Node_set nodes) {
+                    for (std::size_t i = 0; i < nodes.size(); ++i) {
+                        for (Node const larger : nodes.subspan(i + 1)) {
+                            result.push_back({nodes[i], larger});
+                        }
+                    }
+                }};
+}
+
 } // namespace cpm::test
 
 #endif

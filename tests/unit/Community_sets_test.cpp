@@ -43,11 +43,7 @@ struct Network {
 
     Pairs Links_of(std::size_t community) const {
         Pairs result;
-        sets.Links(community, [&](std::span<Link_number const> numbers) {
-            for (Link_number const number : numbers) {
-                result.push_back(links.pairs[number]);
-            }
-        });
+        sets.Links(community, test::To_pairs(links.pairs, result));
         return result;
     }
     // The clique, with the nodes that another clique lacks.

@@ -52,11 +52,7 @@ Outcome Communities_of(K_clique_list const& k_cliques, Index_links const& links,
         outcome.nodes = To_vectors(coms.nodes);
         for (std::size_t i = 0; i < coms.size(); ++i) {
             outcome.links.emplace_back();
-            coms.links(i, [&](std::span<Link_number const> numbers) {
-                for (Link_number const number : numbers) {
-                    outcome.links.back().push_back(links.pairs[number]);
-                }
-            });
+            coms.links(i, test::To_pairs(links.pairs, outcome.links.back()));
         }
     } catch (Xerror_msg const& error) {
         outcome.error = error.what();
@@ -478,10 +474,11 @@ TEST(Intensity_coms_from_k_cliques, Hands_out_many_links_in_pieces_as_often_as_a
     for (int time = 0; time < 2; ++time) {
         std::vector<Link_number> got;
         std::size_t longest = 0;
-        coms.links(0, [&](std::span<Link_number const> numbers) {
+        auto const take = [&](std::span<Link_number const> numbers) {
             got.insert(got.end(), numbers.begin(), numbers.end());
             longest = std::max(longest, numbers.size());
-        });
+        };
+        coms.links(0, {.numbers = take, .all_pairs = {}});
         EXPECT_EQ(got, expected);
         EXPECT_LT(longest, 5000U);
     }

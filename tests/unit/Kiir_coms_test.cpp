@@ -40,23 +40,26 @@ struct Writing {
     std::string Links(Communities const& coms, std::string const& com_flag = "",
                       std::string const& file = "k=3/communities_links") {
         Pair_table const pairs(links, 4, {}, 0);
-        Kiir_com_links_PX(coms, dir.Path(), 3, Link_lines(pairs, links, names), com_flag, about,
-                          console);
+        Link_lines lines(pairs, links, names);
+        Kiir_com_links_PX(coms, dir.Path(), 3, lines, com_flag, about, console);
         return Read_file(dir.Path() + "/" + file);
     }
 };
 
-// Two communities, of which `n_exact` are exact. The links come in two pieces.
+// Two communities, of which `n_exact` are exact. The links of the first one come in two pieces,
+// those of the second one are all pairs of its nodes.
 Communities Two_communities(std::uint32_t n_exact) {
     Communities coms;
     coms.nodes = Set_list{{1, 2, 3}, {2, 3, 4}};
     coms.cliques = List_of_lists<Clique_number>{{5, 0, 12345}, {1}};
     coms.n_exact = n_exact;
     coms.links = [](std::size_t community, Take_links const& take) {
-        std::vector<std::vector<Link_number>> const links{{0, 1, 2}, {2, 3, 4}};
-        std::span<Link_number const> const all = links[community];
-        take(all.first(1));
-        take(all.subspan(1));
+        if (community == 0) {
+            take.numbers(std::vector<Link_number>{0});
+            take.numbers(std::vector<Link_number>{1, 2});
+        } else {
+            take.all_pairs(std::vector<Node>{2, 3, 4});
+        }
     };
     return coms;
 }
@@ -160,7 +163,7 @@ TEST(Kiir_coms, Files_that_cannot_be_opened_are_told) {
     }
     Communities const coms = Two_communities(2);
     Pair_table const pairs(writing.links, 4, {}, 0);
-    Link_lines const lines(pairs, writing.links, writing.names);
+    Link_lines lines(pairs, writing.links, writing.names);
     Kiir_coms_PX(coms, writing.dir.Path(), 3, writing.names, "", about, writing.console);
     Kiir_coms_cliques_PX(coms, writing.dir.Path(), 3, 9, "", about, writing.console);
     Kiir_com_links_PX(coms, writing.dir.Path(), 3, lines, "", about, writing.console);

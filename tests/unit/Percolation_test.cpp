@@ -124,11 +124,7 @@ Result Communities_at(std::uint32_t k, Percolation& percolation, Pair_table cons
     }
     for (std::size_t i = 0; i < coms.size(); ++i) {
         result.links.emplace_back();
-        coms.links(i, [&](std::span<Link_number const> links) {
-            for (Link_number const link : links) {
-                result.links.back().push_back(all_pairs.at(link));
-            }
-        });
+        coms.links(i, test::To_pairs(all_pairs, result.links.back()));
     }
     return result;
 }
