@@ -2,7 +2,6 @@
 #include "Plexor_io/Kiir_cliques.h"
 
 #include "Plexor_io/Name_labels.h"
-#include "Plexor_io/Record_text.h"
 #include "Plexor_io/Result_place.h"
 #include "Plexor_io/Text_file.h"
 #include "support/Direktoriz.h"
@@ -23,9 +22,8 @@ void Kiir_cliques_PX(std::string const& dir, Set_list const& cliques, Names_map 
     }
     file.Put('\n');
     Name_labels const labels(names, cliques.Total());
-    Record_text text(file);
     for (std::size_t i = 0; i < cliques.size(); ++i) {
-        labels.Put_record(i, i >= n_exact, cliques[i], text);
+        labels.Put_record(i, i >= n_exact, cliques[i], file);
     }
 }
 
@@ -34,9 +32,8 @@ void Kiir_k_cliques_PX(std::string const& dir, K_clique_list const& k_cliques, s
     Text_file file(Prepare_k_dir(dir, k) + "/k-cliques", console);
     file.Put("# The k-cliques at k=" + int2string(k) + alap_szoveg + '\n');
     Name_labels const labels(names, std::uint64_t{k} * k_cliques.size());
-    Record_text text(file);
     for (std::size_t i = 0; i < k_cliques.size(); ++i) {
-        labels.Put_record(i, false, k_cliques[i], text);
+        labels.Put_record(i, false, k_cliques[i], file);
     }
 }
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Plexor_io/Kiir_com_graph.h"
 
-#include "Plexor_io/Record_text.h"
 #include "Plexor_io/Result_place.h"
 #include "Plexor_io/Text_file.h"
 #include "support/My_int2string.h"
@@ -33,15 +32,14 @@ void Kiir_com_graph_PX(Community_graph& graph, std::size_t n_exact_coms, std::st
     // Deliberate: this header lacks the word "communities".
     file.Put("# The graph of " + Word_before(com_flag, ' ') + "at k=" + int2string(k) + "\n#" +
              alap_szoveg + '\n');
-    Record_text text(file);
     graph.Walk([&](std::uint32_t community, std::span<Overlap const> row) {
         Line_start const start(community, community >= n_exact_coms);
         for (Overlap const& overlap : row) {
-            text.Put_padded<sizeof(start.bytes)>(start.bytes.data(), start.size);
-            text.Put_number(overlap.community, overlap.community >= n_exact_coms);
-            text.Put(' ');
-            text.Put_number(overlap.shared);
-            text.Put('\n');
+            file.Put_padded<sizeof(start.bytes)>(start.bytes.data(), start.size);
+            file.Put_number(overlap.community, overlap.community >= n_exact_coms);
+            file.Put(' ');
+            file.Put_number(overlap.shared);
+            file.Put('\n');
         }
     });
 }

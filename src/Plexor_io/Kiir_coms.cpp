@@ -2,7 +2,6 @@
 #include "Plexor_io/Kiir_coms.h"
 
 #include "Plexor_io/Name_labels.h"
-#include "Plexor_io/Record_text.h"
 #include "Plexor_io/Result_place.h"
 #include "Plexor_io/Text_file.h"
 #include "support/My_int2string.h"
@@ -35,9 +34,8 @@ void Kiir_coms_PX(Communities const& coms, std::string const& dir, std::uint32_t
     }
     file.Put('\n');
     Name_labels const labels(names, coms.nodes.Total());
-    Record_text text(file);
     for (std::size_t i = 0; i < coms.size(); ++i) {
-        labels.Put_record(i, i >= coms.n_exact, coms.nodes[i], text);
+        labels.Put_record(i, i >= coms.n_exact, coms.nodes[i], file);
     }
 }
 
@@ -48,16 +46,15 @@ void Kiir_coms_cliques_PX(Communities const& coms, std::string const& dir, std::
     Put_header("contained " + Word_before(com_flag, ' ') + "cliques in the ", k, com_flag,
                alap_szoveg, file);
     file.Put('\n');
-    Record_text text(file);
     for (std::size_t i = 0; i < coms.cliques.size(); ++i) {
         bool const approximated = i >= coms.n_exact;
-        text.Put_number(static_cast<std::uint32_t>(i), approximated);
-        text.Put(": ");
+        file.Put_number(i, approximated);
+        file.Put(": ");
         for (Clique_number const clique : coms.cliques[i]) {
-            text.Put_number(clique, approximated && clique >= n_exact_cliques);
-            text.Put(' ');
+            file.Put_number(clique, approximated && clique >= n_exact_cliques);
+            file.Put(' ');
         }
-        text.Put('\n');
+        file.Put('\n');
     }
 }
 
@@ -67,13 +64,12 @@ void Kiir_com_links_PX(Communities const& coms, std::string const& dir, std::uin
     Text_file file(Prepared_path(dir, k, com_flag, "communities_links"), console);
     Put_header("links inside the ", k, com_flag, alap_szoveg, file);
     file.Put('\n');
-    Record_text text(file);
     Take_links const put_lines{
-        .numbers = [&](std::span<Link_number const> numbers) { lines.Put(numbers, text); },
-        .all_pairs = [&](Node_set nodes) { lines.Put_all_pairs(nodes, text); }};
+        .numbers = [&](std::span<Link_number const> numbers) { lines.Put(numbers, file); },
+        .all_pairs = [&](Node_set nodes) { lines.Put_all_pairs(nodes, file); }};
     for (std::size_t i = 0; i < coms.size(); ++i) {
-        text.Put_number(static_cast<std::uint32_t>(i), i >= coms.n_exact);
-        text.Put(":\n");
+        file.Put_number(i, i >= coms.n_exact);
+        file.Put(":\n");
         coms.links(i, put_lines);
     }
 }

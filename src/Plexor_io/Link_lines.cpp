@@ -29,7 +29,7 @@ Link_lines::Link_lines(Pair_table const& pairs, Index_links const& links, Names_
     bytes_.Shrink_to_fit();
 }
 
-void Link_lines::Put(std::span<Link_number const> numbers, Record_text& text) const {
+void Link_lines::Put(std::span<Link_number const> numbers, Text_sink& text) const {
     // The lines of a community lie all over the text of a large network.
     constexpr std::size_t ahead = 12;
     for (std::size_t i = 0; i < numbers.size();) {
@@ -52,7 +52,7 @@ void Link_lines::Put(std::span<Link_number const> numbers, Record_text& text) co
     }
 }
 
-void Link_lines::Put_all_pairs(Node_set nodes, Record_text& text) {
+void Link_lines::Put_all_pairs(Node_set nodes, Text_sink& text) {
     if (smaller_first_ && Take_names(nodes)) {
         for (std::size_t i = 0; i < halves_.size(); ++i) {
             Half_line first = halves_[i];

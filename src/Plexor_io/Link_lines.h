@@ -7,8 +7,8 @@
 #define PLEXOR_LINK_LINES_H
 
 #include "Coms_funcs/Pair_table.h"
-#include "Plexor_io/Record_text.h"
 #include "Types.h"
+#include "support/Text_sink.h"
 
 #include <array>
 #include <span>
@@ -24,9 +24,9 @@ public:
     Link_lines(Pair_table const& pairs, Index_links const& links, Names_map const& names);
 
     /// The lines of the links, in this order.
-    void Put(std::span<Link_number const> numbers, Record_text& text) const;
+    void Put(std::span<Link_number const> numbers, Text_sink& text) const;
     /// The lines of all pairs of these nodes, which are ascending; the table holds these pairs.
-    void Put_all_pairs(Node_set nodes, Record_text& text);
+    void Put_all_pairs(Node_set nodes, Text_sink& text);
 
 private:
     /// A name and what follows it in a line.

@@ -5,8 +5,8 @@
 #ifndef PLEXOR_NAME_LABELS_H
 #define PLEXOR_NAME_LABELS_H
 
-#include "Plexor_io/Record_text.h"
 #include "Types.h"
+#include "support/Text_sink.h"
 
 #include <array>
 
@@ -19,7 +19,7 @@ public:
     Name_labels(Names_map const& names, std::uint64_t n_wanted);
 
     /// The name of each node and a blank behind it, in this order.
-    void Put(Node_set nodes, Record_text& text) const {
+    void Put(Node_set nodes, Text_sink& text) const {
         if (labels_.empty()) {
             for (Node const node : nodes) {
                 text.Put(names_.Spaced(node));
@@ -38,9 +38,8 @@ public:
 
     /// A record of a result file: the number, with a "-" before it when it is that of something
     /// approximated, ": ", the names, and an end of line.
-    void Put_record(std::size_t number, bool approximated, Node_set nodes,
-                    Record_text& text) const {
-        text.Put_number(static_cast<std::uint32_t>(number), approximated);
+    void Put_record(std::size_t number, bool approximated, Node_set nodes, Text_sink& text) const {
+        text.Put_number(number, approximated);
         text.Put(": ");
         Put(nodes, text);
         text.Put('\n');

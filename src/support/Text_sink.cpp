@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstring>
 
 namespace cpm {
@@ -15,6 +16,19 @@ constexpr unsigned most_exact_decimals = 1074;
 constexpr std::size_t longest_exact = 309 + most_exact_decimals + 2;
 
 } // namespace
+
+constexpr Text_sink::Digit_table Text_sink::Make_digits() {
+    Digit_table digits{};
+    for (std::size_t number = 0; number < ten_to_4; ++number) {
+        std::size_t rest = number;
+        for (std::size_t place = 4; place-- > 0; rest /= 10) {
+            digits[4 * number + place] = static_cast<char>('0' + rest % 10);
+        }
+    }
+    return digits;
+}
+
+Text_sink::Digit_table const Text_sink::digits_ = Make_digits();
 
 void Text_sink::Put_large(std::string_view text) {
     while (!text.empty()) {

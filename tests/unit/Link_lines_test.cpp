@@ -26,21 +26,15 @@ Index_links Links(std::vector<Node_pair> const& pairs) {
 }
 
 std::string Lines(Link_lines const& lines, std::vector<Link_number> const& numbers) {
-    Text sink;
-    {
-        Record_text text(sink);
-        lines.Put(numbers, text);
-    }
-    return std::string(sink.View());
+    Text text;
+    lines.Put(numbers, text);
+    return std::string(text.View());
 }
 
 std::string Lines_of_all_pairs(Link_lines& lines, std::vector<Node> const& nodes) {
-    Text sink;
-    {
-        Record_text text(sink);
-        lines.Put_all_pairs(nodes, text);
-    }
-    return std::string(sink.View());
+    Text text;
+    lines.Put_all_pairs(nodes, text);
+    return std::string(text.View());
 }
 
 TEST(Link_lines, Undirected_links_have_the_smaller_index_first) {

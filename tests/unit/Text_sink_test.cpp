@@ -7,6 +7,7 @@
 #include <cmath>
 #include <iomanip>
 #include <limits>
+#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -34,6 +35,12 @@ private:
     std::string done_;
     std::array<char, largest_request> buffer_{};
 };
+
+std::string Number(std::uint64_t number) {
+    Text text;
+    text.Put_number(number);
+    return std::string(text.View());
+}
 
 std::string Streamed(double value) {
     std::ostringstream stream;
@@ -108,11 +115,12 @@ TEST(Text_through_a_small_buffer, Is_not_cut) {
         sink.Put("text");
         sink.Put('!');
         sink.Put_number(18446744073709551615U);
+        sink.Put_padded<8>("paddings", 3);
         sink.Put_repeated('_', 150);
         sink.Put(std::string(150, 'x'));
         sink.Put_fixed(-1e300, 3);
         sink.Put_general(-1.23456789e-300);
-        EXPECT_EQ(sink.All(), before + "text!18446744073709551615" + std::string(150, '_') +
+        EXPECT_EQ(sink.All(), before + "text!18446744073709551615pad" + std::string(150, '_') +
                                   std::string(150, 'x') + Streamed_fixed(-1e300, 3) +
                                   "-1.23457e-300");
     }
@@ -121,10 +129,61 @@ TEST(Text_through_a_small_buffer, Is_not_cut) {
 TEST(Whole_numbers, Are_plain_decimals) {
     for (std::uint64_t const number : {std::uint64_t{0}, std::uint64_t{7}, std::uint64_t{10},
                                        std::uint64_t{4294967296}, ~std::uint64_t{0}}) {
-        Text text;
-        text.Put_number(number);
-        EXPECT_EQ(text.View(), std::to_string(number));
+        EXPECT_EQ(Number(number), std::to_string(number));
     }
+    for (std::uint64_t number = 0; number <= 120000; ++number) {
+        ASSERT_EQ(Number(number), std::to_string(number));
+    }
+    for (std::uint64_t power = 100000; power < std::uint64_t{1} << 60; power *= 10) {
+        for (std::uint64_t const number : {power - 1, power, power + 1, 3 * power + 10203}) {
+            EXPECT_EQ(Number(number), std::to_string(number));
+        }
+    }
+    std::mt19937_64 random(1);
+    for (int i = 0; i < 100000; ++i) {
+        std::uint64_t const number = random() >> random() % 64;
+        ASSERT_EQ(Number(number), std::to_string(number));
+    }
+}
+
+TEST(Whole_numbers, Carry_a_sign_when_they_are_of_something_approximated_0_included) {
+    Text text;
+    text.Put_number(0, true);
+    text.Put(' ');
+    text.Put_number(12, true);
+    text.Put(' ');
+    text.Put_number(12, false);
+    EXPECT_EQ(text.View(), "-0 -12 12");
+}
+
+TEST(Padded_text, Is_written_without_its_padding) {
+    Text text;
+    text.Put_padded<4>("abcd", 1);
+    text.Put_padded<4>("efgh", 0);
+    text.Put_padded<4>("ijkl", 4);
+    EXPECT_EQ(text.View(), "aijkl");
+}
+
+// Pieces of all lengths, among them some that no buffer can hold.
+TEST(Text_through_a_small_buffer, Keeps_the_order_of_short_long_and_very_long_pieces) {
+    Narrow_sink sink;
+    std::string expected;
+    std::mt19937 random(1);
+    for (int i = 0; i < 20000; ++i) {
+        std::string piece(random() % (i % 100 == 0 ? 40000 : 40), static_cast<char>('a' + i % 26));
+        expected += piece;
+        if (piece.size() <= 32) {
+            std::size_t const size = piece.size();
+            piece.resize(32, '?');
+            sink.Put_padded<32>(piece.data(), size);
+        } else {
+            sink.Put(piece);
+        }
+        expected += std::to_string(i) + '\n';
+        sink.Put_number(static_cast<std::uint64_t>(i));
+        sink.Put('\n');
+    }
+    EXPECT_EQ(sink.All(), expected);
 }
 
 TEST(Fixed_notation, Has_exactly_the_decimals_asked_for) {
