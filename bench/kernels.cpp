@@ -267,7 +267,8 @@ void Walking_the_community_graph(benchmark::State& state) {
     Lowest_level const level(network);
     Community_distributions distributions;
     for (auto _ : state) {
-        Community_graph graph = Prepare_community_graph(level.coms);
+        Community_graph graph;
+        Prepare_community_graph(level.coms, graph);
         distributions = {};
         Community_statistics(distributions, graph, Community_part::all, network.n_nodes);
     }
@@ -320,7 +321,8 @@ void Writing_the_community_graph(benchmark::State& state) {
     Lowest_level const level(network);
     Scratch const out;
     for (auto _ : state) {
-        Community_graph graph = Prepare_community_graph(level.coms);
+        Community_graph graph;
+        Prepare_community_graph(level.coms, graph);
         Kiir_com_graph_PX(graph, level.coms.n_exact, out.Path(), 3, "", "", network.silent.Get());
     }
     state.SetBytesProcessed(state.iterations() * Bytes_below(out.Path()));

@@ -64,10 +64,9 @@ void Coms_finder::Find_coms(std::uint32_t k) {
 void Coms_finder::From_overlaps(std::uint32_t k) {
     Coms_report_sub::Report_com_export(k, input_.largest_clique, console_);
     console_.Message_done();
-    Communities coms;
-    percolation_->Coms_from_appr_ovlp_matr(coms, k);
+    percolation_->Coms_from_appr_ovlp_matr(coms_, k);
     console_.Put_line(" done.");
-    Write(k, coms);
+    Write(k);
 }
 
 void Coms_finder::From_k_cliques(std::uint32_t k) {
@@ -78,37 +77,38 @@ void Coms_finder::From_k_cliques(std::uint32_t k) {
     console_.Put_line("__________________________");
     console_.Put_line(" Writing k-clques to disk.");
     Kiir_k_cliques_PX(run.out_dir, k_cliques, k, input_.names, run.header_text, console_);
-    Communities coms;
-    Intensity_coms_from_k_cliques(k_cliques, coms, input_.links, run.intensity_threshold, console_);
-    Write(k, coms);
+    Intensity_coms_from_k_cliques(k_cliques, coms_, input_.links, run.intensity_threshold,
+                                  console_);
+    Write(k);
+    coms_ = Communities(); // their links are looked up in the k-cliques
 }
 
-void Coms_finder::Write(std::uint32_t k, Communities const& coms) {
+void Coms_finder::Write(std::uint32_t k) {
     Run_settings const& run = input_.run;
     console_.Put_line(" Writing commmunities to disk...");
-    Kiir_coms_PX(coms, run.out_dir, k, input_.names, run.com_flag, run.header_text, console_);
+    Kiir_coms_PX(coms_, run.out_dir, k, input_.names, run.com_flag, run.header_text, console_);
     if (!run.intensity) {
-        Kiir_coms_cliques_PX(coms, run.out_dir, k, input_.found.n_exact, run.com_flag,
+        Kiir_coms_cliques_PX(coms_, run.out_dir, k, input_.found.n_exact, run.com_flag,
                              run.header_text, console_);
     }
-    Kiir_com_links_PX(coms, run.out_dir, k, link_lines_, run.com_flag, run.header_text, console_);
+    Kiir_com_links_PX(coms_, run.out_dir, k, link_lines_, run.com_flag, run.header_text, console_);
     console_.Put_line(" done.");
 
-    Community_graph graph = Prepare_community_graph(coms);
-    Kiir_com_graph_PX(graph, coms.n_exact, run.out_dir, k, run.com_flag, run.header_text, console_);
+    Prepare_community_graph(coms_, graph_);
+    Kiir_com_graph_PX(graph_, coms_.n_exact, run.out_dir, k, run.com_flag, run.header_text,
+                      console_);
     console_.Put_line(" Calculating statistics...");
-    Write_statistics(k, graph);
+    Write_statistics(k);
 }
 
-void Coms_finder::Write_statistics(std::uint32_t k, Community_graph& graph) {
+void Coms_finder::Write_statistics(std::uint32_t k) {
     struct Part {
         Community_part part;
         std::string suffix;
         Community_distributions distributions{};
     };
-    Communities const& coms = graph.Coms();
     std::vector<Part> parts;
-    if (coms.size() <= coms.n_exact) {
+    if (coms_.size() <= coms_.n_exact) {
         parts = {{Community_part::all, ""}};
     } else {
         parts = {{Community_part::all, "_merged"},
@@ -116,7 +116,7 @@ void Coms_finder::Write_statistics(std::uint32_t k, Community_graph& graph) {
                  {Community_part::approximated, "_appr"}};
     }
     for (Part& one : parts) {
-        Community_statistics(one.distributions, graph, one.part, input_.n_nodes);
+        Community_statistics(one.distributions, graph_, one.part, input_.n_nodes);
     }
     console_.Put_line(" done.");
     Run_settings const& run = input_.run;

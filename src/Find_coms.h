@@ -44,8 +44,8 @@ public:
 private:
     void From_overlaps(std::uint32_t k);
     void From_k_cliques(std::uint32_t k);
-    void Write(std::uint32_t k, Communities const& coms);
-    void Write_statistics(std::uint32_t k, Community_graph& graph);
+    void Write(std::uint32_t k);
+    void Write_statistics(std::uint32_t k);
 
     Coms_input input_;
     Console& console_;
@@ -53,6 +53,8 @@ private:
     Link_lines link_lines_;
     std::unique_ptr<Stale_overlaps> stale_;    ///< in the rare state that needs them
     std::unique_ptr<Percolation> percolation_; ///< none in intensity runs
+    Communities coms_;                         ///< of the k under way
+    Community_graph graph_;                    ///< likewise
 };
 
 namespace Coms_report_sub {

@@ -41,17 +41,18 @@ Distribution Listed(Flat_array<std::uint64_t> const& counts) {
 
 } // namespace
 
-Community_graph Prepare_community_graph(Communities const& coms) {
-    return Community_graph(coms);
+void Prepare_community_graph(Communities const& coms, Community_graph& graph) {
+    graph.Prepare(coms);
 }
 
-Community_graph::Community_graph(Communities const& coms) : coms_(&coms) {
-    Set_list const& lists = coms.nodes;
-    std::span<Node const> const all = lists.Flat();
-    std::size_t const node_end = all.empty() ? 0 : std::size_t{*std::ranges::max_element(all)} + 1;
-    starts_.Resize(node_end + 1, 0);
-    for (Node const node : all) {
-        ++starts_[node];
+void Community_graph::Prepare(Communities const& coms) {
+    coms_ = &coms;
+    walked_ = false;
+    Number_nodes();
+    starts_.clear();
+    starts_.Resize(nodes_.size() + 1, 0);
+    for (Node const number : flat_) {
+        ++starts_[number];
     }
     std::uint64_t end = 0;
     for (std::uint64_t& start : starts_) {
@@ -59,11 +60,30 @@ Community_graph::Community_graph(Communities const& coms) : coms_(&coms) {
         start = end;
     }
     // Filled from its end, each part arrives at its start.
-    members_.Resize_uninitialised(all.size());
-    for (std::size_t i = lists.size(); i-- > 0;) {
-        for (Node const node : lists[i]) {
-            members_[--starts_[node]] = static_cast<std::uint32_t>(i);
+    members_.Resize_uninitialised(flat_.size());
+    for (std::size_t i = coms.size(), at = flat_.size(); i-- > 0;) {
+        for (std::size_t n = coms.nodes[i].size(); n > 0; --n) {
+            members_[--starts_[flat_[--at]]] = static_cast<std::uint32_t>(i);
         }
+    }
+}
+
+void Community_graph::Number_nodes() {
+    for (Node const node : nodes_) {
+        number_[node] = 0;
+    }
+    nodes_.clear();
+    std::span<Node const> const all = coms_->nodes.Flat();
+    std::size_t const node_end = all.empty() ? 0 : std::size_t{*std::ranges::max_element(all)} + 1;
+    number_.Resize(std::max(number_.size(), node_end), 0);
+    flat_.Resize_uninitialised(all.size());
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        Node const node = all[i];
+        if (number_[node] == 0) {
+            nodes_.push_back(node);
+            number_[node] = static_cast<Node>(nodes_.size());
+        }
+        flat_[i] = number_[node] - 1;
     }
 }
 
@@ -75,8 +95,10 @@ void Community_graph::Walk(Take_overlaps const& take) {
     for (Flat_array<std::uint64_t>& counts : overlap_counts_) {
         counts.clear();
     }
-    degrees_ = Flat_array<std::uint32_t>(n_coms, 0);
-    degrees_other_ = Flat_array<std::uint32_t>(n_coms, 0);
+    for (Flat_array<std::uint32_t>* degrees : {&degrees_, &degrees_other_}) {
+        degrees->clear();
+        degrees->Resize(n_coms, 0);
+    }
     for (std::size_t i = 0; i < n_coms; ++i) {
         auto const community = static_cast<std::uint32_t>(i);
         Fill_row(community);
@@ -94,8 +116,10 @@ void Community_graph::Walk(Take_overlaps const& take) {
 void Community_graph::Fill_row(std::uint32_t community) {
     touched_.Resize_uninitialised(coms_->size() + 1);
     std::size_t n_touched = 0;
-    for (Node const node : coms_->nodes[community]) {
-        std::uint64_t const end = starts_[node + 1];
+    std::uint64_t const* const begins = coms_->nodes.Starts() + community;
+    for (std::uint64_t n = begins[0]; n < begins[1]; ++n) {
+        Node const node = flat_[n];
+        std::uint64_t const end = starts_[std::size_t{node} + 1];
         for (std::uint64_t at = ++next_[node]; at < end; ++at) {
             std::uint32_t const other = members_[at];
             // Written each time and kept the first time: which of the two no branch could foresee.
@@ -195,7 +219,7 @@ void Community_statistics(Community_distributions& distributions, Community_grap
 
     Flat_array<std::uint64_t> memberships;
     std::uint64_t n_counted = 0;
-    for (Node node = 0; node < graph.Node_end(); ++node) {
+    for (std::size_t node = 0; node < graph.N_nodes(); ++node) {
         std::span<std::uint32_t const> const of = graph.Coms_of(node);
         auto const within =
             std::ranges::lower_bound(of, last) - std::ranges::lower_bound(of, first);

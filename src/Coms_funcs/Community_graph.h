@@ -45,6 +45,7 @@ struct Community_distributions {
 /// Which communities statistics are about: pairs count when both of them are of that part.
 enum class Community_part { all, exact, approximated };
 
+/// One object serves one k after the other, with the memory that it has by then.
 class Community_graph {
 public:
     /// Hands out the rows that are not empty, ascending.
@@ -53,10 +54,9 @@ public:
     // What the statistics ask for.
 
     Communities const& Coms() const { return *coms_; }
-    /// Every node in a community is below this number.
-    Node Node_end() const { return static_cast<Node>(starts_.size() - 1); }
-    /// The communities of a node, ascending.
-    std::span<std::uint32_t const> Coms_of(Node node) const {
+    /// The communities of each node that is in one.
+    std::size_t N_nodes() const { return nodes_.size(); }
+    std::span<std::uint32_t const> Coms_of(std::size_t node) const {
         return {members_.data() + starts_[node], members_.data() + starts_[node + 1]};
     }
     /// Whether Walk() has been called; the rest is known from then on.
@@ -67,23 +67,29 @@ public:
     std::uint32_t Degree(std::size_t community, Community_part part) const;
 
 private:
-    friend Community_graph Prepare_community_graph(Communities const& coms);
-    explicit Community_graph(Communities const& coms);
+    friend void Prepare_community_graph(Communities const& coms, Community_graph& graph);
 
     // A pair of communities: both exact, both approximated, or one of each.
     enum Pair_kind : std::size_t { both_exact, both_approximated, one_of_each, n_pair_kinds };
 
+    void Prepare(Communities const& coms);
+    void Number_nodes();
     void Fill_row(std::uint32_t community);
     void Sort_touched(std::uint32_t community);
     void Count_row(std::uint32_t community);
     void Count_pairs(std::uint32_t community, std::span<Overlap const> row, Pair_kind kind);
 
-    Communities const* coms_;
-    // The index: the communities of a node begin at starts_[node] in members_.
+    Communities const* coms_ = nullptr;
+    // The nodes are numbered as they occur first: at large k few are in communities, and those of
+    // one community are next to each other.
+    Flat_array<Node> number_; ///< node -> its number + 1; 0 for those in no community
+    Flat_array<Node> nodes_;  ///< number -> node
+    Flat_array<Node> flat_;   ///< the numbers of the nodes of all communities, in their order
+    // The index: the communities of the node of a number begin at starts_[number] in members_.
     Flat_array<std::uint64_t> starts_;
     Flat_array<std::uint32_t> members_;
     // The row under way. Before and after it all of shared_ and bits_ is zero.
-    Flat_array<std::uint64_t> next_;    ///< node -> where its communities not yet passed begin
+    Flat_array<std::uint64_t> next_;    ///< number -> where its communities not yet passed begin
     Flat_array<std::uint32_t> shared_;  ///< community -> nodes shared with that of the row
     Flat_array<std::uint32_t> touched_; ///< the communities whose shared_ is not zero
     Flat_array<std::uint64_t> bits_;
@@ -95,14 +101,13 @@ private:
     Flat_array<std::uint32_t> degrees_other_; ///< to the other part
 };
 
-/// Sets up the graph of the communities, which must outlive it.
-Community_graph Prepare_community_graph(Communities const& coms);
+/// Sets up the graph of the communities, which must outlive its use.
+void Prepare_community_graph(Communities const& coms, Community_graph& graph);
 
 /// The distributions of a part of the communities, in a network of `node_count` nodes; walks the
-/// graph if nobody has. The number
-/// of nodes in no community of the part is always the first entry of `membership`, even when it is
-/// 0. Throws Xerror_msg "ERROR: Community_statistics() : More vertex in the communities than in the
-/// graph.".
+/// graph if nobody has. The number of nodes in no community of the part is always the first entry
+/// of `membership`, even when it is 0. Throws Xerror_msg "ERROR: Community_statistics() : More
+/// vertex in the communities than in the graph.".
 void Community_statistics(Community_distributions& distributions, Community_graph& graph,
                           Community_part part, Node node_count);
 

@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <bit>
 #include <cassert>
+#include <utility>
 
 namespace cpm {
 
@@ -84,21 +85,20 @@ std::size_t N_classes(Set_list const& cliques) {
 } // namespace
 
 Overlap_index::Overlap_index(Set_list const& cliques, Node n_nodes)
-    : cliques_(cliques), active_(n_nodes + 1, 0), asked_(n_nodes + 1, 0),
+    : cliques_(cliques), states_(n_nodes + 1, Node_state()),
       sliced_(cliques.Total() * sliced_bytes_a_member + sliced_bytes_at_least, n_nodes + 1,
               N_classes(cliques)),
-      holding_(n_nodes + 1, 0), claimed_(cliques.size() / 64 + 1, 0), mark_(n_nodes + 1, 0) {
-    Flat_array<std::uint64_t> count(n_nodes + 2, 0);
+      claimed_(cliques.size() / 64 + 1, 0), mark_(n_nodes + 1, 0) {
     for (Node const node : cliques.Flat()) {
-        ++count[node + 1];
+        ++states_[node].begin;
     }
-    begins_ = count;
-    for (std::size_t node = 1; node < begins_.size(); ++node) {
-        begins_[node] += begins_[node - 1];
+    Rank_nodes();
+    std::uint64_t begin = 0;
+    for (Node_state& state : states_) {
+        begin += std::exchange(state.begin, begin);
     }
     glances_.Resize_uninitialised(cliques.Total());
     listed_.Resize_uninitialised(cliques.Total());
-    Rank_nodes();
 }
 
 // Nodes that occur together should be of different classes. The last cliques are those of the nodes
@@ -118,8 +118,8 @@ void Overlap_index::Class_nodes() {
     }
 }
 
+// Relies on: states_[node].begin is how many cliques hold the node, as yet.
 void Overlap_index::Rank_nodes() {
-    auto const n_cliques_of = [&](Node node) { return begins_[node + 1] - begins_[node]; };
     ranked_.Append(cliques_.Flat());
     cards_.Reserve(cliques_.size() + 1);
     std::uint64_t begin = 0;
@@ -128,8 +128,8 @@ void Overlap_index::Rank_nodes() {
         cards_.push_back(card);
         begin += cliques_[c].size();
         std::sort(ranked_.begin() + card.begin, ranked_.begin() + begin, [&](Node a, Node b) {
-            auto const of_a = n_cliques_of(a);
-            auto const of_b = n_cliques_of(b);
+            auto const of_a = states_[a].begin;
+            auto const of_b = states_[b].begin;
             return of_a != of_b ? of_a < of_b : a < b;
         });
     }
@@ -142,8 +142,11 @@ void Overlap_index::Start_level(std::uint32_t least_shared, std::uint32_t least_
     bool const afresh =
         least_shared_ == 0 || least_shared > least_shared_ || least_size > least_size_;
     if (afresh) {
-        std::fill(active_.begin(), active_.end(), 0);
-        std::fill(holding_.begin(), holding_.end(), 0);
+        for (Node_state& state : states_) {
+            state.active = 0;
+            state.holding = 0;
+        }
+        in_play_.clear();
     }
     std::uint32_t const sizes_listed = afresh ? beyond_all : least_size_;
     std::uint32_t const shares_listed = afresh ? beyond_all : least_shared_;
@@ -152,20 +155,29 @@ void Overlap_index::Start_level(std::uint32_t least_shared, std::uint32_t least_
         if (size >= sizes_listed) {
             List_clique(static_cast<Clique_number>(c), least_shared, shares_listed);
         } else if (size >= least_size) {
+            Bring_into_play(static_cast<Clique_number>(c));
             List_clique(static_cast<Clique_number>(c), least_shared, beyond_all);
-            for (Node const node : cliques_[c]) {
-                ++holding_[node];
-            }
         }
     }
     least_shared_ = least_shared;
     least_size_ = least_size;
-    live_ = active_;
-    unclaimed_ = active_;
-    std::fill(asked_.begin(), asked_.end(), 0);
+    for (Node const node : in_play_) {
+        Node_state& state = states_[node];
+        state.live = state.active;
+        state.unclaimed = state.active;
+        state.holding_live = state.holding;
+        state.asked = 0;
+    }
     sliced_.Give_up_all();
-    holding_live_ = holding_;
     std::fill(claimed_.begin(), claimed_.end(), 0);
+}
+
+void Overlap_index::Bring_into_play(Clique_number clique) {
+    for (Node const node : cliques_[clique]) {
+        if (states_[node].holding++ == 0) {
+            in_play_.push_back(node);
+        }
+    }
 }
 
 // Lists a clique under those of its nodes that come into play when the least overlap falls from
@@ -176,7 +188,7 @@ void Overlap_index::List_clique(Clique_number clique, std::uint32_t from, std::u
     Glance const glance = First_sight(nodes);
     for (std::uint32_t act = std::min(size, to - 1); act >= from; --act) {
         Node const node = nodes[size - act];
-        std::uint64_t const place = begins_[node] + active_[node]++;
+        std::uint64_t const place = states_[node].begin + states_[node].active++;
         glances_[place] = glance;
         listed_[place] = clique;
     }
@@ -185,18 +197,19 @@ void Overlap_index::List_clique(Clique_number clique, std::uint32_t from, std::u
 // Asks the list of the n-th rarest node of the clique that asks.
 void Overlap_index::Ask_list(std::size_t n) {
     Node const node = question_.nodes[n];
-    if (unclaimed_[node] == 0) {
+    Node_state& state = states_[node];
+    if (state.unclaimed == 0) {
         return;
     }
     Sliced_list* sliced = sliced_.Find(node);
     // Rarely enough that looking at each clique of the list does not weigh.
-    if (unclaimed_[node] <= live_[node] / 4 * (sliced != nullptr ? 2 : 3)) {
+    if (state.unclaimed <= state.live / 4 * (sliced != nullptr ? 2 : 3)) {
         Drop_claimed(node);
         sliced = sliced != nullptr ? Slice(node) : nullptr;
     }
-    if (sliced == nullptr && live_[node] >= worth_slicing) {
-        if (asked_[node] < walks_before_slicing) {
-            ++asked_[node];
+    if (sliced == nullptr && state.live >= worth_slicing) {
+        if (state.asked < walks_before_slicing) {
+            ++state.asked;
         } else {
             sliced = Slice(node);
         }
@@ -210,12 +223,13 @@ void Overlap_index::Ask_list(std::size_t n) {
 
 void Overlap_index::Ask_glances(std::size_t n) {
     Node const node = question_.nodes[n];
-    hits_.resize(std::max<std::size_t>(hits_.size(), live_[node] + glance_walk_slack));
+    Node_state const& state = states_[node];
+    hits_.resize(std::max<std::size_t>(hits_.size(), state.live + glance_walk_slack));
     std::size_t const hits =
-        walk_(glances_.data() + begins_[node], live_[node], question_.of_glances, hits_.data());
+        walk_(glances_.data() + state.begin, state.live, question_.of_glances, hits_.data());
     // From the back, as dropping an entry puts the last one into its place.
     for (std::size_t i = hits; i > 0; --i) {
-        Clique_number const clique = listed_[begins_[node] + hits_[i - 1]];
+        Clique_number const clique = listed_[state.begin + hits_[i - 1]];
         if (Is_claimed(clique)) {
             Drop(node, hits_[i - 1]);
         } else {
@@ -246,7 +260,7 @@ void Overlap_index::Ask_sliced(Sliced_list& list, std::size_t n) {
     hits_.clear();
     list.Walk({classes.subspan(n + 1), question_.needed, most_lacking}, hits_);
     for (std::uint32_t const hit : hits_) {
-        Clique_number const clique = listed_[begins_[node] + hit];
+        Clique_number const clique = listed_[states_[node].begin + hit];
         if (Is_claimed(clique)) {
             list.Close(hit);
         } else {
@@ -261,16 +275,19 @@ Sliced_list* Overlap_index::Slice(Node node) {
     if (class_.empty()) {
         Class_nodes(); // most networks never come here
     }
-    Sliced_list* const list = sliced_.Begin(node, live_[node]);
+    std::uint32_t const live = states_[node].live;
+    Sliced_list* const list = sliced_.Begin(node, live);
     if (list == nullptr) {
         sliced_.Give_up_all();
-        std::fill(asked_.begin(), asked_.end(), 0);
+        for (Node const other : in_play_) {
+            states_[other].asked = 0;
+        }
         return nullptr;
     }
-    Clique_number const* const cliques = listed_.data() + begins_[node];
+    Clique_number const* const cliques = listed_.data() + states_[node].begin;
     constexpr std::uint32_t ahead = 8;
-    for (std::uint32_t i = 0; i < live_[node]; ++i) {
-        if (i + 2 * ahead < live_[node]) {
+    for (std::uint32_t i = 0; i < live; ++i) {
+        if (i + 2 * ahead < live) {
             Prefetch_card(cliques[i + 2 * ahead]);
             Prefetch_nodes(cliques[i + ahead]);
         }
@@ -311,39 +328,46 @@ void Overlap_index::Claim_if_partner(Candidate const& candidate, std::vector<Par
     if (shared < least_shared_) {
         return;
     }
-    claimed_[clique / 64] |= std::uint64_t{1} << (clique % 64);
-    for (Node const node : nodes) {
-        --holding_live_[node];
-    }
-    for (std::uint32_t n = 0; n + least_shared_ <= size; ++n) {
-        --unclaimed_[nodes[n]];
-    }
+    Claim(clique);
     partners.push_back({clique, new_nodes});
 }
 
+void Overlap_index::Claim(Clique_number clique) {
+    claimed_[clique / 64] |= std::uint64_t{1} << (clique % 64);
+    std::span<Node const> const nodes = Ranked(clique);
+    for (std::size_t n = 0; n < nodes.size(); ++n) {
+        Node_state& state = states_[nodes[n]];
+        --state.holding_live;
+        state.unclaimed -= n + least_shared_ <= nodes.size() ? 1U : 0U;
+    }
+}
+
 void Overlap_index::Drop(Node node, std::uint32_t place) {
-    std::uint64_t const here = begins_[node] + place;
-    std::uint64_t const last = begins_[node] + --live_[node];
+    Node_state& state = states_[node];
+    std::uint64_t const here = state.begin + place;
+    std::uint64_t const last = state.begin + --state.live;
     std::swap(glances_[here], glances_[last]);
     std::swap(listed_[here], listed_[last]);
 }
 
 void Overlap_index::Drop_claimed(Node node) {
-    for (std::uint32_t place = live_[node]; place > 0; --place) {
-        if (Is_claimed(listed_[begins_[node] + place - 1])) {
+    Node_state const& state = states_[node];
+    for (std::uint32_t place = state.live; place > 0; --place) {
+        if (Is_claimed(listed_[state.begin + place - 1])) {
             Drop(node, place - 1);
         }
     }
 }
 
-// Sets up what the clique asks. False when no unclaimed clique holds one of its new nodes: then it
-// has no partner. This spares most of the walks at small k.
+// Sets up what the clique asks. False when it has no partner: no unclaimed clique holds one of its
+// new nodes, or too few of its nodes are in unclaimed cliques at all. This spares most of the
+// walks.
 bool Overlap_index::Ask(Partner const& from) {
     question_.nodes = Ranked(from.clique);
     Glance needed = 0;
     question_.needed_nodes.clear();
     auto const consider = [&](Node node) {
-        if (holding_live_[node] > 0) {
+        if (states_[node].holding_live > 0) {
             needed |= Glance_bit(node);
             question_.needed_nodes.push_back(node);
         }
@@ -358,12 +382,28 @@ bool Overlap_index::Ask(Partner const& from) {
     if (needed == 0) {
         return false;
     }
+    // Behind the rarest shared node, itself included, there are all shared ones.
+    std::uint32_t sharable = 0;
+    question_.n_lists = question_.nodes.size();
+    while (question_.n_lists > 0 && sharable < least_shared_) {
+        --question_.n_lists;
+        sharable += states_[question_.nodes[question_.n_lists]].holding_live > 0 ? 1U : 0U;
+    }
+    if (sharable < least_shared_) {
+        return false;
+    }
+    ++question_.n_lists;
     question_.of_glances = {Glance_bits(question_.nodes), needed, least_shared_};
     question_.classes.clear();
     return true;
 }
 
 void Overlap_index::Claim_partners(Partner const& from, std::vector<Partner>& partners) {
+    std::size_t const before = partners.size();
+    if (!Is_claimed(from.clique) && cliques_[from.clique].size() >= least_size_) {
+        Claim(from.clique);
+        partners.push_back({from.clique, 0});
+    }
     if (!Ask(from)) {
         return;
     }
@@ -373,12 +413,11 @@ void Overlap_index::Claim_partners(Partner const& from, std::vector<Partner>& pa
     }
     // Everything that is looked at closely is asked for first: the cache misses overlap.
     candidates_.clear();
-    for (std::size_t n = 0; n + least_shared_ <= nodes.size(); ++n) {
+    for (std::size_t n = 0; n < question_.n_lists; ++n) {
         Ask_list(n);
     }
     candidates_.resize(Keep_possible(candidates_.data(), candidates_.size(), cards_.data(),
                                      ranked_.data(), cards_[from.clique].signature, least_shared_));
-    std::size_t const before = partners.size();
     for (Candidate const& candidate : candidates_) {
         Claim_if_partner(candidate, partners);
     }

@@ -27,7 +27,8 @@ namespace cpm {
 struct Partner {
     Clique_number clique = 0;
     /// Which nodes of the clique the other one does not hold: bit i stands for the i-th rarest.
-    /// All bits set when the clique has more nodes than bits, or nothing is known.
+    /// All bits set when the clique has more nodes than bits, or nothing is known; no bit set when
+    /// it is that clique itself.
     std::uint64_t new_nodes = 0;
 };
 
@@ -67,7 +68,7 @@ public:
         return (claimed_[clique / 64] >> (clique % 64) & 1) != 0;
     }
     /// Claims every unclaimed partner of `from` and appends it to `partners`, in ascending order.
-    /// A clique shares its own nodes with itself: when unclaimed it is its own partner.
+    /// A clique in play shares its own nodes with itself: when unclaimed it is its own partner.
     /// `from.new_nodes` must hold a node of each unclaimed partner (all_new always does).
     void Claim_partners(Partner const& from, std::vector<Partner>& partners);
 
@@ -86,6 +87,7 @@ private:
     // What one clique asks of the lists of its nodes.
     struct Question {
         std::span<Node const> nodes;    ///< its own, rarest first
+        std::size_t n_lists = 0;        ///< a partner is in the list of one of so many
         std::vector<Node> needed_nodes; ///< a partner has one of these
         Glance_question of_glances;
         std::vector<Node_class> classes; ///< of its nodes; empty as long as no sliced list is asked
@@ -95,33 +97,41 @@ private:
     void Rank_nodes();
     void Class_nodes();
     void Translate(std::span<Node const> nodes, std::vector<Node_class>& classes) const;
+    void Bring_into_play(Clique_number clique);
     void List_clique(Clique_number clique, std::uint32_t from, std::uint32_t to);
     void Ask_list(std::size_t n);
     void Ask_glances(std::size_t n);
     void Ask_sliced(Sliced_list& list, std::size_t n);
     Sliced_list* Slice(Node node);
     bool Ask(Partner const& from);
+    void Claim(Clique_number clique);
     void Claim_if_partner(Overlap_index_sub::Candidate const& candidate,
                           std::vector<Partner>& partners);
     void Drop(Node node, std::uint32_t place);
     void Drop_claimed(Node node);
 
+    // What is known of a node at this level, in one place: one cache miss brings all of it.
+    struct Node_state {
+        std::uint64_t begin = 0;        ///< of its list in glances_ and listed_
+        std::uint32_t active = 0;       ///< length of its list
+        std::uint32_t live = 0;         ///< length without claimed ones moved back
+        std::uint32_t unclaimed = 0;    ///< how many of these are not claimed
+        std::uint32_t holding = 0;      ///< cliques in play that hold it
+        std::uint32_t holding_live = 0; ///< ... that are not claimed
+        std::uint8_t asked = 0;         ///< how often its list was walked, up to a limit
+    };
+
     Set_list const& cliques_;
     Glance_walk walk_ = Fastest_glance_walk();
     Flat_array<Node> ranked_;
     Flat_array<Overlap_index_sub::Card> cards_; ///< one more than cliques
-    Flat_array<std::uint64_t> begins_;          ///< node -> its list in glances_ and listed_
+    Flat_array<Node_state> states_;             ///< by node
+    std::vector<Node> in_play_;                 ///< nodes of the cliques in play
     Flat_array<Glance> glances_;
     Flat_array<Clique_number> listed_;
-    Flat_array<std::uint32_t> active_;    ///< node -> length of its list at this level
-    Flat_array<std::uint32_t> live_;      ///< node -> length without claimed ones moved back
-    Flat_array<std::uint32_t> unclaimed_; ///< node -> how many of these are not claimed
-    Flat_array<std::uint8_t> asked_;      ///< node -> how often its list was walked, up to a limit
     Flat_array<Node_class> class_; ///< node -> its class in sliced lists; empty before the first
     Sliced_lists sliced_;
-    Flat_array<std::uint32_t> holding_;      ///< node -> cliques in play that hold it
-    Flat_array<std::uint32_t> holding_live_; ///< ... that are not claimed
-    Flat_array<std::uint64_t> claimed_;      ///< a bit a clique
+    Flat_array<std::uint64_t> claimed_; ///< a bit a clique
     Flat_array<std::uint8_t>
         mark_;          ///< node -> 1 + its place in the clique that asks, at most 255, or 0
     Question question_; ///< what is asked at the moment

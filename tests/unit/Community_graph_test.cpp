@@ -40,12 +40,14 @@ Graph Walked(Community_graph& graph) {
 }
 
 Graph Walked(Communities const& coms) {
-    Community_graph graph = Prepare_community_graph(coms);
+    Community_graph graph;
+    Prepare_community_graph(coms, graph);
     return Walked(graph);
 }
 
 Community_distributions Statistics(Communities const& coms, Community_part part, Node node_count) {
-    Community_graph graph = Prepare_community_graph(coms);
+    Community_graph graph;
+    Prepare_community_graph(coms, graph);
     Community_distributions distributions;
     Community_statistics(distributions, graph, part, node_count);
     return distributions;
@@ -113,7 +115,8 @@ TEST(Prepare_community_graph, Counts_the_shared_nodes_of_each_pair) {
 
 TEST(Prepare_community_graph, Can_be_walked_again) {
     Communities const coms = Coms({{1, 2, 3}, {2, 3, 4}, {3, 4, 5}}, 2);
-    Community_graph graph = Prepare_community_graph(coms);
+    Community_graph graph;
+    Prepare_community_graph(coms, graph);
     Graph const once = Walked(graph);
     EXPECT_EQ(Walked(graph), once);
     Community_distributions distributions;

@@ -21,7 +21,8 @@ struct Writing {
         Communities coms;
         coms.nodes = communities;
         coms.n_exact = n_exact;
-        Community_graph graph = Prepare_community_graph(coms);
+        Community_graph graph;
+        Prepare_community_graph(coms, graph);
         Kiir_com_graph_PX(graph, n_exact, dir.Path(), 4, com_flag, about, console);
         return Read_file(dir.Path() + "/" + file);
     }

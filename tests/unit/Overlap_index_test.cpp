@@ -44,6 +44,9 @@ public:
 private:
     std::uint64_t New_nodes(Clique_number from, Clique_number clique) const {
         std::span<Node const> const ranked = index_.Ranked(clique);
+        if (from == clique) {
+            return 0;
+        }
         if (ranked.size() > 64) {
             return Overlap_index::all_new;
         }
