@@ -68,6 +68,18 @@ void Node_search::Clique_find_main_inv(Node node, Set_list& cliques) {
     }
 }
 
+// The places of those of the nodes that are marked.
+std::span<std::uint32_t const> Node_search::Places_of(Node_set nodes) {
+    marked_.resize(std::max(marked_.size(), nodes.size()));
+    std::size_t n_marked = 0;
+    for (Node const node : nodes) {
+        // Written each time and kept if marked: which nodes are no branch could foresee.
+        marked_[n_marked] = place_[node];
+        n_marked += place_[node] != 0 ? 1U : 0U;
+    }
+    return {marked_.data(), n_marked};
+}
+
 // Sets up the links between the candidates, whose places are marked, and the excluded nodes. False
 // when no two candidates are linked.
 bool Node_search::Gather(Node node) {
@@ -79,11 +91,9 @@ bool Node_search::Gather(Node node) {
         if (i + ahead < candidates.size()) {
             order_.Prefetch_neighbours(candidates[i + ahead]);
         }
-        for (Node const other : order_.Later(candidates[i])) {
-            if (place_[other] != 0) {
-                local_.Link(i, place_[other] - 1);
-                any = true;
-            }
+        for (std::uint32_t const place : Places_of(order_.Later(candidates[i]))) {
+            local_.Link(i, place - 1);
+            any = true;
         }
     }
     if (!any) {
@@ -97,10 +107,8 @@ bool Node_search::Gather(Node node) {
         }
         Node const done = excluded[i];
         local_.Start_excluded();
-        for (Node const other : order_.Later(done)) {
-            if (place_[other] != 0) {
-                local_.Link_excluded(place_[other] - 1);
-            }
+        for (std::uint32_t const place : Places_of(order_.Later(done))) {
+            local_.Link_excluded(place - 1);
         }
         local_.End_excluded(least_others);
     }

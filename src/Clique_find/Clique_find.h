@@ -31,10 +31,12 @@ public:
 
 private:
     bool Gather(Node node);
+    std::span<std::uint32_t const> Places_of(Node_set nodes);
 
     Node_order const& order_;
     Local_cliques local_;
-    Flat_array<std::uint32_t> place_; ///< node -> 1 + its place among the candidates, or 0
+    Flat_array<std::uint32_t> place_;   ///< node -> 1 + its place among the candidates, or 0
+    std::vector<std::uint32_t> marked_; ///< the places of the nodes looked at
 };
 
 } // namespace Clique_find_sub_routines
