@@ -24,6 +24,7 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <unistd.h>
@@ -117,6 +118,7 @@ struct Prepared {
         }
         n_nodes = static_cast<Node>(vertices.size());
         pairs = Pair_table(links, n_nodes, cliques, cliques.size());
+        labels.emplace(names);
     }
 
     Scratch scratch;
@@ -124,6 +126,7 @@ struct Prepared {
     Link_map named;
     Index_links links;
     Names_map names;
+    std::optional<Name_labels> labels;
     Vtx_map vertices;
     Set_list cliques;
     Pair_table pairs;
@@ -234,7 +237,7 @@ void Percolating_all_k(benchmark::State& state) {
 struct Lowest_level {
     explicit Lowest_level(Prepared& network)
         : percolation(network.cliques, network.cliques.size(), network.n_nodes, network.pairs),
-          lines(network.pairs, network.links, network.names) {
+          lines(network.pairs, network.links, *network.labels) {
         percolation.Coms_from_appr_ovlp_matr(coms, 3);
     }
     Percolation percolation;
@@ -278,7 +281,7 @@ void Walking_the_community_graph(benchmark::State& state) {
 void Making_link_lines(benchmark::State& state) {
     Prepared& network = Network_of(state);
     for (auto _ : state) {
-        Link_lines const lines(network.pairs, network.links, network.names);
+        Link_lines const lines(network.pairs, network.links, *network.labels);
         benchmark::DoNotOptimize(&lines);
     }
     state.counters["links"] = Count(network.links.size());
@@ -297,8 +300,8 @@ void Writing_cliques(benchmark::State& state) {
     Prepared& network = Network_of(state);
     Scratch const out;
     for (auto _ : state) {
-        Kiir_cliques_PX(out.Path(), network.cliques, network.names, network.cliques.size(), "", "",
-                        network.silent.Get());
+        Kiir_cliques_PX(out.Path(), network.cliques, *network.labels, network.cliques.size(), "",
+                        "", network.silent.Get());
     }
     state.SetBytesProcessed(state.iterations() * Bytes_below(out.Path()));
 }
@@ -309,7 +312,7 @@ void Writing_communities(benchmark::State& state) {
     Scratch const out;
     Console& console = network.silent.Get();
     for (auto _ : state) {
-        Kiir_coms_PX(level.coms, out.Path(), 3, network.names, "", "", console);
+        Kiir_coms_PX(level.coms, out.Path(), 3, *network.labels, "", "", console);
         Kiir_coms_cliques_PX(level.coms, out.Path(), 3, network.cliques.size(), "", "", console);
         Kiir_com_links_PX(level.coms, out.Path(), 3, level.lines, "", "", console);
     }

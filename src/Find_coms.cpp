@@ -38,7 +38,7 @@ void Report_com_export(std::uint32_t k, std::uint32_t kmax, Text_sink& sink) {
 Coms_finder::Coms_finder(Coms_input input, Console& console)
     : input_(std::move(input)), console_(console),
       pairs_(input_.links, input_.n_nodes, input_.found.cliques, input_.found.n_exact),
-      link_lines_(pairs_, input_.links, input_.names) {
+      link_lines_(pairs_, input_.links, input_.labels) {
     Found_cliques const& found = input_.found;
     if (input_.run.intensity) {
         return;
@@ -76,7 +76,7 @@ void Coms_finder::From_k_cliques(std::uint32_t k) {
                             run.intensity_threshold, console_);
     console_.Put_line("__________________________");
     console_.Put_line(" Writing k-clques to disk.");
-    Kiir_k_cliques_PX(run.out_dir, k_cliques, k, input_.names, run.header_text, console_);
+    Kiir_k_cliques_PX(run.out_dir, k_cliques, k, input_.labels, run.header_text, console_);
     Intensity_coms_from_k_cliques(k_cliques, coms_, input_.links, run.intensity_threshold,
                                   console_);
     Write(k);
@@ -86,7 +86,7 @@ void Coms_finder::From_k_cliques(std::uint32_t k) {
 void Coms_finder::Write(std::uint32_t k) {
     Run_settings const& run = input_.run;
     console_.Put_line(" Writing commmunities to disk...");
-    Kiir_coms_PX(coms_, run.out_dir, k, input_.names, run.com_flag, run.header_text, console_);
+    Kiir_coms_PX(coms_, run.out_dir, k, input_.labels, run.com_flag, run.header_text, console_);
     if (!run.intensity) {
         Kiir_coms_cliques_PX(coms_, run.out_dir, k, input_.found.n_exact, run.com_flag,
                              run.header_text, console_);

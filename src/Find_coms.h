@@ -24,8 +24,8 @@ namespace cpm {
 /// outlive its use.
 struct Coms_input {
     Found_cliques const& found;
-    Index_links links; ///< handed over: they are given up when they are needed no more
-    Names_map const& names;
+    Index_links links;         ///< handed over: they are given up when they are needed no more
+    Name_labels const& labels; ///< the names of the nodes
     Node n_nodes;
     std::uint32_t largest_clique;
     Run_settings const& run;

@@ -59,9 +59,9 @@ void Build_graph(Graph& graph, Index_links const& links, bool directed, Console&
 }
 
 void Find_all_coms(Run_settings const& run, Found_cliques const& found, Index_links links,
-                   Names_map const& names, Node n_nodes, Console& console) {
+                   Name_labels const& labels, Node n_nodes, Console& console) {
     std::uint32_t const largest = Max_clique_size_in_cl_vec(found.cliques);
-    Coms_finder finder({found, std::move(links), names, n_nodes, largest, run}, console);
+    Coms_finder finder({found, std::move(links), labels, n_nodes, largest, run}, console);
     if (run.k_given) {
         finder.Find_coms(run.k);
         return;
@@ -89,10 +89,11 @@ void Run(int argc, char** argv, Console& console) {
     }
     console.Put_line("___________________________");
     console.Put_line(" Writing cliques to disk...");
-    Kiir_cliques_PX(run.out_dir, found.cliques, names, found.n_exact, run.com_flag, run.header_text,
-                    console);
+    Name_labels const labels(names);
+    Kiir_cliques_PX(run.out_dir, found.cliques, labels, found.n_exact, run.com_flag,
+                    run.header_text, console);
     console.Put_line(" done.");
-    Find_all_coms(run, found, std::move(links), names, n_nodes, console);
+    Find_all_coms(run, found, std::move(links), labels, n_nodes, console);
     Print_banner(console);
 }
 

@@ -25,6 +25,9 @@ public:
         return {seconds_.data() + starts_[first],
                 static_cast<std::size_t>(starts_[first + 1] - starts_[first])};
     }
+    /// The larger end of the pair of this number.
+    Node Second(Link_number number) const { return seconds_[number]; }
+    void Prefetch(Link_number number) const { __builtin_prefetch(&seconds_[number]); }
     /// The number of the first pair whose smaller end is `first`; the others follow.
     Link_number First_number(Node first) const { return starts_[first]; }
     /// The number of a pair that the table holds, given in either order.

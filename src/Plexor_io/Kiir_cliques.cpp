@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Plexor_io/Kiir_cliques.h"
 
-#include "Plexor_io/Name_labels.h"
 #include "Plexor_io/Result_place.h"
 #include "Plexor_io/Text_file.h"
 #include "support/Direktoriz.h"
@@ -9,7 +8,7 @@
 
 namespace cpm {
 
-void Kiir_cliques_PX(std::string const& dir, Set_list const& cliques, Names_map const& names,
+void Kiir_cliques_PX(std::string const& dir, Set_list const& cliques, Name_labels const& labels,
                      std::size_t n_exact, std::string const& com_flag,
                      std::string const& alap_szoveg, Console& console) {
     // The cliques do not depend on the intensity threshold.
@@ -21,17 +20,16 @@ void Kiir_cliques_PX(std::string const& dir, Set_list const& cliques, Names_map 
         file.Put("# Negative indices indicate approximate cliques.\n");
     }
     file.Put('\n');
-    Name_labels const labels(names, cliques.Total());
     for (std::size_t i = 0; i < cliques.size(); ++i) {
         labels.Put_record(i, i >= n_exact, cliques[i], file);
     }
 }
 
 void Kiir_k_cliques_PX(std::string const& dir, K_clique_list const& k_cliques, std::uint32_t k,
-                       Names_map const& names, std::string const& alap_szoveg, Console& console) {
+                       Name_labels const& labels, std::string const& alap_szoveg,
+                       Console& console) {
     Text_file file(Prepare_k_dir(dir, k) + "/k-cliques", console);
     file.Put("# The k-cliques at k=" + int2string(k) + alap_szoveg + '\n');
-    Name_labels const labels(names, std::uint64_t{k} * k_cliques.size());
     for (std::size_t i = 0; i < k_cliques.size(); ++i) {
         labels.Put_record(i, false, k_cliques[i], file);
     }

@@ -6,6 +6,7 @@
 #define PLEXOR_KIIR_CLIQUES_H
 
 #include "Coms_funcs/K_cliques.h"
+#include "Plexor_io/Name_labels.h"
 #include "Types.h"
 #include "support/Console.h"
 
@@ -16,13 +17,13 @@ namespace cpm {
 
 /// All maximal cliques. From position `n_exact` on they are approximated: "-" stands before their
 /// numbers, 0 included. `alap_szoveg` describes the run.
-void Kiir_cliques_PX(std::string const& dir, Set_list const& cliques, Names_map const& names,
+void Kiir_cliques_PX(std::string const& dir, Set_list const& cliques, Name_labels const& labels,
                      std::size_t n_exact, std::string const& com_flag,
                      std::string const& alap_szoveg, Console& console);
 
 /// The k-cliques of one k, into the directory of this k.
 void Kiir_k_cliques_PX(std::string const& dir, K_clique_list const& k_cliques, std::uint32_t k,
-                       Names_map const& names, std::string const& alap_szoveg, Console& console);
+                       Name_labels const& labels, std::string const& alap_szoveg, Console& console);
 
 } // namespace cpm
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Plexor_io/Kiir_coms.h"
 
-#include "Plexor_io/Name_labels.h"
 #include "Plexor_io/Result_place.h"
 #include "Plexor_io/Text_file.h"
 #include "support/My_int2string.h"
@@ -25,7 +24,7 @@ void Put_header(std::string const& what, std::uint32_t k, std::string const& com
 } // namespace
 
 void Kiir_coms_PX(Communities const& coms, std::string const& dir, std::uint32_t k,
-                  Names_map const& names, std::string const& com_flag,
+                  Name_labels const& labels, std::string const& com_flag,
                   std::string const& alap_szoveg, Console& console) {
     Text_file file(Prepared_path(dir, k, com_flag, "communities"), console);
     Put_header("", k, com_flag, alap_szoveg, file);
@@ -33,7 +32,6 @@ void Kiir_coms_PX(Communities const& coms, std::string const& dir, std::uint32_t
         file.Put("# Negative indices indicate approximate communities.\n");
     }
     file.Put('\n');
-    Name_labels const labels(names, coms.nodes.Total());
     for (std::size_t i = 0; i < coms.size(); ++i) {
         labels.Put_record(i, i >= coms.n_exact, coms.nodes[i], file);
     }

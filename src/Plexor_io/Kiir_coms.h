@@ -6,6 +6,7 @@
 #define PLEXOR_KIIR_COMS_H
 
 #include "Plexor_io/Link_lines.h"
+#include "Plexor_io/Name_labels.h"
 #include "Types.h"
 #include "support/Console.h"
 
@@ -17,7 +18,7 @@ namespace cpm {
 /// The names of the nodes of each community. `com_flag` is the word for the kind of run,
 /// `alap_szoveg` describes the run; so for the others.
 void Kiir_coms_PX(Communities const& coms, std::string const& dir, std::uint32_t k,
-                  Names_map const& names, std::string const& com_flag,
+                  Name_labels const& labels, std::string const& com_flag,
                   std::string const& alap_szoveg, Console& console);
 
 /// The numbers of the cliques of each community. From `n_exact_cliques` on the cliques are

@@ -3,10 +3,7 @@
 
 namespace cpm {
 
-Name_labels::Name_labels(Names_map const& names, std::uint64_t n_wanted) : names_(names) {
-    if (n_wanted < names.size()) {
-        return;
-    }
+Name_labels::Name_labels(Names_map const& names) : names_(names) {
     labels_.Reserve(names.size());
     for (std::size_t i = 0; i < names.size(); ++i) {
         std::string_view const name = names.Spaced(i);

@@ -14,27 +14,25 @@ namespace cpm {
 
 class Name_labels {
 public:
-    /// The names must outlive this object. `n_wanted` says how many names will be put: making the
-    /// labels is left out when it would cost more than it saves.
-    Name_labels(Names_map const& names, std::uint64_t n_wanted);
+    /// The names must outlive this object.
+    explicit Name_labels(Names_map const& names);
 
-    /// The name of each node and a blank behind it, in this order.
-    void Put(Node_set nodes, Text_sink& text) const {
-        if (labels_.empty()) {
-            for (Node const node : nodes) {
-                text.Put(names_.Spaced(node));
-            }
-            return;
-        }
-        for (Node const node : nodes) {
-            Label const& label = labels_[node];
-            if (label.size != too_long) {
-                text.Put_padded<sizeof(Label)>(label.bytes.data(), label.size);
-            } else {
-                text.Put(names_.Spaced(node));
-            }
+    /// The name of the node and a blank behind it.
+    void Put(Node node, Text_sink& text) const {
+        Label const& label = labels_[node];
+        if (label.size != too_long) {
+            text.Put_padded<sizeof(Label)>(label.bytes.data(), label.size);
+        } else {
+            text.Put(names_.Spaced(node));
         }
     }
+    /// So for each of the nodes, in this order.
+    void Put(Node_set nodes, Text_sink& text) const {
+        for (Node const node : nodes) {
+            Put(node, text);
+        }
+    }
+    void Prefetch(Node node) const { __builtin_prefetch(&labels_[node]); }
 
     /// A record of a result file: the number, with a "-" before it when it is that of something
     /// approximated, ": ", the names, and an end of line.
@@ -54,7 +52,7 @@ private:
     static constexpr unsigned char too_long = 0xFF;
 
     Names_map const& names_;
-    Flat_array<Label> labels_; ///< by node; empty when not worth their making
+    Flat_array<Label> labels_; ///< by node
 };
 
 } // namespace cpm

@@ -45,6 +45,8 @@ public:
         std::memcpy(next_, text, padding);
         next_ += size;
     }
+    /// Writes over the last byte of what was put just before, which must not be empty.
+    void Replace_last(char c) { next_[-1] = c; }
     /// A plain decimal number.
     void Put_number(std::uint64_t number) {
         if (number < ten_to_4) {

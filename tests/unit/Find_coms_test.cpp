@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <optional>
 #include <set>
 #include <string>
 
@@ -24,6 +25,7 @@ struct One_run {
     Found_cliques found;
     Index_links links;
     Names_map names;
+    std::optional<Name_labels> labels;
     std::uint32_t largest = 0;
 
     One_run(Links const& all_links, Set_list const& cliques, std::size_t n_exact) {
@@ -38,11 +40,14 @@ struct One_run {
         for (Node node = 1; node <= Last_node(links); ++node) {
             names.Add("n" + std::to_string(node));
         }
+        labels.emplace(names);
         for (std::size_t c = 0; c < cliques.size(); ++c) {
             largest = std::max(largest, static_cast<std::uint32_t>(cliques[c].size()));
         }
     }
-    Coms_input Input() const { return {found, links, names, Last_node(links), largest, settings}; }
+    Coms_input Input() const {
+        return {found, links, *labels, Last_node(links), largest, settings};
+    }
     void Find(std::uint32_t k) { Coms_finder(Input(), console).Find_coms(k); }
     File_names Files(std::uint32_t k) const {
         File_names files;

@@ -28,7 +28,7 @@ struct Writing {
     }
     std::string Coms(Communities const& coms, std::string const& com_flag = "",
                      std::string const& file = "k=3/communities") {
-        Kiir_coms_PX(coms, dir.Path(), 3, names, com_flag, about, console);
+        Kiir_coms_PX(coms, dir.Path(), 3, Name_labels(names), com_flag, about, console);
         return Read_file(dir.Path() + "/" + file);
     }
     std::string Cliques(Communities const& coms, std::size_t n_exact_cliques,
@@ -40,7 +40,8 @@ struct Writing {
     std::string Links(Communities const& coms, std::string const& com_flag = "",
                       std::string const& file = "k=3/communities_links") {
         Pair_table const pairs(links, 4, {}, 0);
-        Link_lines lines(pairs, links, names);
+        Name_labels const labels(names);
+        Link_lines lines(pairs, links, labels);
         Kiir_com_links_PX(coms, dir.Path(), 3, lines, com_flag, about, console);
         return Read_file(dir.Path() + "/" + file);
     }
@@ -163,8 +164,9 @@ TEST(Kiir_coms, Files_that_cannot_be_opened_are_told) {
     }
     Communities const coms = Two_communities(2);
     Pair_table const pairs(writing.links, 4, {}, 0);
-    Link_lines lines(pairs, writing.links, writing.names);
-    Kiir_coms_PX(coms, writing.dir.Path(), 3, writing.names, "", about, writing.console);
+    Name_labels const labels(writing.names);
+    Link_lines lines(pairs, writing.links, labels);
+    Kiir_coms_PX(coms, writing.dir.Path(), 3, labels, "", about, writing.console);
     Kiir_coms_cliques_PX(coms, writing.dir.Path(), 3, 9, "", about, writing.console);
     Kiir_com_links_PX(coms, writing.dir.Path(), 3, lines, "", about, writing.console);
     EXPECT_EQ(writing.console.Output(), expected);

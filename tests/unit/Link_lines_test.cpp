@@ -41,7 +41,8 @@ TEST(Link_lines, Undirected_links_have_the_smaller_index_first) {
     Index_links const links = Links({{1, 2}, {1, 3}, {2, 3}});
     Pair_table const pairs(links, 3, {}, 0);
     Names_map const names = Names({"z", "y", "x"});
-    Link_lines const lines(pairs, links, names);
+    Name_labels const labels(names);
+    Link_lines const lines(pairs, links, labels);
     EXPECT_EQ(Lines(lines, {0, 1, 2}), "z y\nz x\ny x\n");
 }
 
@@ -49,7 +50,8 @@ TEST(Link_lines, Directed_links_keep_their_direction) {
     Index_links const links = Links({{1, 3}, {2, 1}, {3, 2}});
     Pair_table const pairs(links, 3, {}, 0);
     Names_map const names = Names({"A", "B", "C"});
-    Link_lines const lines(pairs, links, names);
+    Name_labels const labels(names);
+    Link_lines const lines(pairs, links, labels);
     EXPECT_EQ(Lines(lines, {0, 1, 2}), "B A\nA C\nC B\n");
 }
 
@@ -57,7 +59,8 @@ TEST(Link_lines, A_link_and_its_reverse_are_one_line_smaller_index_first) {
     Index_links const links = Links({{1, 2}, {2, 1}, {2, 3}, {3, 1}});
     Pair_table const pairs(links, 3, {}, 0);
     Names_map const names = Names({"A", "B", "C"});
-    Link_lines const lines(pairs, links, names);
+    Name_labels const labels(names);
+    Link_lines const lines(pairs, links, labels);
     EXPECT_EQ(Lines(lines, {0, 1, 2}), "A B\nC A\nB C\n");
 }
 
@@ -66,7 +69,8 @@ TEST(Link_lines, Nodes_of_an_approximated_clique_that_are_not_linked_come_larger
     Set_list const cliques{{1, 2, 3}};
     Pair_table const pairs(links, 3, cliques, 0);
     Names_map const names = Names({"A", "B", "C"});
-    Link_lines const lines(pairs, links, names);
+    Name_labels const labels(names);
+    Link_lines const lines(pairs, links, labels);
     EXPECT_EQ(Lines(lines, {pairs.Number(1, 2), pairs.Number(1, 3), pairs.Number(2, 3)}),
               "A B\nC A\nB C\n");
 }
@@ -75,7 +79,8 @@ TEST(Link_lines, Numbers_come_in_any_order_and_repeatedly) {
     Index_links const links = Links({{1, 2}, {1, 3}, {1, 4}, {2, 3}});
     Pair_table const pairs(links, 4, {}, 0);
     Names_map const names = Names({"a", "b", "c", "d"});
-    Link_lines const lines(pairs, links, names);
+    Name_labels const labels(names);
+    Link_lines const lines(pairs, links, labels);
     EXPECT_EQ(Lines(lines, {}), "");
     EXPECT_EQ(Lines(lines, {3}), "b c\n");
     EXPECT_EQ(Lines(lines, {2, 3, 0, 1, 1, 0}), "a d\nb c\na b\na c\na c\na b\n");
@@ -85,7 +90,8 @@ TEST(Link_lines, No_links_no_lines) {
     Index_links const links;
     Pair_table const pairs(links, 0, {}, 0);
     Names_map const names = Names({});
-    Link_lines const lines(pairs, links, names);
+    Name_labels const labels(names);
+    Link_lines const lines(pairs, links, labels);
     EXPECT_EQ(Lines(lines, {}), "");
 }
 
@@ -102,7 +108,8 @@ TEST(Link_lines, A_run_of_links_is_its_lines_one_after_the_other) {
     Index_links const links = Links(node_pairs);
     Pair_table const pairs(links, 60, {}, 0);
     Names_map const name_table = Names(names);
-    Link_lines const lines(pairs, links, name_table);
+    Name_labels const labels(name_table);
+    Link_lines const lines(pairs, links, labels);
     for (Link_number first = 0; first < 59; ++first) {
         std::string expected;
         for (std::size_t size = 1; first + size <= 59; ++size) {
@@ -119,7 +126,8 @@ TEST(Link_lines, All_pairs_of_a_clique_come_smaller_index_first) {
         Links({{1, 2}, {1, 3}, {1, 4}, {2, 3}, {2, 4}, {2, 5}, {3, 4}, {3, 5}});
     Pair_table const pairs(links, 5, {}, 0);
     Names_map const names = Names({"d", "", "b", "a", "e"});
-    Link_lines lines(pairs, links, names);
+    Name_labels const labels(names);
+    Link_lines lines(pairs, links, labels);
     EXPECT_EQ(Lines_of_all_pairs(lines, {1, 2, 3, 4}), "d \nd b\nd a\n b\n a\nb a\n");
     EXPECT_EQ(Lines_of_all_pairs(lines, {2, 3, 5}), " b\n e\nb e\n");
     EXPECT_EQ(Lines_of_all_pairs(lines, {3, 4}), "b a\n");
@@ -132,7 +140,8 @@ TEST(Link_lines, All_pairs_of_a_clique_with_long_names) {
     for (std::size_t size = 0; size < 70; ++size) {
         std::string const name(size, 'n');
         Names_map const names = Names({"a", name, "c"});
-        Link_lines lines(pairs, links, names);
+        Name_labels const labels(names);
+        Link_lines lines(pairs, links, labels);
         ASSERT_EQ(Lines_of_all_pairs(lines, {1, 2, 3}), "a " + name + "\na c\n" + name + " c\n");
     }
 }
@@ -141,7 +150,8 @@ TEST(Link_lines, All_pairs_of_a_directed_clique_keep_their_direction) {
     Index_links const links = Links({{1, 2}, {1, 4}, {2, 3}, {3, 1}, {3, 2}, {4, 3}});
     Pair_table const pairs(links, 4, {}, 0);
     Names_map const names = Names({"A", "B", "C", "D"});
-    Link_lines lines(pairs, links, names);
+    Name_labels const labels(names);
+    Link_lines lines(pairs, links, labels);
     EXPECT_EQ(Lines_of_all_pairs(lines, {1, 2, 3}), "A B\nC A\nB C\n");
     EXPECT_EQ(Lines_of_all_pairs(lines, {1, 3, 4}), "C A\nA D\nD C\n");
 }
@@ -151,7 +161,8 @@ TEST(Link_lines, All_pairs_of_an_approximated_clique_hold_those_without_a_link) 
     Set_list const cliques{{1, 2, 3}};
     Pair_table const pairs(links, 3, cliques, 0);
     Names_map const names = Names({"A", "B", "C"});
-    Link_lines lines(pairs, links, names);
+    Name_labels const labels(names);
+    Link_lines lines(pairs, links, labels);
     EXPECT_EQ(Lines_of_all_pairs(lines, {1, 2, 3}), "A B\nC A\nB C\n");
 }
 

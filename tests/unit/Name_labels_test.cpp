@@ -30,14 +30,7 @@ struct Names_of_all_lengths {
 TEST(Name_labels, Each_name_is_followed_by_a_blank) {
     Names_of_all_lengths const all;
     Text text;
-    Name_labels(all.names, 1000).Put(all.nodes, text);
-    EXPECT_EQ(text.View(), all.text);
-}
-
-TEST(Name_labels, The_text_is_the_same_when_labels_are_not_worth_making) {
-    Names_of_all_lengths const all;
-    Text text;
-    Name_labels(all.names, 1).Put(all.nodes, text);
+    Name_labels(all.names).Put(all.nodes, text);
     EXPECT_EQ(text.View(), all.text);
 }
 
@@ -46,7 +39,7 @@ TEST(Name_labels, A_record_ends_with_a_blank_and_an_end_of_line) {
     for (char const* const name : {"", "ann", "bob"}) {
         names.Add(name);
     }
-    Name_labels const labels(names, 10);
+    Name_labels const labels(names);
     Text text;
     labels.Put_record(7, false, std::vector<Node>{1, 2}, text);
     labels.Put_record(8, true, std::vector<Node>{2}, text);
