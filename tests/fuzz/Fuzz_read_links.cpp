@@ -2,9 +2,10 @@
 // Fuzzer of the link reader: the input is a link file. It is read without weights, with weights
 // under one of several intervals, and sometimes behind a comment that pushes it across the end of
 // the reader's first block. The links, their weights to the last bit and the text of the error must
-// be what a reader made of standard streams and an ordered map says.
+// be what the reader of the plain model says.
 //
 // Nothing explodes here: time and memory are proportional to the input.
+#include "Plain_input.h"
 #include "Plexor_io/Read_links.h"
 
 #include <array>
@@ -18,55 +19,32 @@
 #include <string>
 #include <sys/mman.h>
 #include <unistd.h>
-#include <utility>
 
 namespace {
 
 using cpm::Weight_interval;
 
 struct Verdict {
-    std::map<std::pair<std::string, std::string>, double> links;
+    cpm::model::Links links;
     std::string error; // up to its first NUL, as it would be printed; then `links` is empty
 };
 
 // --- What is right. ---
 
-std::string Plain_trim(std::string const& line) {
-    auto const first = line.find_first_not_of(" \t");
-    if (first == std::string::npos) {
-        throw std::out_of_range("basic_string::substr: __pos (which is 4294967295) > this->size() "
-                                "(which is " +
-                                std::to_string(line.size()) + ")");
-    }
-    return line.substr(first, line.find_last_not_of(" \t") + 1 - first);
-}
-
 void Plain_read(Verdict& verdict, std::string const& text, bool weighted,
                 Weight_interval const& interval) {
-    std::istringstream lines(text);
-    for (std::string whole; std::getline(lines, whole);) {
-        std::string const line = Plain_trim(whole);
-        if (line.front() == '#' || line.size() == 1) {
-            continue;
-        }
-        std::istringstream fields(line);
-        std::string source;
-        std::string target;
-        double weight = 0;
-        fields >> source >> target;
-        if (weighted) {
-            fields >> weight;
-        }
-        if (!fields) {
-            throw std::logic_error("ERROR: Wrong line found in ' the file I was reading' :\n" +
-                                   line);
-        }
-        bool const above = !interval.lower_set || weight > interval.lower;
-        bool const below = !interval.upper_set || weight < interval.upper;
-        if (source != target && above && below) {
-            verdict.links[{source, target}] += weight;
-        }
+    cpm::model::Job job;
+    if (weighted) {
+        job.intensity = 0; // any: links then have weights
     }
+    if (interval.lower_set) {
+        job.lower = interval.lower;
+    }
+    if (interval.upper_set) {
+        job.upper = interval.upper;
+    }
+    std::istringstream lines(text);
+    verdict.links = cpm::model::Read_links(lines, job);
 }
 
 // --- What the program says. ---

@@ -4,17 +4,27 @@
 #ifndef PLEXOR_BOX_H
 #define PLEXOR_BOX_H
 
-#include "Plain_tree.h"
-
+#include <map>
 #include <string>
 
 namespace cpm::model {
 
-/// Makes the directory `root` and below it every entry of `tree`, whose paths are relative, with
-/// their parents. Throws std::runtime_error.
+struct Entry {
+    enum class Kind { directory, file, symlink };
+    Kind kind = Kind::directory;
+    std::string content; // a file's bytes, a symbolic link's target, empty for a directory
+
+    bool operator==(Entry const&) const = default;
+};
+
+/// By paths relative to a directory.
+using Tree = std::map<std::string, Entry>;
+
+/// Makes the directory `root` and below it every entry of `tree` with their parents. Throws
+/// std::runtime_error.
 void Fill(std::string const& root, Tree const& tree);
 
-/// Everything below `root` by relative paths. Throws std::runtime_error.
+/// Everything below `root`. Throws std::runtime_error.
 Tree Look_into(std::string const& root);
 
 /// Deletes `root` with everything below it; nothing happens when it is missing.

@@ -3,309 +3,194 @@
 
 #include "Plain_text.h"
 
-#include <algorithm>
 #include <deque>
 #include <functional>
-#include <iterator>
 
 namespace cpm::model {
 
 namespace {
 
-/// Reads the clock and tells whether the node's time is up.
-using Time_check = std::function<bool()>;
-
-/// What the search through one node has found, in the order in which it is to be registered.
-struct Attempt {
-    Cliques found;
-    bool too_slow = false;
-};
-
-bool Inside_any(Nodes const& nodes, Cliques const& known) {
-    return std::any_of(known.begin(), known.end(),
-                       [&](Nodes const& set) { return Inside(nodes, set); });
+bool Inside_any(Nodes const& nodes, Cliques const& sets) {
+    return std::any_of(sets.begin(), sets.end(),
+                       [&](auto const& set) { return Inside(nodes, set); });
 }
 
-Nodes Joined(Nodes a, Nodes const& b) {
-    a.insert(b.begin(), b.end());
-    return a;
-}
-
-unsigned Take_first(Nodes& nodes) {
-    unsigned const first = *nodes.begin();
-    nodes.erase(nodes.begin());
-    return first;
-}
-
-// --- Undirected, by the definition. ---
-
-/// Lists every maximal clique made of `clique` and some of `candidates`. These and `others` are all
-/// nodes linked to the whole clique; with one of the others it is listed elsewhere.
-void List_maximal(Nodes const& clique, Nodes candidates, Nodes others, Graph const& graph,
-                  std::set<Nodes>& found) {
-    if (candidates.empty() && others.empty()) {
+/// Adds every maximal clique made of `clique` and some of `candidates`. These and `others` are all
+/// nodes linked to the whole clique; with one of the others it has been added already.
+void Add_maximal(Nodes const& clique, Nodes candidates, Nodes others, Graph const& graph,
+                 std::set<Nodes>& found) {
+    Nodes const both = candidates | others;
+    if (both.empty()) {
         found.insert(clique);
-    }
-    if (candidates.empty()) {
         return;
     }
     // Nodes linked to the pivot alone make no maximal clique, since the pivot could join: so every
     // maximal clique holds the pivot or one of the candidates that are not linked to it.
-    auto const linked = [&](unsigned node) {
-        return Common(candidates, graph.all.at(node)).size();
-    };
-    Nodes const both = Joined(candidates, others);
-    unsigned const pivot = *std::max_element(
-        both.begin(), both.end(), [&](unsigned a, unsigned b) { return linked(a) < linked(b); });
-    for (unsigned node : Without(candidates, graph.all.at(pivot))) {
-        Nodes const& neighbours = graph.all.at(node);
-        List_maximal(Joined(clique, {node}), Common(candidates, neighbours),
-                     Common(others, neighbours), graph, found);
+    unsigned const pivot = *std::max_element(both.begin(), both.end(), [&](unsigned a, unsigned b) {
+        return Size(candidates & graph.out.at(a)) < Size(candidates & graph.out.at(b));
+    });
+    for (unsigned node : candidates - graph.out.at(pivot)) {
+        Nodes const& neighbours = graph.out.at(node);
+        Add_maximal(clique | Nodes{node}, candidates & neighbours, others & neighbours, graph,
+                    found);
         candidates.erase(node);
         others.insert(node);
     }
 }
 
-/// The maximal cliques of three or more nodes that hold `node` and otherwise nodes of `work`, in
-/// the order of their other members.
-Cliques Maximal_cliques(unsigned node, Graph const& work, Graph const& graph) {
-    Nodes const& neighbours = work.all.at(node);
-    std::set<Nodes> found;
-    List_maximal({}, neighbours, Without(graph.all.at(node), neighbours), graph, found);
-    Cliques result;
-    for (auto const& others : found) {
-        if (others.size() > 1) {
-            result.push_back(Joined(others, {node}));
-        }
-    }
-    return result;
-}
-
-// --- Undirected, as far as time allows: a clique grows by candidates in ascending order. ---
-
-/// Adds `x` to the clique. The clock is read from three nodes on.
-void Grow(unsigned x, Nodes clique, Nodes const& candidates, Graph const& work, Cliques& known,
-          Attempt& attempt, Time_check const& time_is_up) {
-    Nodes rest = Common(work.all.at(x), candidates);
-    clique.insert(x);
-    if (Inside_any(Joined(clique, rest), known)) {
-        return;
-    }
-    if (rest.empty() && clique.size() > 2) {
-        attempt.found.push_back(clique);
-        known.push_back(clique);
-    }
-    while (!rest.empty() && !attempt.too_slow) {
-        if (clique.size() > 2 && time_is_up()) {
-            attempt.too_slow = true;
-            return;
-        }
-        unsigned const y = Take_first(rest);
-        Grow(y, clique, rest, work, known, attempt, time_is_up);
-    }
-}
-
-Attempt Search_undirected(unsigned node, Graph const& work, Cliques known,
-                          Time_check const& time_is_up) {
-    Attempt attempt;
-    Grow(node, {}, work.all.at(node), work, known, attempt, time_is_up);
-    return attempt;
-}
-
-// --- Directed: a line of nodes, each linked to all that follow, grows in its gaps. ---
-
-/// A place where the line can still grow. The label is the member right behind the gap; the gap
-/// behind the last member is labelled with the node the search started from.
-struct Gap {
-    unsigned label;
-    Nodes open; // nodes linked from all members before the gap and to all members behind it
-};
-using Chain = std::vector<Gap>;
-
-Chain Insert(Chain const& chain, std::size_t gap, unsigned node, Graph const& work) {
-    Chain next;
-    for (std::size_t i = 0; i < chain.size(); ++i) {
-        if (i < gap) {
-            next.push_back({chain[i].label, Common(chain[i].open, work.in.at(node))});
-            continue;
-        }
-        if (i == gap) {
-            next.push_back({node, Common(chain[i].open, work.in.at(node))});
-        }
-        next.push_back({chain[i].label, Common(chain[i].open, work.out.at(node))});
-    }
-    return next;
-}
-
-/// The members and all that may still join them.
-Nodes Reach_of(Chain const& chain) {
-    Nodes result;
-    for (auto const& gap : chain) {
-        result.insert(gap.label);
-        result.insert(gap.open.begin(), gap.open.end());
-    }
-    return result;
-}
-
-bool Finished(Chain const& chain) {
-    return std::all_of(chain.begin(), chain.end(), [](Gap const& gap) { return gap.open.empty(); });
-}
-
-using Found_map = std::map<unsigned, Nodes>;
-
-void Record(Chain const& chain, Found_map& found, Cliques& known) {
+/// A clique that grows. In a directed graph its members stand in a line, each linked to all behind
+/// it, with a gap before, between and behind them; in an undirected graph there is one gap only.
+struct Growing {
     Nodes members;
-    for (std::size_t i = 0; i + 1 < chain.size(); ++i) {
-        members.insert(chain[i].label);
-    }
-    known.push_back(members);
-    unsigned const key = found.empty() ? 1 : found.rbegin()->first + 1;
-    std::erase_if(found, [&](auto const& entry) { return Inside(entry.second, members); });
-    found[key] = members;
-}
+    std::vector<Nodes> gaps; // in each the nodes that can still be put there
+};
 
-/// The clock is read from three nodes on.
-void Grow_chain(Chain chain, Graph const& work, Cliques& known, Found_map& found, bool& too_slow,
-                Time_check const& time_is_up) {
-    if (Inside_any(Reach_of(chain), known)) {
-        return;
-    }
-    bool const three = chain.size() > 3;
-    if (three && Finished(chain)) {
-        Record(chain, found, known);
-        return;
-    }
-    for (std::size_t gap = 0; gap < chain.size(); ++gap) {
-        while (!chain[gap].open.empty() && !too_slow) {
-            if (three && time_is_up()) {
-                too_slow = true;
-                return;
+/// The search for the cliques through one node.
+struct Attempt {
+    Graph const& work;                // the nodes that are not finished
+    Cliques known;                    // all cliques through the node so far, also of earlier nodes
+    std::function<bool()> time_is_up; // reads the clock
+    Cliques found = {};               // in the order in which they are to be registered
+    bool too_slow = false;
+
+    void Search(unsigned node, bool exact) {
+        if (work.directed) {
+            Grow({{node}, {work.in.at(node), work.out.at(node)}});
+        } else if (!exact) {
+            Grow({{node}, {work.out.at(node)}});
+        } else { // by the definition, which finds the same and is fast enough for real networks
+            std::set<Nodes> others;
+            Add_maximal({}, work.out.at(node), {}, work, others);
+            for (auto const& members : others) {
+                if (members.size() > 1 && !Inside_any(members | Nodes{node}, known)) {
+                    found.push_back(members | Nodes{node});
+                }
             }
-            unsigned const u = Take_first(chain[gap].open);
-            Grow_chain(Insert(chain, gap, u, work), work, known, found, too_slow, time_is_up);
         }
     }
-}
 
-Attempt Search_directed(unsigned node, Graph const& work, Cliques known,
-                        Time_check const& time_is_up) {
-    Attempt attempt;
-    Found_map found;
-    Grow_chain({{node, work.in.at(node)}, {node, work.out.at(node)}}, work, known, found,
-               attempt.too_slow, time_is_up);
-    for (auto const& [key, members] : found) {
-        attempt.found.push_back(members);
+    /// Puts a node into a gap, of which two are left: the nodes before it must link to it, those
+    /// behind it must be linked from it.
+    Growing Put(unsigned node, std::size_t gap, Growing const& clique) const {
+        Growing next{clique.members | Nodes{node}, {}};
+        for (std::size_t i = 0; i < clique.gaps.size(); ++i) {
+            if (i <= gap) {
+                next.gaps.push_back(clique.gaps[i] & work.in.at(node));
+            }
+            if (i >= gap && work.directed) {
+                next.gaps.push_back(clique.gaps[i] & work.out.at(node));
+            }
+        }
+        return next;
     }
-    return attempt;
-}
 
-// --- The searches over all nodes. ---
-
-Attempt Search_node(unsigned node, Graph const& work, Cliques const& so_far,
-                    Time_check const& time_is_up) {
-    Cliques known;
-    std::copy_if(so_far.begin(), so_far.end(), std::back_inserter(known),
-                 [&](Nodes const& clique) { return clique.contains(node); });
-    return work.directed ? Search_directed(node, work, known, time_is_up)
-                         : Search_undirected(node, work, known, time_is_up);
-}
+    /// Tries the gaps in their order and the nodes of each in theirs. The clock is read from three
+    /// members on.
+    void Grow(Growing clique) {
+        Nodes reach = clique.members;
+        for (auto const& gap : clique.gaps) {
+            reach.insert(gap.begin(), gap.end());
+        }
+        if (Inside_any(reach, known)) {
+            return; // nothing new can come of it
+        }
+        bool const three = clique.members.size() > 2;
+        if (three && reach == clique.members) {
+            std::erase_if(found, [&](Nodes const& old) { return Inside(old, reach); });
+            found.push_back(reach);
+            known.push_back(reach);
+        }
+        for (std::size_t i = 0; i < clique.gaps.size(); ++i) {
+            while (!clique.gaps[i].empty() && !too_slow) {
+                if (three && time_is_up()) {
+                    too_slow = true;
+                    return;
+                }
+                unsigned const node = *clique.gaps[i].begin();
+                clique.gaps[i].erase(node);
+                Grow(Put(node, i, clique));
+            }
+        }
+    }
+};
 
 /// Fewest neighbours first, equal ones by their index.
 std::deque<unsigned> Node_order(Graph const& graph) {
-    std::set<std::pair<std::size_t, unsigned>> by_degree;
-    for (auto const& [node, neighbours] : graph.all) {
-        by_degree.insert({neighbours.size(), node});
-    }
     std::deque<unsigned> order;
-    for (auto const& [degree, node] : by_degree) {
+    for (auto const& [node, nodes] : graph.in) {
         order.push_back(node);
     }
+    std::stable_sort(order.begin(), order.end(), [&](unsigned a, unsigned b) {
+        return Size(graph.Neighbours(a)) < Size(graph.Neighbours(b));
+    });
     return order;
 }
 
-unsigned Node_count(Graph const& graph) {
-    return static_cast<unsigned>(graph.all.size());
-}
-
-void Search_exactly(Graph const& graph, Cliques& cliques, std::ostream& out) {
-    Graph work = graph;
-    if (!work.directed) {
+/// Takes out of `work` every node that is finished. With a time limit a node that takes too long
+/// waits behind all others; when all that are left have done so in a row, they stay.
+Cliques Search(Graph& work, std::optional<double> limit, Clock& clock, std::ostream& out,
+               Reached& reached) {
+    std::string const what = work.directed ? "directed cliques" : "cliques";
+    std::string title = work.directed ? " Locating dir. cliques" : " Locating cliques";
+    if (limit) {
+        title += ", max. allowed time/node=" + Fixed(*limit, 3);
+    } else if (!work.directed) {
         out << " Sorting the nodes...\n done.\n";
     }
-    std::string const title = work.directed ? " Locating dir. cliques:" : " Locating cliques:";
-    unsigned const total = Node_count(work);
-    for (unsigned node : Node_order(work)) {
-        out << Progress({title}, "nodes", Node_count(work), total);
-        Cliques const found = work.directed
-                                  ? Search_node(node, work, cliques, [] { return false; }).found
-                                  : Maximal_cliques(node, work, graph);
-        cliques.insert(cliques.end(), found.begin(), found.end());
-        work.Remove(node);
-    }
-    out << Altogether(work.directed ? "directed cliques" : "cliques", cliques.size());
-}
-
-/// Searches until every node left has overrun in a row and leaves those nodes in `work`.
-void Search_limited(Graph& work, Cliques& cliques, double limit, Clock& clock, std::ostream& out,
-                    Reached& reached) {
-    std::string const what = work.directed ? "directed cliques" : "cliques";
-    std::string const title = (work.directed ? " Locating dir. cliques, max. allowed time/node="
-                                             : " Locating cliques, max. allowed time/node=") +
-                              Fixed(limit, 3) + ":";
-    unsigned const total = Node_count(work);
     std::deque<unsigned> queue = Node_order(work);
+    unsigned const total = Size(queue);
+    unsigned skipped = 0; // in a row
     std::set<Nodes> pending;
-    unsigned skipped = 0;
-    bool go_on = true;
-    while (!queue.empty() && go_on) {
-        out << Progress({title}, "nodes", Node_count(work), total);
+    Cliques cliques;
+    while (skipped < queue.size()) {
+        out << Progress({title + ":"}, "nodes", Size(queue), total);
         unsigned const node = queue.front();
         queue.pop_front();
         double const start = clock.Seconds();
-        Attempt const attempt =
-            Search_node(node, work, cliques, [&] { return clock.Seconds() - start > limit; });
+        Attempt attempt{work, {}, [&] { return limit && clock.Seconds() - start > *limit; }};
+        std::copy_if(cliques.begin(), cliques.end(), std::back_inserter(attempt.known),
+                     [&](Nodes const& clique) { return clique.contains(node); });
+        attempt.Search(node, !limit);
         if (!attempt.too_slow) {
             cliques.insert(cliques.end(), attempt.found.begin(), attempt.found.end());
+            work.Remove(node);
             if (skipped > 0) {
                 reached.insert("a node finishes after others overran");
             }
             skipped = 0;
-            work.Remove(node);
             continue;
         }
-        ++skipped;
-        out << " Exceeded allowed time at node no." << node << ",\n"
-            << " skipping, " << skipped << " out of " << work.all.size() << " skipped in a row, ("
-            << Fixed(100.0 * skipped / Node_count(work), 2) << "%)\n";
         queue.push_back(node);
         pending.insert(attempt.found.begin(), attempt.found.end());
-        if (skipped >= queue.size()) {
-            out << Underline(what.size() + 43) << " The extraction of " << what
-                << " has been found too slow \n at all of the remaining nodes.\n";
-            go_on = false;
+        ++skipped;
+        out << " Exceeded allowed time at node no." << node << ",\n"
+            << " skipping, " << skipped << " out of " << queue.size() << " skipped in a row, ("
+            << Fixed(100.0 * skipped / Size(queue), 2) << "%)\n";
+    }
+    if (!queue.empty()) {
+        out << std::string(what.size() + 43, '_') << "\n The extraction of " << what
+            << " has been found too slow \n at all of the remaining nodes.\n";
+        for (auto const& clique : pending) {
+            if (!Inside_any(clique, cliques)) {
+                reached.insert("a clique of an overrun is kept");
+                cliques.push_back(clique);
+            }
         }
     }
-    if (work.all.empty()) {
-        out << Altogether(what, cliques.size())
-            << (work.directed ? "no approximation was needed.\n"
+    out << Altogether((queue.empty() ? "" : "exact ") + what, cliques.size());
+    if (queue.empty() && limit) {
+        out << (work.directed ? "no approximation was needed.\n"
                               : " no approximation was needed\n");
-        return;
     }
-    for (auto const& clique : pending) {
-        if (!Inside_any(clique, cliques)) {
-            reached.insert("a clique of an overrun is kept");
-            cliques.push_back(clique);
-        }
-    }
-    out << Altogether("exact " + what, cliques.size());
+    return cliques;
 }
 
-// --- The core that a limited search leaves. ---
-
-/// One candidate per core node: its neighbours in the core, without the node itself.
+/// Of the core that a time limit leaves, one candidate per node: its neighbours in the core,
+/// without the node itself.
 Cliques Approximate(Graph const& core, Cliques const& exact) {
     Cliques candidates;
-    for (auto const& [node, neighbours] : core.all) {
+    for (auto const& [node, nodes] : core.in) {
+        Nodes const neighbours = core.Neighbours(node);
         if (!Inside_any(neighbours, candidates) && !Inside_any(neighbours, exact)) {
             candidates.push_back(neighbours);
         }
@@ -318,110 +203,46 @@ Cliques Approximate(Graph const& core, Cliques const& exact) {
     return kept;
 }
 
-void Merge(Found_cliques& result, Cliques approximated, Reached& reached) {
-    Cliques& cliques = result.cliques;
-    std::erase_if(approximated, [&](Nodes const& nodes) { return Inside_any(nodes, cliques); });
-    auto const dropped =
-        std::erase_if(cliques, [&](Nodes const& nodes) { return Inside_any(nodes, approximated); });
-    if (dropped > 0) {
-        reached.insert("an exact clique is dropped");
-    }
-    result.n_exact = static_cast<unsigned>(cliques.size());
-    cliques.insert(cliques.end(), approximated.begin(), approximated.end());
-}
-
 } // namespace
 
-Nodes Common(Nodes const& a, Nodes const& b) {
-    Nodes result;
-    std::set_intersection(a.begin(), a.end(), b.begin(), b.end(),
-                          std::inserter(result, result.end()));
-    return result;
-}
-
-Nodes Without(Nodes const& a, Nodes const& b) {
-    Nodes result;
-    std::set_difference(a.begin(), a.end(), b.begin(), b.end(),
-                        std::inserter(result, result.end()));
-    return result;
-}
-
-bool Inside(Nodes const& small, Nodes const& large) {
-    return small.size() <= large.size() &&
-           std::includes(large.begin(), large.end(), small.begin(), small.end());
-}
-
-unsigned Size(Nodes const& nodes) {
-    return static_cast<unsigned>(nodes.size());
-}
-
-unsigned Largest(Cliques const& cliques) {
-    unsigned largest = 0;
-    for (auto const& clique : cliques) {
-        largest = std::max(largest, Size(clique));
-    }
-    return largest;
-}
-
 void Graph::Remove(unsigned node) {
-    Nodes const neighbours = all.at(node);
-    for (auto* sets : {&all, &in, &out}) {
-        sets->erase(node);
-        for (unsigned neighbour : neighbours) {
-            if (auto const entry = sets->find(neighbour); entry != sets->end()) {
-                entry->second.erase(node);
-            }
+    for (auto* links : {&in, &out}) {
+        links->erase(node);
+        for (auto& [other, nodes] : *links) {
+            nodes.erase(node);
         }
     }
 }
 
 Graph Make_graph(Index_links const& links, bool directed) {
-    Graph graph;
-    graph.directed = directed;
-    for (auto const& [link, weight] : links) {
-        auto const [a, b] = link;
-        graph.all[a].insert(b);
-        graph.all[b].insert(a);
-        if (directed) {
-            graph.out[a].insert(b);
-            graph.in[b].insert(a);
-            graph.in[a];
-            graph.out[b];
+    Graph graph{directed, {}, {}};
+    auto const link = [&](unsigned source, unsigned target) {
+        graph.out[source].insert(target);
+        graph.in[target].insert(source);
+        graph.out[target]; // an entry, perhaps an empty one
+        graph.in[source];
+    };
+    for (auto const& [ends, weight] : links) {
+        link(ends.first, ends.second);
+        if (!directed) {
+            link(ends.second, ends.first);
         }
     }
     return graph;
 }
 
-Rows Overlaps(std::vector<Nodes> const& sets) {
-    std::map<unsigned, std::vector<unsigned>> holders;
-    for (unsigned i = 0; i < sets.size(); ++i) {
-        for (unsigned node : sets[i]) {
-            holders[node].push_back(i);
-        }
-    }
-    Rows rows(sets.size());
-    for (unsigned i = 0; i < sets.size(); ++i) {
-        for (unsigned node : sets[i]) {
-            for (unsigned other : holders[node]) {
-                ++rows[i][other];
-            }
-        }
-    }
-    return rows;
-}
-
-void Extend_rows(Rows& rows, Cliques const& cliques, unsigned n_old) {
-    // Deliberate: one row per new clique goes behind the rows there are, whatever their number.
-    // When exact cliques were dropped before, the old rows no longer stand at their cliques'
-    // positions.
-    auto const end = static_cast<unsigned>(cliques.size());
-    rows.resize(rows.size() + (end - n_old));
-    for (unsigned i = n_old; i < end; ++i) {
-        for (unsigned j = 0; j < end; ++j) {
-            unsigned const shared = Size(Common(cliques[i], cliques[j]));
+void Extend_rows(Rows& rows, std::vector<Nodes> const& sets, unsigned n_old) {
+    // Deliberate: one row per new set goes behind the rows there are, whatever their number. When
+    // exact cliques were dropped before, the old rows no longer stand at their cliques' positions.
+    rows.resize(rows.size() + (sets.size() - n_old));
+    for (unsigned i = n_old; i < sets.size(); ++i) {
+        for (unsigned j = 0; j <= i; ++j) {
+            auto const shared = std::count_if(sets[i].begin(), sets[i].end(), [&](unsigned node) {
+                return sets[j].contains(node);
+            });
             if (i == j || shared > 0) {
-                rows[j][i] = shared;
-                rows[i][j] = shared;
+                rows[j][i] = static_cast<unsigned>(shared);
+                rows[i][j] = static_cast<unsigned>(shared);
             }
         }
     }
@@ -429,27 +250,28 @@ void Extend_rows(Rows& rows, Cliques const& cliques, unsigned n_old) {
 
 Found_cliques Find_cliques(Graph const& graph, std::optional<double> limit, Clock& clock,
                            std::ostream& out, Reached& reached) {
+    Graph core = graph;
     Found_cliques result;
-    Graph core;
-    if (limit) {
-        core = graph;
-        Search_limited(core, result.cliques, *limit, clock, out, reached);
-    } else {
-        Search_exactly(graph, result.cliques, out);
-    }
-    result.n_exact = static_cast<unsigned>(result.cliques.size());
-    result.rows = Overlaps(result.cliques);
-    if (core.all.empty()) {
+    result.cliques = Search(core, limit, clock, out, reached);
+    result.n_exact = Size(result.cliques);
+    Extend_rows(result.rows, result.cliques, 0);
+    if (core.in.empty()) {
         return result;
     }
     reached.insert(graph.directed ? "a directed core is approximated" : "a core is approximated");
-    out << Underline(45) << " Approximating cliques in the remaing core...\n";
-    Cliques const approximated = Approximate(core, result.cliques);
-    Merge(result, approximated, reached);
+    out << Underlined(" Approximating cliques in the remaing core...");
+    Cliques approximated = Approximate(core, result.cliques);
+    std::erase_if(approximated, [&](auto const& set) { return Inside_any(set, result.cliques); });
+    std::erase_if(result.cliques, [&](auto const& set) { return Inside_any(set, approximated); });
+    if (result.cliques.size() < result.n_exact) {
+        reached.insert("an exact clique is dropped");
+    }
+    result.n_exact = Size(result.cliques);
+    result.cliques.insert(result.cliques.end(), approximated.begin(), approximated.end());
     Extend_rows(result.rows, result.cliques, result.n_exact);
     out << " Clique approximation finished,\n"
         << " number of   exact cliques=" << result.n_exact << ",\n"
-        << " number of approx. cliques=" << result.cliques.size() - result.n_exact << "\n";
+        << " number of approx. cliques=" << approximated.size() << "\n";
     return result;
 }
 

@@ -4,6 +4,8 @@
 #ifndef PLEXOR_PLAIN_CLIQUES_H
 #define PLEXOR_PLAIN_CLIQUES_H
 
+#include <algorithm>
+#include <iterator>
 #include <map>
 #include <optional>
 #include <ostream>
@@ -16,38 +18,65 @@ namespace cpm::model {
 
 using Nodes = std::set<unsigned>;
 using Pair = std::pair<unsigned, unsigned>;
-using Index_links = std::map<Pair, double>;
 using Cliques = std::vector<Nodes>;
 
-/// One row per set of nodes, itself included: another set's position -> the number of shared nodes.
-using Rows = std::vector<std::map<unsigned, unsigned>>;
+/// The links between nodes -> the weight. In an undirected network the smaller node stands first.
+using Index_links = std::map<Pair, double>;
 
 /// Names of the rare situations a run has met, so that a batch of random runs can say what it has
 /// covered.
 using Reached = std::set<std::string>;
 
-/// Neighbour sets by node; `in` and `out` hold entries in a directed graph only.
+inline Nodes operator|(Nodes a, Nodes const& b) {
+    a.insert(b.begin(), b.end());
+    return a;
+}
+
+inline Nodes operator&(Nodes const& a, Nodes const& b) {
+    Nodes both;
+    std::set_intersection(a.begin(), a.end(), b.begin(), b.end(), std::inserter(both, both.end()));
+    return both;
+}
+
+inline Nodes operator-(Nodes a, Nodes const& b) {
+    std::erase_if(a, [&](unsigned node) { return b.contains(node); });
+    return a;
+}
+
+inline bool Inside(Nodes const& small, Nodes const& large) {
+    return std::includes(large.begin(), large.end(), small.begin(), small.end());
+}
+
+template <typename T> unsigned Size(T const& items) {
+    return static_cast<unsigned>(items.size());
+}
+
+/// Who links to each node and who each node links to. In an undirected graph both are the same.
 struct Graph {
     bool directed = false;
-    std::map<unsigned, Nodes> all;
     std::map<unsigned, Nodes> in;
     std::map<unsigned, Nodes> out;
 
+    Nodes Neighbours(unsigned node) const { return in.at(node) | out.at(node); }
     void Remove(unsigned node);
 };
 
 Graph Make_graph(Index_links const& links, bool directed);
 
 /// Processor time that advances by the same step, in microseconds, at every reading.
-class Clock {
-public:
-    explicit Clock(long long step) : step_(step) {}
-    double Seconds() { return static_cast<double>(++readings_ * step_) / 1e6; }
+struct Clock {
+    long long step;
+    long long now = 0;
 
-private:
-    long long step_;
-    long long readings_ = 0;
+    double Seconds() { return static_cast<double>(now += step) / 1e6; }
 };
+
+/// One row per set of nodes: the position of every set that shares nodes with it, its own included
+/// -> the number of shared nodes.
+using Rows = std::vector<std::map<unsigned, unsigned>>;
+
+/// Adds to the rows what the sets from position `n_old` on share with all others.
+void Extend_rows(Rows& rows, std::vector<Nodes> const& sets, unsigned n_old);
 
 struct Found_cliques {
     Cliques cliques; // the exact ones first
@@ -59,18 +88,6 @@ struct Found_cliques {
 /// goes to `out`.
 Found_cliques Find_cliques(Graph const& graph, std::optional<double> limit, Clock& clock,
                            std::ostream& out, Reached& reached);
-
-/// The rows of all sets; those that share nothing are not in them.
-Rows Overlaps(std::vector<Nodes> const& sets);
-
-/// Adds to the rows what the cliques from position `n_old` on share with all others.
-void Extend_rows(Rows& rows, Cliques const& cliques, unsigned n_old);
-
-Nodes Common(Nodes const& a, Nodes const& b);
-Nodes Without(Nodes const& a, Nodes const& b);
-bool Inside(Nodes const& small, Nodes const& large);
-unsigned Size(Nodes const& nodes);
-unsigned Largest(Cliques const& cliques);
 
 } // namespace cpm::model
 

@@ -13,13 +13,16 @@ namespace cpm::model {
 std::string Fixed(double value, unsigned digits);
 
 /// Reads a number followed by nothing but white space; `value` is set only then.
-bool Read_number(std::string const& text, double& value);
+bool Read(std::string const& text, double& value);
 
 /// The same, not negative, rounded to the nearest whole number with halves upwards.
-bool Read_unsigned(std::string const& text, unsigned& value);
+bool Read(std::string const& text, unsigned& value);
 
-/// `width` underscores and an end of line.
-std::string Underline(std::size_t width);
+/// Any text is a text.
+bool Read(std::string const& text, std::string& value);
+
+/// The line, ended, below as many underscores.
+std::string Underlined(std::string const& line);
 
 /// Titles, underlined above, and the line that counts what is left to do.
 std::string Progress(std::vector<std::string> const& titles, std::string const& what,

@@ -4,7 +4,7 @@
 #ifndef PLEXOR_RANDOM_CASE_H
 #define PLEXOR_RANDOM_CASE_H
 
-#include "Plain_tree.h"
+#include "Box.h"
 
 #include <cstdint>
 #include <string>

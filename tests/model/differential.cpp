@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Runs the program and the plain model on the same random or given cases and compares standard
-// output, exit status and every file and directory byte for byte.
+// Runs the program and the plain model on the same random or given cases, one after the other in
+// the same directory, and compares standard output, exit status and every file and directory byte
+// for byte.
 #include "Box.h"
 #include "Plain_model.h"
 #include "Random_case.h"
@@ -152,6 +153,13 @@ std::string Learn_banner(std::string const& program, std::string const& box) {
 
 // --- Running the model. ---
 
+/// What stands in the box before the run.
+void Refill(Case const& test, std::string const& box) {
+    Delete(box);
+    Fill(box, test.tree);
+    Fill(box, {{work_directory, {}}});
+}
+
 std::vector<std::string> Args_in(Case const& test, std::string const& box) {
     std::vector<std::string> args = test.args;
     std::string const token = "@BOX@";
@@ -163,28 +171,13 @@ std::vector<std::string> Args_in(Case const& test, std::string const& box) {
     return args;
 }
 
-Result Run_model_in(Case const& test, Tree const& before, std::string const& box,
-                    std::string const& banner, Reached& reached) {
-    World world;
-    world.cwd = box + "/" + work_directory;
-    world.banner = banner;
-    world.clock_step = test.clock_step;
-    for (auto at = box; !at.empty(); at.erase(at.rfind('/'))) {
-        world.tree[at] = {};
-    }
-    world.tree["/"] = {};
-    for (auto const& [path, entry] : before) {
-        world.tree[box + "/" + path] = entry;
-    }
-    Outcome const outcome = Run_model(Args_in(test, box), world);
-    reached.insert(outcome.reached.begin(), outcome.reached.end());
+Result Run_model_in(Case const& test, std::string const& box, std::string const& banner,
+                    Reached& reached) {
     Result result;
-    result.out = outcome.out;
-    for (auto const& [path, entry] : outcome.tree) {
-        if (path.starts_with(box + "/")) {
-            result.tree[path.substr(box.size() + 1)] = entry;
-        }
-    }
+    std::filesystem::current_path(box + "/" + work_directory);
+    result.out = Run_model(Args_in(test, box), banner, test.clock_step, reached);
+    std::filesystem::current_path("/"); // so that the box can be deleted
+    result.tree = Look_into(box);
     return result;
 }
 
@@ -308,8 +301,8 @@ std::string Quoted(std::string const& text) {
 
 class Runner {
 public:
-    Runner(Options options, std::string directory)
-        : options_(std::move(options)), box_(directory + "/box"), directory_(std::move(directory)),
+    Runner(Options options, std::string box)
+        : options_(std::move(options)), box_(std::move(box)),
           banner_(Learn_banner(options_.program, box_)) {}
 
     void Go();
@@ -318,7 +311,6 @@ public:
 private:
     struct Compared {
         std::string difference;
-        Tree before;
         Result model;
         Result program;
     };
@@ -333,7 +325,6 @@ private:
 
     Options options_;
     std::string box_;
-    std::string directory_;
     std::string banner_;
     std::map<std::string, unsigned> reached_;
     unsigned passed_ = 0;
@@ -348,12 +339,9 @@ constexpr std::size_t most_shrinking_lines = 1'000'000;
 
 Runner::Compared Runner::Compare(Case const& test, Reached& reached) const {
     Compared compared;
-    Tree tree = test.tree;
-    tree.insert({work_directory, {}});
-    Delete(box_);
-    Fill(box_, tree);
-    compared.before = Look_into(box_);
-    compared.model = Run_model_in(test, compared.before, box_, banner_, reached);
+    Refill(test, box_);
+    compared.model = Run_model_in(test, box_, banner_, reached);
+    Refill(test, box_);
     compared.program = Run_program(Program_for(test), Args_in(test, box_), box_, test.clock_step);
     compared.difference = Difference(compared.model, compared.program);
     return compared;
@@ -399,12 +387,12 @@ void Runner::Keep(Case test, std::string const& name, std::string const& again) 
     Shrink(test);
     Reached reached;
     Compared const compared = Compare(test, reached);
-    std::string const kept = directory_ + "/red-" + name;
+    std::string const kept = options_.keep + "/red-" + name;
     Delete(kept);
     std::filesystem::create_directory(kept);
-    std::filesystem::rename(box_, kept + "/got");
+    Fill(kept + "/got", compared.program.tree);
     Fill(kept + "/expected", compared.model.tree);
-    Fill(kept + "/input", compared.before);
+    Refill(test, kept + "/input");
     std::ofstream(kept + "/got_stdout", std::ios::binary) << compared.program.out;
     std::ofstream(kept + "/expected_stdout", std::ios::binary) << compared.model.out;
     std::string command = "PLEXOR_FAKE_CLOCK_STEP=" + std::to_string(test.clock_step) + " " +
@@ -484,7 +472,6 @@ void Runner::Go() {
         Try(Given_case(options_.network, switches), "network-" + std::to_string(i + 1),
             "--network " + Quoted(options_.network) + " --switches " + Quoted(switches));
     }
-    Delete(box_);
 }
 
 bool Runner::Report() const {
@@ -537,17 +524,20 @@ Options Read_options(int argc, char** argv) {
     return options;
 }
 
-/// The directory of this call, by the path that getcwd gives inside it.
-std::string Make_directory(Options const& options) {
-    if (!options.keep.empty()) {
-        std::filesystem::create_directories(options.keep);
-        return std::filesystem::canonical(options.keep);
-    }
-    std::string name = std::filesystem::temp_directory_path() / "plexor-differential-XXXXXX";
+/// A new directory, by the path that getcwd gives inside it.
+std::string Make_directory(std::filesystem::path const& parent) {
+    std::string name = parent / "plexor-differential-XXXXXX";
     if (::mkdtemp(name.data()) == nullptr) {
         throw std::runtime_error("cannot make a directory '" + name + "'");
     }
     return std::filesystem::canonical(name);
+}
+
+/// Where the cases run: thousands of small files are soonest written and deleted in memory.
+std::filesystem::path Place_for_boxes() {
+    char const* const memory = "/dev/shm";
+    bool const usable = std::getenv("TMPDIR") == nullptr && ::access(memory, W_OK | X_OK) == 0;
+    return usable ? memory : std::filesystem::temp_directory_path();
 }
 
 } // namespace
@@ -557,13 +547,21 @@ std::string Make_directory(Options const& options) {
 int main(int argc, char** argv) {
     using namespace cpm::model;
     try {
-        Options const options = Read_options(argc, argv);
-        std::string const directory = Make_directory(options);
-        Runner runner(options, directory);
+        Options options = Read_options(argc, argv);
+        bool const keep_given = !options.keep.empty();
+        if (keep_given) {
+            std::filesystem::create_directories(options.keep);
+            options.keep = std::filesystem::canonical(options.keep);
+        } else {
+            options.keep = Make_directory(std::filesystem::temp_directory_path());
+        }
+        std::string const place = Make_directory(Place_for_boxes());
+        Runner runner(options, place + "/box");
         runner.Go();
+        Delete(place);
         bool const good = runner.Report();
-        if (good && options.keep.empty()) {
-            Delete(directory);
+        if (good && !keep_given) {
+            Delete(options.keep);
         }
         return good ? 0 : 1;
     } catch (std::exception const& error) {
