@@ -81,14 +81,11 @@ void Dir_node_search::Main_inc_dir_inv_time(Node node,
 // Appends the cliques around the node, or some of them when it is stopped.
 void Dir_node_search::Find_around(Local_cliques::Stop_check const* stop, Set_list& cliques) {
     bool const circles = around_.May_have_circles();
-    if (circles) {
-        kernel_.Find(around_, stop);
-    } else {
-        Find_without_circles(stop);
-    }
+    bool const all_found = circles ? kernel_.Find(around_, stop) : Find_without_circles(stop);
     Set_list const& sets = circles ? kernel_.Found() : sets_;
-    if (!around_.One_way()) {
-        // Every gap is open to every node: sets are met in lexicographic order, as they stand.
+    if (!around_.One_way() || !all_found) {
+        // Every gap is open to every node: sets are met in lexicographic order, as they stand. And
+        // nobody asks for the order of some of the sets, which would take longer than to find them.
         for (std::size_t i = 0; i < sets.size(); ++i) {
             Append_clique(sets[i], cliques);
         }
@@ -100,7 +97,7 @@ void Dir_node_search::Find_around(Local_cliques::Stop_check const* stop, Set_lis
 }
 
 // Where one-way links close no circle, nodes two by two linked can always be lined up.
-void Dir_node_search::Find_without_circles(Local_cliques::Stop_check const* stop) {
+bool Dir_node_search::Find_without_circles(Local_cliques::Stop_check const* stop) {
     local_.Start(around_.Centre());
     for (Local_link const& link : around_.Links()) {
         local_.Link(link.candidate, link.other);
@@ -114,13 +111,14 @@ void Dir_node_search::Find_without_circles(Local_cliques::Stop_check const* stop
         }
         local_.End_excluded(least_others);
     }
-    local_.Find(stop);
+    bool const all_found = local_.Find(stop);
     while (places_.size() < around_.Centre()) {
         places_.push_back(static_cast<Node>(places_.size()));
     }
     sets_.clear();
     local_.Append_cliques(around_.Centre(), Node_set(places_).first(around_.Centre()), least_others,
                           sets_);
+    return all_found;
 }
 
 void Dir_node_search::Append_clique(Node_set places, Set_list& cliques) {

@@ -52,7 +52,7 @@ public:
 
 private:
     void Find_around(Local_cliques::Stop_check const* stop, Set_list& cliques);
-    void Find_without_circles(Local_cliques::Stop_check const* stop);
+    bool Find_without_circles(Local_cliques::Stop_check const* stop);
     void Append_clique(Node_set places, Set_list& cliques);
 
     Dir_surroundings around_;

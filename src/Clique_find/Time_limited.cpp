@@ -39,7 +39,7 @@ public:
     Set_list const& Sorted();
 
 private:
-    static constexpr std::size_t most_large_sets = 10000;
+    static constexpr std::size_t most_large_sets = 1000;
 
     void Add(Node_set set);
     void Grow();

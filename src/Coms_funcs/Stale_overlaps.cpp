@@ -97,7 +97,7 @@ void Stale_overlaps::For_each_sharing(Side const& side, Clique_number clique, st
               [&](Node a, Node b) { return side.holders[a].size() < side.holders[b].size(); });
     for (std::size_t n = 0; n + needed <= rarest.size(); ++n) {
         for (Clique_number const other : side.holders[rarest[n]]) {
-            if (seen_for_[other] != round_) {
+            if (seen_for_[other] != round_ && (*side.cliques)[other].size() >= needed) {
                 seen_for_[other] = round_;
                 std::uint32_t const shared = Shared(*side.cliques, clique, other);
                 if (shared >= needed) {

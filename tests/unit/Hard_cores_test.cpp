@@ -20,8 +20,8 @@ namespace {
 
 constexpr Node part_size = 3;
 constexpr Node n_parts = 20;
-constexpr Node n_of_parts = n_parts * part_size;  // nodes
-constexpr std::size_t most_of_an_attempt = 10000; // sets of four nodes or more that are kept
+constexpr Node n_of_parts = n_parts * part_size; // nodes
+constexpr std::size_t most_of_an_attempt = 1000; // sets of four nodes or more that are kept
 
 // Arcs; an undirected search takes them as links.
 struct Network {
