@@ -308,7 +308,7 @@ void Writing_cliques(benchmark::State& state) {
 
 void Writing_communities(benchmark::State& state) {
     Prepared& network = Network_of(state);
-    Lowest_level const level(network);
+    Lowest_level level(network);
     Scratch const out;
     Console& console = network.silent.Get();
     for (auto _ : state) {

@@ -16,6 +16,7 @@
 #include <csignal>
 #include <exception>
 #include <fcntl.h>
+#include <malloc.h>
 #include <optional>
 #include <unistd.h>
 #include <utility>
@@ -77,6 +78,7 @@ void Run(int argc, char** argv, Console& console) {
     Index_links links;
     Names_map names;
     Read(argc, argv, run, links, names, console);
+    Name_labels const labels(std::move(names));
     Found_cliques found;
     Node n_nodes = 0;
     {
@@ -89,7 +91,6 @@ void Run(int argc, char** argv, Console& console) {
     }
     console.Put_line("___________________________");
     console.Put_line(" Writing cliques to disk...");
-    Name_labels const labels(names);
     Kiir_cliques_PX(run.out_dir, found.cliques, labels, found.n_exact, run.com_flag,
                     run.header_text, console);
     console.Put_line(" done.");
@@ -109,6 +110,13 @@ void Fill_standard_streams() {
     }
 }
 
+// They come and go with the stages, and grow where they are. In the heap, where the C library puts
+// more and more of them as it sees them go, each would leave a hole and be copied to grow.
+void Give_large_arrays_pages_of_their_own() {
+    constexpr int large = 1 << 22;
+    ::mallopt(M_MMAP_THRESHOLD, large);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -118,6 +126,7 @@ int main(int argc, char** argv) {
     std::signal(SIGXFSZ, SIG_IGN);
     Fill_standard_streams();
     cpm::Out_of_memory::Install();
+    Give_large_arrays_pages_of_their_own();
     cpm::Console console(STDOUT_FILENO);
     try {
         Run(argc, argv, console);

@@ -48,9 +48,9 @@ void Prepare_community_graph(Communities const& coms, Community_graph& graph) {
 void Community_graph::Prepare(Communities const& coms) {
     coms_ = &coms;
     walked_ = false;
-    Number_nodes();
+    std::size_t const n_nodes = Number_nodes();
     starts_.clear();
-    starts_.Resize(nodes_.size() + 1, 0);
+    starts_.Resize(n_nodes + 1, 0);
     for (Node const number : flat_) {
         ++starts_[number];
     }
@@ -68,37 +68,41 @@ void Community_graph::Prepare(Communities const& coms) {
     }
 }
 
-void Community_graph::Number_nodes() {
-    for (Node const node : nodes_) {
-        number_[node] = 0;
-    }
-    nodes_.clear();
+// Fills flat_; returns how many nodes are in communities.
+std::size_t Community_graph::Number_nodes() {
     std::span<Node const> const all = coms_->nodes.Flat();
     std::size_t const node_end = all.empty() ? 0 : std::size_t{*std::ranges::max_element(all)} + 1;
     number_.Resize(std::max(number_.size(), node_end), 0);
     flat_.Resize_uninitialised(all.size());
+    Flat_array<Node>& numbered = members_; // not needed yet
+    numbered.clear();
     for (std::size_t i = 0; i < all.size(); ++i) {
         Node const node = all[i];
         if (number_[node] == 0) {
-            nodes_.push_back(node);
-            number_[node] = static_cast<Node>(nodes_.size());
+            numbered.push_back(node);
+            number_[node] = static_cast<Node>(numbered.size());
         }
         flat_[i] = number_[node] - 1;
     }
+    for (Node const node : numbered) {
+        number_[node] = 0;
+    }
+    return numbered.size();
 }
 
 void Community_graph::Walk(Take_overlaps const& take) {
     std::size_t const n_coms = coms_->size();
-    next_ = starts_;
+    passed_.clear();
+    passed_.Resize(N_nodes(), 0);
     shared_.Resize(n_coms, 0);
     bits_.Resize(n_coms / word_bits + 1, 0);
     for (Flat_array<std::uint64_t>& counts : overlap_counts_) {
         counts.clear();
     }
-    for (Flat_array<std::uint32_t>* degrees : {&degrees_, &degrees_other_}) {
-        degrees->clear();
-        degrees->Resize(n_coms, 0);
-    }
+    degrees_.clear();
+    degrees_.Resize(n_coms, 0);
+    degrees_other_.clear();
+    degrees_other_.Resize(coms_->n_exact < n_coms ? n_coms : 0, 0);
     for (std::size_t i = 0; i < n_coms; ++i) {
         auto const community = static_cast<std::uint32_t>(i);
         Fill_row(community);
@@ -110,7 +114,7 @@ void Community_graph::Walk(Take_overlaps const& take) {
     walked_ = true;
 }
 
-// Invariant: next_ of a node is the place of the first of its communities that no row has passed.
+// Invariant: passed_ of a node is how many of its communities come before that of the row.
 // Relies on: rows are filled in ascending order, and the communities of a node are ascending.
 // Buys:      only later communities are met; nothing is searched for.
 void Community_graph::Fill_row(std::uint32_t community) {
@@ -118,9 +122,9 @@ void Community_graph::Fill_row(std::uint32_t community) {
     std::size_t n_touched = 0;
     std::uint64_t const* const begins = coms_->nodes.Starts() + community;
     for (std::uint64_t n = begins[0]; n < begins[1]; ++n) {
-        Node const node = flat_[n];
-        std::uint64_t const end = starts_[std::size_t{node} + 1];
-        for (std::uint64_t at = ++next_[node]; at < end; ++at) {
+        std::size_t const node = flat_[n];
+        std::uint64_t const end = starts_[node + 1];
+        for (std::uint64_t at = starts_[node] + ++passed_[node]; at < end; ++at) {
             std::uint32_t const other = members_[at];
             // Written each time and kept the first time: which of the two no branch could foresee.
             touched_[n_touched] = other;
@@ -171,6 +175,9 @@ void Community_graph::Count_row(std::uint32_t community) {
 
 void Community_graph::Count_pairs(std::uint32_t community, std::span<Overlap const> row,
                                   Pair_kind kind) {
+    if (row.empty()) {
+        return;
+    }
     Flat_array<std::uint32_t>& degrees = kind == one_of_each ? degrees_other_ : degrees_;
     degrees[community] += static_cast<std::uint32_t>(row.size());
     for (Overlap const& overlap : row) {
@@ -194,7 +201,8 @@ Flat_array<std::uint64_t> Community_graph::Overlap_counts(Community_part part) c
 }
 
 std::uint32_t Community_graph::Degree(std::size_t community, Community_part part) const {
-    return degrees_[community] + (part == Community_part::all ? degrees_other_[community] : 0);
+    bool const other_part = part == Community_part::all && !degrees_other_.empty();
+    return degrees_[community] + (other_part ? degrees_other_[community] : 0);
 }
 
 void Community_statistics(Community_distributions& distributions, Community_graph& graph,

@@ -55,7 +55,7 @@ public:
 
     Communities const& Coms() const { return *coms_; }
     /// The communities of each node that is in one.
-    std::size_t N_nodes() const { return nodes_.size(); }
+    std::size_t N_nodes() const { return starts_.size() - 1; }
     std::span<std::uint32_t const> Coms_of(std::size_t node) const {
         return {members_.data() + starts_[node], members_.data() + starts_[node + 1]};
     }
@@ -73,7 +73,7 @@ private:
     enum Pair_kind : std::size_t { both_exact, both_approximated, one_of_each, n_pair_kinds };
 
     void Prepare(Communities const& coms);
-    void Number_nodes();
+    std::size_t Number_nodes();
     void Fill_row(std::uint32_t community);
     void Sort_touched(std::uint32_t community);
     void Count_row(std::uint32_t community);
@@ -82,14 +82,13 @@ private:
     Communities const* coms_ = nullptr;
     // The nodes are numbered as they occur first: at large k few are in communities, and those of
     // one community are next to each other.
-    Flat_array<Node> number_; ///< node -> its number + 1; 0 for those in no community
-    Flat_array<Node> nodes_;  ///< number -> node
+    Flat_array<Node> number_; ///< node -> its number + 1 while they are given, else 0
     Flat_array<Node> flat_;   ///< the numbers of the nodes of all communities, in their order
     // The index: the communities of the node of a number begin at starts_[number] in members_.
     Flat_array<std::uint64_t> starts_;
     Flat_array<std::uint32_t> members_;
     // The row under way. Before and after it all of shared_ and bits_ is zero.
-    Flat_array<std::uint64_t> next_;    ///< number -> where its communities not yet passed begin
+    Flat_array<std::uint32_t> passed_;  ///< number -> how many of its communities rows have passed
     Flat_array<std::uint32_t> shared_;  ///< community -> nodes shared with that of the row
     Flat_array<std::uint32_t> touched_; ///< the communities whose shared_ is not zero
     Flat_array<std::uint64_t> bits_;
@@ -98,7 +97,7 @@ private:
     bool walked_ = false;
     std::array<Flat_array<std::uint64_t>, n_pair_kinds> overlap_counts_; ///< by overlap size
     Flat_array<std::uint32_t> degrees_;       ///< within the community's own part
-    Flat_array<std::uint32_t> degrees_other_; ///< to the other part
+    Flat_array<std::uint32_t> degrees_other_; ///< to the other part; empty when there is none
 };
 
 /// Sets up the graph of the communities, which must outlive its use.

@@ -99,6 +99,7 @@ Overlap_index::Overlap_index(Set_list const& cliques, Node n_nodes)
     }
     glances_.Resize_uninitialised(cliques.Total());
     listed_.Resize_uninitialised(cliques.Total());
+    in_play_.Reserve(n_nodes);
 }
 
 // Nodes that occur together should be of different classes. The last cliques are those of the nodes

@@ -126,7 +126,7 @@ private:
     Flat_array<Node> ranked_;
     Flat_array<Overlap_index_sub::Card> cards_; ///< one more than cliques
     Flat_array<Node_state> states_;             ///< by node
-    std::vector<Node> in_play_;                 ///< nodes of the cliques in play
+    Flat_array<Node> in_play_;                  ///< nodes of the cliques in play
     Flat_array<Glance> glances_;
     Flat_array<Clique_number> listed_;
     Flat_array<Node_class> class_; ///< node -> its class in sliced lists; empty before the first

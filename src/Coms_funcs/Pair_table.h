@@ -27,7 +27,6 @@ public:
     }
     /// The larger end of the pair of this number.
     Node Second(Link_number number) const { return seconds_[number]; }
-    void Prefetch(Link_number number) const { __builtin_prefetch(&seconds_[number]); }
     /// The number of the first pair whose smaller end is `first`; the others follow.
     Link_number First_number(Node first) const { return starts_[first]; }
     /// The number of a pair that the table holds, given in either order.
@@ -47,7 +46,8 @@ public:
     /// Appends the numbers of the pairs of the node with each of the others, which are larger and
     /// ascending, to `numbers`. The table holds these pairs.
     void Append_numbers(Node first, Node_set others, std::vector<Link_number>& numbers) const;
-    Node Last_first() const { return static_cast<Node>(starts_.empty() ? 0 : starts_.size() - 2); }
+    /// Every smaller end is below this node.
+    Node Firsts_end() const { return static_cast<Node>(starts_.empty() ? 0 : starts_.size() - 1); }
 
 private:
     Flat_array<Node> seconds_;

@@ -9,6 +9,7 @@
 #include "Coms_funcs/Percolation.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace cpm {
 
@@ -18,6 +19,7 @@ Percolation::Percolation(Set_list const& cliques, std::size_t n_exact, Node n_no
       nested_(nested), stale_(stale) {}
 
 void Percolation::Coms_from_appr_ovlp_matr(Communities& coms, std::uint32_t k) {
+    std::swap(com_cliques_, coms.cliques); // what is there gives its memory
     com_cliques_.clear();
     // From stale overlaps two communities can have a clique in common: they do not nest.
     sets_.Start_level(k < last_k_ && stale_ == nullptr);
@@ -139,10 +141,16 @@ void Percolation::List(Communities& coms) {
                                     : std::stable_partition(order_.begin(), order_.end(), is_exact);
     coms.n_exact = static_cast<std::uint32_t>(first_approximated - order_.begin());
     coms.nodes.clear();
-    coms.cliques.clear();
     for (std::uint32_t const found : order_) {
         coms.nodes.Add(sets_.Nodes(found));
-        coms.cliques.Add(com_cliques_[found]);
+    }
+    if (coms.n_exact == order_.size()) {
+        std::swap(coms.cliques, com_cliques_);
+    } else {
+        coms.cliques.clear();
+        for (std::uint32_t const found : order_) {
+            coms.cliques.Add(com_cliques_[found]);
+        }
     }
     coms.links = [this](std::size_t community, Take_links const& take) {
         sets_.Links(order_[community], take);

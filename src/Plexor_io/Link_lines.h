@@ -22,11 +22,12 @@ public:
     Link_lines(Pair_table const& pairs, Index_links const& links, Name_labels const& labels);
 
     /// The lines of the pairs of these numbers, in this order.
-    void Put(std::span<Link_number const> numbers, Text_sink& text) const;
+    void Put(std::span<Link_number const> numbers, Text_sink& text);
     /// The lines of all pairs of these nodes, which are ascending; the table holds these pairs.
     void Put_all_pairs(Node_set nodes, Text_sink& text);
 
 private:
+    void List_firsts();
     void Put_line(Node first, Node second, Text_sink& text) const {
         labels_.Put(first, text);
         labels_.Put(second, text);
@@ -35,9 +36,9 @@ private:
 
     Pair_table const& pairs_;
     Name_labels const& labels_;
-    Flat_array<Node> firsts_;          ///< by number: the smaller index
-    Flat_array<std::uint64_t> turned_; ///< by number: whether the larger index comes first
-    bool any_turned_ = false;
+    Flat_array<Node> firsts_;          ///< by number: the smaller index; made when first needed
+    Flat_array<std::uint64_t> turned_; ///< a bit a number: the larger index comes first; empty if
+                                       ///< it never does
     std::vector<Link_number> row_;
 };
 

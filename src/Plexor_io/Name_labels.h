@@ -9,13 +9,13 @@
 #include "support/Text_sink.h"
 
 #include <array>
+#include <string_view>
 
 namespace cpm {
 
 class Name_labels {
 public:
-    /// The names must outlive this object.
-    explicit Name_labels(Names_map const& names);
+    explicit Name_labels(Names_map names);
 
     /// The name of the node and a blank behind it.
     void Put(Node node, Text_sink& text) const {
@@ -23,7 +23,7 @@ public:
         if (label.size != too_long) {
             text.Put_padded<sizeof(Label)>(label.bytes.data(), label.size);
         } else {
-            text.Put(names_.Spaced(node));
+            text.Put(Long_name(label));
         }
     }
     /// So for each of the nodes, in this order.
@@ -32,7 +32,6 @@ public:
             Put(node, text);
         }
     }
-    void Prefetch(Node node) const { __builtin_prefetch(&labels_[node]); }
 
     /// A record of a result file: the number, with a "-" before it when it is that of something
     /// approximated, ": ", the names, and an end of line.
@@ -45,14 +44,16 @@ public:
 
 private:
     struct Label {
-        std::array<char, 15> bytes; ///< the name and the blank, then anything
+        std::array<char, 15> bytes; ///< the name and the blank; or where a long name is
         unsigned char size;         ///< of both together, or too_long
     };
     static_assert(sizeof(Label) == 16);
     static constexpr unsigned char too_long = 0xFF;
 
-    Names_map const& names_;
+    std::string_view Long_name(Label const& label) const;
+
     Flat_array<Label> labels_; ///< by node
+    Name_table long_names_;
 };
 
 } // namespace cpm

@@ -25,7 +25,7 @@ Index_links Links(std::vector<Node_pair> const& pairs) {
     return links;
 }
 
-std::string Lines(Link_lines const& lines, std::vector<Link_number> const& numbers) {
+std::string Lines(Link_lines& lines, std::vector<Link_number> const& numbers) {
     Text text;
     lines.Put(numbers, text);
     return std::string(text.View());
@@ -42,7 +42,7 @@ TEST(Link_lines, Undirected_links_have_the_smaller_index_first) {
     Pair_table const pairs(links, 3, {}, 0);
     Names_map const names = Names({"z", "y", "x"});
     Name_labels const labels(names);
-    Link_lines const lines(pairs, links, labels);
+    Link_lines lines(pairs, links, labels);
     EXPECT_EQ(Lines(lines, {0, 1, 2}), "z y\nz x\ny x\n");
 }
 
@@ -51,7 +51,7 @@ TEST(Link_lines, Directed_links_keep_their_direction) {
     Pair_table const pairs(links, 3, {}, 0);
     Names_map const names = Names({"A", "B", "C"});
     Name_labels const labels(names);
-    Link_lines const lines(pairs, links, labels);
+    Link_lines lines(pairs, links, labels);
     EXPECT_EQ(Lines(lines, {0, 1, 2}), "B A\nA C\nC B\n");
 }
 
@@ -60,7 +60,7 @@ TEST(Link_lines, A_link_and_its_reverse_are_one_line_smaller_index_first) {
     Pair_table const pairs(links, 3, {}, 0);
     Names_map const names = Names({"A", "B", "C"});
     Name_labels const labels(names);
-    Link_lines const lines(pairs, links, labels);
+    Link_lines lines(pairs, links, labels);
     EXPECT_EQ(Lines(lines, {0, 1, 2}), "A B\nC A\nB C\n");
 }
 
@@ -70,7 +70,7 @@ TEST(Link_lines, Nodes_of_an_approximated_clique_that_are_not_linked_come_larger
     Pair_table const pairs(links, 3, cliques, 0);
     Names_map const names = Names({"A", "B", "C"});
     Name_labels const labels(names);
-    Link_lines const lines(pairs, links, labels);
+    Link_lines lines(pairs, links, labels);
     EXPECT_EQ(Lines(lines, {pairs.Number(1, 2), pairs.Number(1, 3), pairs.Number(2, 3)}),
               "A B\nC A\nB C\n");
 }
@@ -80,7 +80,7 @@ TEST(Link_lines, Numbers_come_in_any_order_and_repeatedly) {
     Pair_table const pairs(links, 4, {}, 0);
     Names_map const names = Names({"a", "b", "c", "d"});
     Name_labels const labels(names);
-    Link_lines const lines(pairs, links, labels);
+    Link_lines lines(pairs, links, labels);
     EXPECT_EQ(Lines(lines, {}), "");
     EXPECT_EQ(Lines(lines, {3}), "b c\n");
     EXPECT_EQ(Lines(lines, {2, 3, 0, 1, 1, 0}), "a d\nb c\na b\na c\na c\na b\n");
@@ -91,7 +91,7 @@ TEST(Link_lines, No_links_no_lines) {
     Pair_table const pairs(links, 0, {}, 0);
     Names_map const names = Names({});
     Name_labels const labels(names);
-    Link_lines const lines(pairs, links, labels);
+    Link_lines lines(pairs, links, labels);
     EXPECT_EQ(Lines(lines, {}), "");
 }
 
@@ -109,7 +109,7 @@ TEST(Link_lines, A_run_of_links_is_its_lines_one_after_the_other) {
     Pair_table const pairs(links, 60, {}, 0);
     Names_map const name_table = Names(names);
     Name_labels const labels(name_table);
-    Link_lines const lines(pairs, links, labels);
+    Link_lines lines(pairs, links, labels);
     for (Link_number first = 0; first < 59; ++first) {
         std::string expected;
         for (std::size_t size = 1; first + size <= 59; ++size) {

@@ -20,7 +20,7 @@ Index_links To_links(Pairs const& pairs) {
 // All pairs of the table, by number.
 Pairs All(Pair_table const& table) {
     Pairs pairs;
-    for (Node first = 0; first <= table.Last_first(); ++first) {
+    for (Node first = 0; first < table.Firsts_end(); ++first) {
         EXPECT_EQ(table.First_number(first), pairs.size());
         for (Node const second : table.Seconds(first)) {
             pairs.push_back({first, second});
@@ -38,7 +38,7 @@ TEST(Pair_table, Undirected_pairs_are_numbered_as_the_links_are) {
     Pairs const pairs{{1, 2}, {1, 5}, {2, 3}, {4, 5}};
     Pair_table const table(To_links(pairs), 5, {}, 0);
     EXPECT_EQ(All(table), pairs);
-    EXPECT_EQ(table.Last_first(), 5U);
+    EXPECT_EQ(table.Firsts_end(), 6U);
     EXPECT_EQ(To_vector(table.Seconds(1)), (std::vector<Node>{2, 5}));
     EXPECT_EQ(To_vector(table.Seconds(3)), std::vector<Node>());
     EXPECT_EQ(To_vector(table.Seconds(5)), std::vector<Node>());
@@ -62,7 +62,7 @@ TEST(Pair_table, Pairs_inside_approximated_cliques_are_added) {
 TEST(Pair_table, No_links_make_an_empty_table) {
     EXPECT_EQ(All(Pair_table(Index_links(), 0, {}, 0)), Pairs());
     EXPECT_EQ(Pair_table().size(), 0U);
-    EXPECT_EQ(Pair_table().Last_first(), 0U);
+    EXPECT_EQ(Pair_table().Firsts_end(), 0U);
 }
 
 TEST(Pair_table, Random_tables_agree_with_a_set) {

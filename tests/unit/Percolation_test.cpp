@@ -117,7 +117,7 @@ Result Communities_at(std::uint32_t k, Percolation& percolation, Pair_table cons
     result.cliques = To_vectors(coms.cliques);
     result.n_exact = coms.n_exact;
     std::vector<Node_pair> all_pairs;
-    for (Node a = 0; a <= pairs.Last_first(); ++a) {
+    for (Node a = 0; a < pairs.Firsts_end(); ++a) {
         for (Node const b : pairs.Seconds(a)) {
             all_pairs.push_back({a, b});
         }
