@@ -81,12 +81,37 @@ std::span<std::uint32_t const> Node_search::Places_of(Node_set nodes) {
 }
 
 // Sets up the links between the candidates, whose places are marked, and the excluded nodes. False
-// when no two candidates are linked.
+// when there is nothing to find: an excluded node is linked with all candidates, or no two
+// candidates are linked.
 bool Node_search::Gather(Node node) {
     Node_set const candidates = order_.Later(node);
     local_.Start(candidates.size());
+    return Gather_excluded(order_.Earlier(node), candidates.size()) && Gather_links(candidates);
+}
+
+// All candidates come after the node, so they are later neighbours of a done neighbour.
+bool Node_search::Gather_excluded(Node_set excluded, std::size_t n_candidates) {
+    for (std::size_t i = 0; i < excluded.size(); ++i) {
+        if (i + ahead < excluded.size()) {
+            order_.Prefetch_neighbours(excluded[i + ahead]);
+        }
+        std::span<std::uint32_t const> const places = Places_of(order_.Later(excluded[i]));
+        if (places.size() == n_candidates) {
+            return false;
+        }
+        if (places.size() >= least_others) {
+            local_.Start_excluded();
+            for (std::uint32_t const place : places) {
+                local_.Link_excluded(place - 1);
+            }
+        }
+    }
+    return true;
+}
+
+// Each link between candidates is a later link of one of its two ends.
+bool Node_search::Gather_links(Node_set candidates) {
     bool any = false;
-    // Each link between candidates is a later link of one of its two ends.
     for (std::size_t i = 0; i < candidates.size(); ++i) {
         if (i + ahead < candidates.size()) {
             order_.Prefetch_neighbours(candidates[i + ahead]);
@@ -96,23 +121,7 @@ bool Node_search::Gather(Node node) {
             any = true;
         }
     }
-    if (!any) {
-        return false;
-    }
-    // All candidates come after the node, so they are later neighbours of a done neighbour.
-    Node_set const excluded = order_.Earlier(node);
-    for (std::size_t i = 0; i < excluded.size(); ++i) {
-        if (i + ahead < excluded.size()) {
-            order_.Prefetch_neighbours(excluded[i + ahead]);
-        }
-        Node const done = excluded[i];
-        local_.Start_excluded();
-        for (std::uint32_t const place : Places_of(order_.Later(done))) {
-            local_.Link_excluded(place - 1);
-        }
-        local_.End_excluded(least_others);
-    }
-    return true;
+    return any;
 }
 
 } // namespace Clique_find_sub_routines

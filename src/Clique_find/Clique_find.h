@@ -31,6 +31,8 @@ public:
 
 private:
     bool Gather(Node node);
+    bool Gather_excluded(Node_set excluded, std::size_t n_candidates);
+    bool Gather_links(Node_set candidates);
     std::span<std::uint32_t const> Places_of(Node_set nodes);
 
     Node_order const& order_;
