@@ -73,6 +73,7 @@ TEST(Link_lines, Nodes_of_an_approximated_clique_that_are_not_linked_come_larger
     Link_lines lines(pairs, links, labels);
     EXPECT_EQ(Lines(lines, {pairs.Number(1, 2), pairs.Number(1, 3), pairs.Number(2, 3)}),
               "A B\nC A\nB C\n");
+    EXPECT_EQ(Lines_of_all_pairs(lines, {1, 2, 3}), "A B\nC A\nB C\n");
 }
 
 TEST(Link_lines, Numbers_come_in_any_order_and_repeatedly) {
@@ -154,16 +155,6 @@ TEST(Link_lines, All_pairs_of_a_directed_clique_keep_their_direction) {
     Link_lines lines(pairs, links, labels);
     EXPECT_EQ(Lines_of_all_pairs(lines, {1, 2, 3}), "A B\nC A\nB C\n");
     EXPECT_EQ(Lines_of_all_pairs(lines, {1, 3, 4}), "C A\nA D\nD C\n");
-}
-
-TEST(Link_lines, All_pairs_of_an_approximated_clique_hold_those_without_a_link) {
-    Index_links const links = Links({{1, 2}, {2, 3}});
-    Set_list const cliques{{1, 2, 3}};
-    Pair_table const pairs(links, 3, cliques, 0);
-    Names_map const names = Names({"A", "B", "C"});
-    Name_labels const labels(names);
-    Link_lines lines(pairs, links, labels);
-    EXPECT_EQ(Lines_of_all_pairs(lines, {1, 2, 3}), "A B\nC A\nB C\n");
 }
 
 } // namespace
