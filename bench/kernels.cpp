@@ -220,12 +220,12 @@ void Overlap_partners(benchmark::State& state) {
 void Percolating_all_k(benchmark::State& state) {
     Prepared& network = Network_of(state);
     std::size_t n_communities = 0;
+    Communities coms;
     for (auto _ : state) {
         Percolation percolation(network.cliques, network.cliques.size(), network.n_nodes,
                                 network.pairs);
         n_communities = 0;
         for (std::uint32_t k = network.largest; k > 2; --k) {
-            Communities coms;
             percolation.Coms_from_appr_ovlp_matr(coms, k);
             n_communities += coms.size();
         }
@@ -269,22 +269,13 @@ void Walking_the_community_graph(benchmark::State& state) {
     Prepared& network = Network_of(state);
     Lowest_level const level(network);
     Community_distributions distributions;
+    Community_graph graph;
     for (auto _ : state) {
-        Community_graph graph;
         Prepare_community_graph(level.coms, graph);
         distributions = {};
         Community_statistics(distributions, graph, Community_part::all, network.n_nodes);
     }
     state.counters["degrees"] = Count(distributions.degree.size());
-}
-
-void Making_link_lines(benchmark::State& state) {
-    Prepared& network = Network_of(state);
-    for (auto _ : state) {
-        Link_lines const lines(network.pairs, network.links, *network.labels);
-        benchmark::DoNotOptimize(&lines);
-    }
-    state.counters["links"] = Count(network.links.size());
 }
 
 // The bytes of all files below the directory.
@@ -323,8 +314,8 @@ void Writing_the_community_graph(benchmark::State& state) {
     Prepared& network = Network_of(state);
     Lowest_level const level(network);
     Scratch const out;
+    Community_graph graph;
     for (auto _ : state) {
-        Community_graph graph;
         Prepare_community_graph(level.coms, graph);
         Kiir_com_graph_PX(graph, level.coms.n_exact, out.Path(), 3, "", "", network.silent.Get());
     }
@@ -346,7 +337,6 @@ BENCHMARK(Overlap_partners)->Apply(Every_network);
 BENCHMARK(Percolating_all_k)->Apply(Every_network);
 BENCHMARK(Links_of_communities)->Apply(Every_network);
 BENCHMARK(Walking_the_community_graph)->Apply(Every_network);
-BENCHMARK(Making_link_lines)->Apply(Every_network);
 BENCHMARK(Writing_cliques)->Apply(Every_network);
 BENCHMARK(Writing_communities)->Apply(Every_network);
 BENCHMARK(Writing_the_community_graph)->Apply(Every_network);

@@ -9,6 +9,7 @@
 #include "Coms_funcs/Stale_overlaps.h"
 #include "Find_cliques.h"
 #include "Plexor_io/Link_lines.h"
+#include "Plexor_io/Name_labels.h"
 #include "Plexor_io/Run_settings.h"
 #include "Types.h"
 #include "support/Console.h"

@@ -7,6 +7,7 @@
 #include "Plexor_io/Header_text.h"
 #include "Plexor_io/Kiir_cliques.h"
 #include "Plexor_io/Kiir_graph.h"
+#include "Plexor_io/Name_labels.h"
 #include "Plexor_io/Out_dir.h"
 #include "Plexor_io/Process_input.h"
 #include "Plexor_io/Usage.h"
@@ -115,6 +116,7 @@ void Fill_standard_streams() {
 void Give_large_arrays_pages_of_their_own() {
     constexpr int large = 1 << 22;
     ::mallopt(M_MMAP_THRESHOLD, large);
+    ::mallopt(M_TRIM_THRESHOLD, large); // setting one ends the automatic rise of the other
 }
 
 } // namespace

@@ -14,6 +14,8 @@
 
 #include "Clique_find/Reports.h"
 
+#include <algorithm>
+
 namespace cpm {
 
 namespace {

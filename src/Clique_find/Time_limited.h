@@ -45,8 +45,8 @@ public:
 
     /// Leaves in `found`, which is empty, the cliques of three nodes or more that hold `node` and
     /// no done node and that no node of the network extends, in the order in which they are to be
-    /// listed. When the budget says that the time is up it stops, with some of them found; sets of
-    /// just three nodes may then also be such that another node extends them.
+    /// listed. When the budget says that the time is up it stops, with some of them found, in any
+    /// order; sets of just three nodes may then also be such that another node extends them.
     virtual void Find(Node node, Time_budget& budget, Set_list& found) = 0;
     /// The node was found within its time.
     virtual void Done(Node node) = 0;

@@ -5,8 +5,8 @@
 // Leaves   each pair that shares nodes once, and the four distributions of all communities, of the
 //          exact and of the approximated ones.
 // Order    rows by their community, in a row by the later community.
-// Cost     time: for each node the pairs of its communities, and the sorting of each row; memory: 4
-//          bytes a member, a few dozen a community, nothing a pair.
+// Cost     time: for each node the pairs of its communities, and the sorting of each row; memory: 8
+//          bytes a member, 16 a node, a few dozen a community, nothing a pair.
 // Tested   Community_graph_test.cpp, the runs against the plain model.
 #include "Coms_funcs/Community_graph.h"
 

@@ -54,10 +54,11 @@ public:
     // What the statistics ask for.
 
     Communities const& Coms() const { return *coms_; }
-    /// The communities of each node that is in one.
+    /// How many nodes are in communities. Here they have numbers from 0 on, as they occur first.
     std::size_t N_nodes() const { return starts_.size() - 1; }
-    std::span<std::uint32_t const> Coms_of(std::size_t node) const {
-        return {members_.data() + starts_[node], members_.data() + starts_[node + 1]};
+    /// The communities of the node of this number, ascending.
+    std::span<std::uint32_t const> Coms_of(std::size_t number) const {
+        return {members_.data() + starts_[number], members_.data() + starts_[number + 1]};
     }
     /// Whether Walk() has been called; the rest is known from then on.
     bool Walked() const { return walked_; }

@@ -55,7 +55,7 @@ class Overlap_index {
 public:
     static constexpr std::uint64_t all_new = ~std::uint64_t{0};
 
-    /// Both must outlive the index.
+    /// The cliques must outlive the index.
     Overlap_index(Set_list const& cliques, Node n_nodes);
 
     /// Starts a level: no clique is claimed, cliques of fewer than `least_size` nodes are out of
@@ -110,7 +110,8 @@ private:
     void Drop(Node node, std::uint32_t place);
     void Drop_claimed(Node node);
 
-    // What is known of a node at this level, in one place: one cache miss brings all of it.
+    // What is known of a node at this level, in one place: where the next count is, the
+    // one before has brought its cache line.
     struct Node_state {
         std::uint64_t begin = 0;        ///< of its list in glances_ and listed_
         std::uint32_t active = 0;       ///< length of its list

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Plexor_io/Name_labels.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace cpm {

@@ -92,9 +92,8 @@ protected:
 private:
     static constexpr std::uint64_t ten_to_4 = 10000;
 
-    // The digits of 0 to 9999, four each with leading zeros. The end can be read beyond by the
-    // leading zeros that are left out.
-    using Digit_table = std::array<char, 4 * ten_to_4 + 4>;
+    // The digits of 0 to 9999, four each with leading zeros.
+    using Digit_table = std::array<char, 4 * ten_to_4>;
     static constexpr Digit_table Make_digits();
     static Digit_table const digits_;
 

@@ -169,6 +169,7 @@ TEST(Community_statistics, More_nodes_in_communities_than_there_are_is_an_error)
 // From a few communities to so many that rows are sorted in either way.
 TEST(Community_graph, Random_communities_agree_with_the_definition) {
     std::mt19937 random(1);
+    Community_graph used_before;
     for (int round = 0; round < 60; ++round) {
         std::size_t const n_coms = random() % (round % 10 == 9 ? 700 : 30);
         auto const n_nodes = static_cast<Node>(1 + random() % (round % 3 == 0 ? 2000 : 40));
@@ -196,6 +197,11 @@ TEST(Community_graph, Random_communities_agree_with_the_definition) {
         }
         Communities const coms = Coms(lists, n_exact);
         ASSERT_EQ(Walked(coms), expected);
+        Prepare_community_graph(coms, used_before);
+        ASSERT_EQ(Walked(used_before), expected);
+        Community_distributions again;
+        Community_statistics(again, used_before, Community_part::all, n_nodes);
+        Expect_equal(again, Plain_statistics(sets, n_nodes));
         auto const middle = sets.begin() + n_exact;
         Expect_equal(Statistics(coms, Community_part::all, n_nodes),
                      Plain_statistics(sets, n_nodes));

@@ -218,7 +218,7 @@ TEST(Hard_cores, Parts_with_circles_are_given_up_as_soon_as_the_time_is_up) {
 }
 
 // More time finds more cliques, but no more of them are kept.
-TEST(Hard_cores, Of_each_attempt_at_parts_no_more_than_ten_thousand_are_kept) {
+TEST(Hard_cores, Of_each_attempt_at_parts_no_more_than_a_thousand_are_kept) {
     constexpr Node n_nodes = 36; // a node has 3^11 cliques
     Network const network = Parts(Ways::forward, n_nodes);
     for (bool const directed : {false, true}) {

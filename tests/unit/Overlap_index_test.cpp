@@ -272,6 +272,14 @@ TEST(Overlap_index, A_list_walked_many_times_forgets_claimed_cliques_only) {
     }
 }
 
+TEST(Overlap_index, A_level_upwards_forgets_the_one_before) {
+    Set_list const cliques{{1, 2, 3}, {3, 4, 5, 6}};
+    Overlap_index index(cliques, 6);
+    index.Start_level(2, 3);
+    index.Start_level(3, 4);
+    EXPECT_TRUE(Partners_of(index, 0).empty()) << "out of play, and nobody shares three nodes";
+}
+
 // Long lists that are asked again and again, with so few partners that they stay long.
 TEST(Overlap_index, Finds_partners_in_long_lists) {
     std::mt19937 random(3);

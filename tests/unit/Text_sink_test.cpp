@@ -164,6 +164,20 @@ TEST(Padded_text, Is_written_without_its_padding) {
     EXPECT_EQ(text.View(), "aijkl");
 }
 
+TEST(Text_through_a_small_buffer, Lets_the_last_byte_be_replaced) {
+    for (std::size_t filled = 0; filled <= 70; ++filled) {
+        for (std::size_t const size : {1U, 2U, 16U, 63U, 64U, 65U, 128U, 150U}) {
+            Narrow_sink sink;
+            sink.Put_repeated('.', filled);
+            std::string const piece(size - 1, 'x');
+            sink.Put(piece + ' ');
+            sink.Replace_last('\n');
+            sink.Put('!');
+            EXPECT_EQ(sink.All(), std::string(filled, '.') + piece + "\n!");
+        }
+    }
+}
+
 // Pieces of all lengths, among them some that no buffer can hold.
 TEST(Text_through_a_small_buffer, Keeps_the_order_of_short_long_and_very_long_pieces) {
     Narrow_sink sink;
