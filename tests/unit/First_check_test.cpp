@@ -242,56 +242,56 @@ TEST(First_check, A_done_node_that_is_no_neighbour_of_the_centre_forbids_nothing
     EXPECT_EQ(Check(check, around), (Walk{false, {}}));
 }
 
-// One check used for what `make` makes of each round; counts the rounds that reach the clock.
-template <class Make> void Agree_with_two_steps(int rounds, Make const& make, int& reached) {
+// How many rounds reach the clock, and in how many something is found by then.
+struct Met {
+    int reached = 0;
+    int found = 0;
+};
+
+// One check used for what `make` makes of each round.
+template <class Make> void Agree_with_two_steps(int rounds, Make const& make, Met& met) {
     First_check check;
-    reached = 0;
     for (int round = 0; round < rounds; ++round) {
         Surroundings const around = make(round);
         Walk const expected = Walk_two_steps(around);
         ASSERT_EQ(Check(check, around), expected) << "round " << round;
-        reached += expected.reached ? 1 : 0;
+        met.reached += expected.reached ? 1 : 0;
+        met.found += expected.found.empty() ? 0 : 1;
     }
 }
 
 TEST(First_check, Random_networks_agree_with_a_walk_of_two_steps) {
     Random_numbers random(41);
-    First_check check;
-    int reached = 0;
-    int found = 0;
-    for (int round = 0; round < 1500; ++round) {
+    Met met;
+    auto const make = [&](int) {
         Node const n = 2 + random.Below(14);
-        Surroundings const around =
-            Around(Random_links(n, 10 + random.Below(75), random), n, random.Below(90), random);
-        Walk const expected = Walk_two_steps(around);
-        ASSERT_EQ(Check(check, around), expected) << "round " << round;
-        reached += expected.reached ? 1 : 0;
-        found += expected.found.empty() ? 0 : 1;
-    }
-    EXPECT_GT(reached, 200);
-    EXPECT_LT(reached, 1300);
-    EXPECT_GT(found, 200);
+        return Around(Random_links(n, 10 + random.Below(75), random), n, random.Below(90), random);
+    };
+    Agree_with_two_steps(1500, make, met);
+    EXPECT_GT(met.reached, 200);
+    EXPECT_LT(met.reached, 1300);
+    EXPECT_GT(met.found, 200);
 }
 
 // Every candidate is in several teams, and many a team has a done node: known sets that overlap.
 TEST(First_check, Teams_with_done_nodes_agree_with_a_walk_of_two_steps) {
     Random_numbers random(43);
-    int reached = 0;
+    Met met;
     auto const make = [&](int) {
         Node const n = 8 + random.Below(14);
         return Around(Random_teams(n, 2 + random.Below(8), 3 + random.Below(5), random), n,
                       10 + random.Below(40), random);
     };
-    Agree_with_two_steps(1500, make, reached);
-    EXPECT_GT(reached, 200);
-    EXPECT_LT(reached, 1300);
+    Agree_with_two_steps(1500, make, met);
+    EXPECT_GT(met.reached, 200);
+    EXPECT_LT(met.reached, 1300);
 }
 
 // Every other time the last node is done and linked with all, so that all cliques are known: the
 // walk then mostly goes through to the end.
 TEST(First_check, Many_candidates_agree_with_a_walk_of_two_steps) {
     Random_numbers random(47);
-    int reached = 0;
+    Met met;
     auto const make = [&](int round) {
         Node const n = 66 + random.Below(70);
         Surroundings around =
@@ -302,15 +302,15 @@ TEST(First_check, Many_candidates_agree_with_a_walk_of_two_steps) {
         }
         return around;
     };
-    Agree_with_two_steps(40, make, reached);
-    EXPECT_GT(reached, 5);
-    EXPECT_LT(reached, 35);
+    Agree_with_two_steps(40, make, met);
+    EXPECT_GT(met.reached, 5);
+    EXPECT_LT(met.reached, 35);
 }
 
 // Candidates of which some have long lists and most have short ones, and the same of done nodes.
 TEST(First_check, Long_lists_beside_short_ones_agree_with_a_walk_of_two_steps) {
     Random_numbers random(53);
-    int reached = 0;
+    Met met;
     auto const make = [&](int) {
         Node const n = 150;
         Links links = Random_links(n, 1, random);
@@ -326,9 +326,9 @@ TEST(First_check, Long_lists_beside_short_ones_agree_with_a_walk_of_two_steps) {
         Link_all(around.links, {around.centre % n + 1}, Range(n + 1, n + 2000));
         return around;
     };
-    Agree_with_two_steps(40, make, reached);
-    EXPECT_GT(reached, 5);
-    EXPECT_LT(reached, 35);
+    Agree_with_two_steps(40, make, met);
+    EXPECT_GT(met.reached, 5);
+    EXPECT_LT(met.reached, 35);
 }
 
 } // namespace

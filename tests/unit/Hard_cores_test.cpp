@@ -113,6 +113,19 @@ private:
     std::size_t most_;
 };
 
+// With one of the searches, over its kind of vertex map.
+template <class Find, class Vertices>
+Result Search_in_time(Find const& find, Vertices const& vertices, double max_time,
+                      std::size_t most_readings) {
+    Captured_console console;
+    Result result;
+    Clock const clock = Counting_clock(result.readings, most_readings);
+    find(result.cliques, vertices, result.core, max_time, clock, console);
+    result.reports = console.Output();
+    result.overruns = Overruns(result.reports);
+    return result;
+}
+
 Result Search(Network const& network, double max_time, std::size_t most_readings) {
     Links links;
     for (auto const& [a, b] : network.arcs) {
@@ -120,25 +133,13 @@ Result Search(Network const& network, double max_time, std::size_t most_readings
     }
     Vtx_map vertices;
     Vtx_map_from_link_map(vertices, To_index_links(links));
-    Captured_console console;
-    Result result;
-    Clock const clock = Counting_clock(result.readings, most_readings);
-    Clique_find_part_time(result.cliques, vertices, result.core, max_time, clock, console);
-    result.reports = console.Output();
-    result.overruns = Overruns(result.reports);
-    return result;
+    return Search_in_time(Clique_find_part_time, vertices, max_time, most_readings);
 }
 
 Result Search_directed(Network const& network, double max_time, std::size_t most_readings) {
     Vtxd_map vertices;
     Dir_vtx_map_from_link_map(vertices, To_index_links(network.arcs));
-    Captured_console console;
-    Result result;
-    Clock const clock = Counting_clock(result.readings, most_readings);
-    Clique_find_dir_time(result.cliques, vertices, result.core, max_time, clock, console);
-    result.reports = console.Output();
-    result.overruns = Overruns(result.reports);
-    return result;
+    return Search_in_time(Clique_find_dir_time, vertices, max_time, most_readings);
 }
 
 std::vector<Node> Nodes_up_to(Node last) {
