@@ -77,12 +77,12 @@ Node Name_interner::Number(std::string_view name, std::uint64_t key) {
 }
 
 void Name_interner::Release_table() {
-    slots_ = {};
+    slots_.Release();
 }
 
 void Name_interner::Grow() {
-    std::vector<Slot> const old = std::move(slots_);
-    slots_ = std::vector<Slot>(2 * old.size());
+    Flat_array<Slot> const old = std::move(slots_);
+    slots_ = Flat_array<Slot>(2 * old.size());
     --shift_;
     std::size_t const mask = slots_.size() - 1;
     for (Slot const& slot : old) {

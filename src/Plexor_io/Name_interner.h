@@ -7,7 +7,6 @@
 #include "Types.h"
 
 #include <string_view>
-#include <vector>
 
 namespace cpm {
 
@@ -40,7 +39,7 @@ private:
     void Grow();
 
     Name_table names_;
-    std::vector<Slot> slots_;
+    Flat_array<Slot> slots_;
     unsigned shift_;
 };
 

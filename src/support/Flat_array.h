@@ -5,6 +5,8 @@
 #ifndef PLEXOR_FLAT_ARRAY_H
 #define PLEXOR_FLAT_ARRAY_H
 
+#include "support/Large_pages.h"
+
 #include <cassert>
 #include <cstddef>
 #include <cstdlib>
@@ -129,6 +131,7 @@ private:
             }
             handler();
         }
+        Ask_for_large_pages(moved, capacity * sizeof(T));
         data_ = static_cast<T*>(moved);
         capacity_ = static_cast<Size>(capacity);
     }

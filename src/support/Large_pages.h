@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+// Large pages: the kernel brings memory in by pages, at the first touch of each, and for large
+// arrays that takes longer than filling them. With pages 512 times as large it hardly counts.
+#ifndef PLEXOR_LARGE_PAGES_H
+#define PLEXOR_LARGE_PAGES_H
+
+#include <cstddef>
+
+namespace cpm {
+
+/// Asks for large pages behind those parts of an array that fill one. It is a wish: nothing depends
+/// on whether the kernel has it in its power.
+void Ask_for_large_pages(void* data, std::size_t bytes) noexcept;
+
+} // namespace cpm
+
+#endif

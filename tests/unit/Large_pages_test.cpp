@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: MIT
+#include "support/Large_pages.h"
+
+#include <cstdint>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sstream>
+#include <string>
+#include <sys/mman.h>
+
+namespace cpm::test {
+namespace {
+
+constexpr std::size_t large_page = std::size_t{1} << 21;
+
+// Memory of its own that begins at a large page.
+class Area {
+public:
+    explicit Area(std::size_t size) : size_(size + large_page) {
+        memory_ =
+            ::mmap(nullptr, size_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    }
+    Area(Area const&) = delete;
+    Area& operator=(Area const&) = delete;
+    ~Area() { ::munmap(memory_, size_); }
+    char* Begin() const {
+        return static_cast<char*>(memory_) +
+               -reinterpret_cast<std::uintptr_t>(memory_) % large_page;
+    }
+
+private:
+    std::size_t size_;
+    void* memory_;
+};
+
+// Whether the kernel lists this byte's memory as wanting large pages.
+bool Is_wanted(char const* byte) {
+    auto const address = reinterpret_cast<std::uintptr_t>(byte);
+    std::ifstream maps("/proc/self/smaps");
+    bool inside = false;
+    for (std::string line; std::getline(maps, line);) {
+        std::istringstream words(line);
+        std::uintptr_t begin = 0;
+        std::uintptr_t end = 0;
+        char dash = 0;
+        if (words >> std::hex >> begin >> dash >> end && dash == '-') {
+            inside = begin <= address && address < end;
+        } else if (inside && line.starts_with("VmFlags:")) {
+            return line.find(" hg") != std::string::npos;
+        }
+    }
+    return false;
+}
+
+class Large_pages : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!std::ifstream("/sys/kernel/mm/transparent_hugepage/enabled")) {
+            GTEST_SKIP() << "this kernel has no large pages";
+        }
+    }
+};
+
+TEST_F(Large_pages, Those_that_lie_in_the_array_are_asked_for_and_no_others) {
+    Area const area(4 * large_page);
+    char* const begin = area.Begin();
+    Ask_for_large_pages(begin + 1, 3 * large_page);
+    EXPECT_FALSE(Is_wanted(begin + large_page - 1)) << "begins before the array";
+    EXPECT_TRUE(Is_wanted(begin + large_page));
+    EXPECT_TRUE(Is_wanted(begin + 3 * large_page - 1));
+    EXPECT_FALSE(Is_wanted(begin + 3 * large_page)) << "ends behind the array";
+}
+
+TEST_F(Large_pages, An_array_of_just_one_gets_it) {
+    Area const area(3 * large_page);
+    char* const begin = area.Begin();
+    Ask_for_large_pages(begin + large_page, large_page);
+    EXPECT_FALSE(Is_wanted(begin + large_page - 1));
+    EXPECT_TRUE(Is_wanted(begin + large_page));
+    EXPECT_FALSE(Is_wanted(begin + 2 * large_page));
+}
+
+TEST_F(Large_pages, An_array_with_none_inside_is_left_alone) {
+    Area const area(3 * large_page);
+    char* const begin = area.Begin();
+    Ask_for_large_pages(begin, large_page - 1);
+    Ask_for_large_pages(begin + 1, 2 * large_page - 2);
+    Ask_for_large_pages(begin, 0);
+    EXPECT_FALSE(Is_wanted(begin));
+    EXPECT_FALSE(Is_wanted(begin + large_page));
+}
+
+} // namespace
+} // namespace cpm::test
