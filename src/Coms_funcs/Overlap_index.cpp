@@ -74,6 +74,10 @@ std::size_t Keep_possible(Candidate* candidates, std::size_t count, Card const* 
     return kept;
 }
 
+std::size_t Lowest_bit(std::uint64_t bits) {
+    return static_cast<std::size_t>(std::countr_zero(bits));
+}
+
 // How many classes of nodes sliced lists tell apart. With few classes a large clique seems to have
 // many a node that it lacks.
 std::size_t N_classes(Set_list const& cliques) {
@@ -90,11 +94,12 @@ Overlap_index::Overlap_index(Set_list const& cliques, Node n_nodes)
     : cliques_(cliques), states_(n_nodes + 1, Node_state()),
       sliced_(cliques.Total() * sliced_bytes_a_member + sliced_bytes_at_least, n_nodes + 1,
               N_classes(cliques)),
-      claimed_(cliques.size() / 64 + 1, 0), mark_(n_nodes + 1, 0) {
+      mark_(n_nodes + 1, 0) {
     for (Node const node : cliques.Flat()) {
         ++states_[node].begin;
     }
     Rank_nodes();
+    Sort_by_size();
     std::uint64_t begin = 0;
     for (Node_state& state : states_) {
         begin += std::exchange(state.begin, begin);
@@ -139,6 +144,24 @@ void Overlap_index::Rank_nodes() {
     cards_.push_back({{}, begin});
 }
 
+// A counting sort.
+void Overlap_index::Sort_by_size() {
+    Flat_array<std::size_t> place; // size -> first the cliques of this size, then where they go
+    for (std::size_t c = 0; c < cliques_.size(); ++c) {
+        std::size_t const size = cliques_[c].size();
+        place.Resize(std::max(place.size(), size + 1), 0);
+        ++place[size];
+    }
+    std::size_t before = 0;
+    for (std::size_t size = place.size(); size-- > 0;) {
+        before += std::exchange(place[size], before);
+    }
+    by_size_.Resize_uninitialised(cliques_.size());
+    for (std::size_t c = 0; c < cliques_.size(); ++c) {
+        by_size_[place[cliques_[c].size()]++] = static_cast<Clique_number>(c);
+    }
+}
+
 void Overlap_index::Start_level(std::uint32_t least_shared, std::uint32_t least_size) {
     assert(0 < least_shared && least_shared <= least_size);
     constexpr std::uint32_t beyond_all = 0xFFFFFFFF;
@@ -149,17 +172,24 @@ void Overlap_index::Start_level(std::uint32_t least_shared, std::uint32_t least_
             state = {.begin = state.begin};
         }
         in_play_.clear();
+        n_in_play_ = 0;
+        out_of_play_.clear();
+        out_of_play_.Resize(cliques_.size() / 64 + 1, ~std::uint64_t{0});
     }
-    std::uint32_t const sizes_listed = afresh ? beyond_all : least_size_;
-    std::uint32_t const shares_listed = afresh ? beyond_all : least_shared_;
-    for (std::size_t c = 0; c < cliques_.size(); ++c) {
-        auto const size = static_cast<std::uint32_t>(cliques_[c].size());
-        if (size >= sizes_listed) {
-            List_clique(static_cast<Clique_number>(c), least_shared, shares_listed);
-        } else if (size >= least_size) {
-            Bring_into_play(static_cast<Clique_number>(c));
-            List_clique(static_cast<Clique_number>(c), least_shared, beyond_all);
+    // Ascending, as they lie in memory.
+    for (std::size_t w = 0; w < out_of_play_.size(); ++w) {
+        for (std::uint64_t rest = ~out_of_play_[w]; rest != 0; rest &= rest - 1) {
+            List_clique(static_cast<Clique_number>(w * 64 + Lowest_bit(rest)), least_shared,
+                        least_shared_);
         }
+    }
+    for (; n_in_play_ < by_size_.size(); ++n_in_play_) {
+        Clique_number const clique = by_size_[n_in_play_];
+        if (cliques_[clique].size() < least_size) {
+            break;
+        }
+        Bring_into_play(clique);
+        List_clique(clique, least_shared, beyond_all);
     }
     least_shared_ = least_shared;
     least_size_ = least_size;
@@ -171,10 +201,23 @@ void Overlap_index::Start_level(std::uint32_t least_shared, std::uint32_t least_
         state.asked = 0;
     }
     sliced_.Give_up_all();
-    std::fill(claimed_.begin(), claimed_.end(), 0);
+    claimed_ = out_of_play_;
+}
+
+std::size_t Overlap_index::Next_unclaimed(std::size_t from) const {
+    if (from >= cliques_.size()) {
+        return cliques_.size();
+    }
+    std::size_t w = from / 64;
+    std::uint64_t rest = ~claimed_[w] & (~std::uint64_t{0} << (from % 64));
+    while (rest == 0 && ++w < claimed_.size()) {
+        rest = ~claimed_[w];
+    }
+    return rest == 0 ? cliques_.size() : w * 64 + Lowest_bit(rest);
 }
 
 void Overlap_index::Bring_into_play(Clique_number clique) {
+    out_of_play_[clique / 64] &= ~(std::uint64_t{1} << (clique % 64));
     for (Node const node : cliques_[clique]) {
         if (states_[node].holding++ == 0) {
             in_play_.push_back(node);
@@ -378,7 +421,7 @@ bool Overlap_index::Ask(Partner const& from) {
         std::ranges::for_each(question_.nodes, consider);
     } else {
         for (std::uint64_t rest = from.new_nodes; rest != 0; rest &= rest - 1) {
-            consider(question_.nodes[static_cast<std::size_t>(std::countr_zero(rest))]);
+            consider(question_.nodes[Lowest_bit(rest)]);
         }
     }
     if (needed == 0) {
@@ -402,7 +445,7 @@ bool Overlap_index::Ask(Partner const& from) {
 
 void Overlap_index::Claim_partners(Partner const& from, std::vector<Partner>& partners) {
     std::size_t const before = partners.size();
-    if (!Is_claimed(from.clique) && cliques_[from.clique].size() >= least_size_) {
+    if (!Is_claimed(from.clique)) {
         Claim(from.clique);
         partners.push_back({from.clique, 0});
     }

@@ -64,9 +64,12 @@ public:
     /// for; any other order costs a new index.
     void Start_level(std::uint32_t least_shared, std::uint32_t least_size);
 
+    /// Cliques out of play count as claimed.
     bool Is_claimed(Clique_number clique) const {
         return (claimed_[clique / 64] >> (clique % 64) & 1) != 0;
     }
+    /// The first clique from this one on that is not claimed, or the number of cliques.
+    std::size_t Next_unclaimed(std::size_t from) const;
     /// Claims every unclaimed partner of `from` and appends it to `partners`, in ascending order.
     /// A clique in play shares its own nodes with itself: when unclaimed it is its own partner.
     /// `from.new_nodes` must hold a node of each unclaimed partner (all_new always does).
@@ -95,6 +98,7 @@ private:
     };
 
     void Rank_nodes();
+    void Sort_by_size();
     void Class_nodes();
     void Translate(std::span<Node const> nodes, std::vector<Node_class>& classes) const;
     void Bring_into_play(Clique_number clique);
@@ -132,7 +136,10 @@ private:
     Flat_array<Clique_number> listed_;
     Flat_array<Node_class> class_; ///< node -> its class in sliced lists; empty before the first
     Sliced_lists sliced_;
-    Flat_array<std::uint64_t> claimed_; ///< a bit a clique
+    Flat_array<Clique_number> by_size_;     ///< the largest first, ascending among equals
+    std::size_t n_in_play_ = 0;             ///< so many of these
+    Flat_array<std::uint64_t> out_of_play_; ///< a bit a clique; set behind the last one
+    Flat_array<std::uint64_t> claimed_;     ///< likewise
     Flat_array<std::uint8_t>
         mark_;          ///< node -> 1 + its place in the clique that asks, at most 255, or 0
     Question question_; ///< what is asked at the moment

@@ -34,18 +34,24 @@ void Percolation::Coms_from_appr_ovlp_matr(Communities& coms, std::uint32_t k) {
         } else {
             stale_claimed_.assign(cliques_.size(), false);
         }
-        for (std::size_t c = 0; c < cliques_.size(); ++c) {
-            auto const number = static_cast<Clique_number>(c);
-            if (cliques_[c].size() >= k && !Is_claimed(number)) {
-                Look_for_new_com(number, k);
+        for (std::size_t c = Next_unclaimed(0); c < cliques_.size(); c = Next_unclaimed(c + 1)) {
+            if (cliques_[c].size() >= k) {
+                Look_for_new_com(static_cast<Clique_number>(c), k);
             }
         }
     }
     List(coms);
 }
 
-bool Percolation::Is_claimed(Clique_number clique) const {
-    return stale_ == nullptr ? index_.Is_claimed(clique) : stale_claimed_[clique];
+// The number of cliques when there is none.
+std::size_t Percolation::Next_unclaimed(std::size_t from) const {
+    if (stale_ == nullptr) {
+        return index_.Next_unclaimed(from);
+    }
+    while (from < cliques_.size() && stale_claimed_[from]) {
+        ++from;
+    }
+    return from;
 }
 
 // Starts a community with the partners of an unclaimed clique of k nodes or more, itself included.

@@ -35,7 +35,7 @@ private:
     void Extend_com(std::uint32_t k);
     void Claim_partners(Partner const& from, std::uint32_t k);
     void Join(std::size_t first_new);
-    bool Is_claimed(Clique_number clique) const;
+    std::size_t Next_unclaimed(std::size_t from) const;
     void List(Communities& coms);
 
     Set_list const& cliques_;

@@ -25,15 +25,20 @@ public:
 
     void Start_level(std::uint32_t least_shared, std::uint32_t least_size) {
         least_shared_ = least_shared;
-        least_size_ = least_size;
-        claimed_.assign(cliques_.size(), false);
+        claimed_.clear();
+        for (Clique_number c = 0; c < cliques_.size(); ++c) {
+            claimed_.push_back(cliques_[c].size() < least_size); // out of play
+        }
     }
     bool Is_claimed(Clique_number c) const { return claimed_[c]; }
+    std::size_t Next_unclaimed(std::size_t from) const {
+        auto const begin = claimed_.begin() + static_cast<std::ptrdiff_t>(from);
+        return static_cast<std::size_t>(std::find(begin, claimed_.end(), false) - claimed_.begin());
+    }
     std::vector<Partner> Claim_partners(Clique_number from) {
         std::vector<Partner> partners;
         for (Clique_number c = 0; c < cliques_.size(); ++c) {
-            if (!claimed_[c] && cliques_[c].size() >= least_size_ &&
-                Shared(cliques_[from], cliques_[c]) >= least_shared_) {
+            if (!claimed_[c] && Shared(cliques_[from], cliques_[c]) >= least_shared_) {
                 claimed_[c] = true;
                 partners.push_back({c, New_nodes(from, c)});
             }
@@ -61,7 +66,6 @@ private:
     Set_list const& cliques_;
     Overlap_index const& index_;
     std::uint32_t least_shared_ = 0;
-    std::uint32_t least_size_ = 0;
     std::vector<bool> claimed_;
 };
 
@@ -124,8 +128,10 @@ TEST(Overlap_index, Small_cliques_are_out_of_play) {
     Overlap_index index(cliques, 5);
     index.Start_level(3, 4);
     EXPECT_EQ(Partners_of(index, 1), (Numbers{1, 2}));
-    EXPECT_FALSE(index.Is_claimed(0));
+    EXPECT_TRUE(index.Is_claimed(0));
+    EXPECT_EQ(index.Next_unclaimed(0), 3U) << "the other two are claimed";
     index.Start_level(3, 3);
+    EXPECT_EQ(index.Next_unclaimed(1), 1U);
     EXPECT_EQ(Partners_of(index, 1), (Numbers{0, 1, 2}));
     index.Start_level(2, 4);
     EXPECT_EQ(Partners_of(index, 1), (Numbers{1, 2})) << "out of play again";
@@ -186,6 +192,7 @@ void Compare_level(Overlap_index& index, By_pairs& by_pairs, Set_list const& cli
     }
     // And the way percolation goes, with what is known.
     for (Clique_number c = 0; c < cliques.size(); ++c) {
+        ASSERT_EQ(index.Next_unclaimed(c), by_pairs.Next_unclaimed(c));
         std::vector<Partner> open;
         if (!index.Is_claimed(c)) {
             open.push_back({c, Overlap_index::all_new});
@@ -200,6 +207,7 @@ void Compare_level(Overlap_index& index, By_pairs& by_pairs, Set_list const& cli
         }
         ASSERT_EQ(index.Is_claimed(c), by_pairs.Is_claimed(c));
     }
+    ASSERT_EQ(index.Next_unclaimed(cliques.size()), cliques.size());
 }
 
 void Compare_levels(Set_list const& cliques, Node n, std::uint32_t largest,
