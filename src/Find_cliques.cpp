@@ -36,7 +36,7 @@ void Find_cliques(Found_cliques& found, Graph const& graph, std::optional<double
         if (graph.directed) {
             Clique_find_dir(found.cliques, graph.dir_vertices, console);
         } else {
-            Clique_find(found.cliques, graph.vertices, console);
+            Clique_find(found.cliques, *graph.links, console);
         }
         found.n_exact = found.cliques.size();
         return;

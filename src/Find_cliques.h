@@ -22,12 +22,12 @@ struct Found_cliques {
     std::optional<Set_list> before_merge;
 };
 
-/// The graph of a run: one of the two maps is filled.
+/// The graph of a run, as its search takes it.
 struct Graph {
-    Vtx_map vertices;
-    Vtxd_map dir_vertices;
+    Index_links const* links = nullptr; ///< undirected; must outlive the graph
+    Vtx_map vertices;                   ///< undirected, for the search with a time limit
+    Vtxd_map dir_vertices;              ///< directed
     bool directed = false;
-    Node n_nodes = 0;
 };
 
 /// Finds all maximal cliques of three nodes or more. With a time limit (seconds a node, measured by

@@ -15,25 +15,6 @@ Node Largest_node(Index_links const& links) {
     return largest;
 }
 
-// A counting sort: `counts` holds a number a record, and records of equal numbers keep their order.
-void Sort_by_counts(std::vector<Node>& order, Flat_array<Node> const& counts) {
-    order.resize(counts.size());
-    Node const largest = counts.empty() ? 0 : *std::ranges::max_element(counts);
-    Flat_array<Node> place(std::size_t{largest} + 1, 0);
-    for (Node const count : counts) {
-        ++place[count];
-    }
-    Node before = 0;
-    for (Node& nodes : place) {
-        Node const here = nodes;
-        nodes = before;
-        before += here;
-    }
-    for (std::size_t i = 0; i < counts.size(); ++i) {
-        order[place[counts[i]]++] = static_cast<Node>(i + 1);
-    }
-}
-
 // The sources of the links to each node, ascending, flat: those to node i begin at starts[i].
 struct Sources {
     Flat_array<std::uint64_t> starts;
@@ -102,6 +83,25 @@ void Dir_vtx_map_from_link_map(Vtxd_map& vertices, Index_links const& links) {
         Vtxd& vertex = vertices.emplace_back(node);
         vertex.Set_oneighs(targets);
         vertex.Set_ineighs(sources[node]);
+    }
+}
+
+// A counting sort.
+void Sort_by_counts(std::vector<Node>& order, Flat_array<Node> const& counts) {
+    order.resize(counts.size());
+    Node const largest = counts.empty() ? 0 : *std::ranges::max_element(counts);
+    Flat_array<Node> place(std::size_t{largest} + 1, 0);
+    for (Node const count : counts) {
+        ++place[count];
+    }
+    Node before = 0;
+    for (Node& nodes : place) {
+        Node const here = nodes;
+        nodes = before;
+        before += here;
+    }
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+        order[place[counts[i]]++] = static_cast<Node>(i + 1);
     }
 }
 

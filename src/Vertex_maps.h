@@ -24,6 +24,10 @@ void Vtx_map_from_link_map(Vtx_map& vertices, Index_links const& links);
 /// Builds the records of directed links, each from the first node of its pair to the second.
 void Dir_vtx_map_from_link_map(Vtxd_map& vertices, Index_links const& links);
 
+/// The nodes by numbers that they have, the number of node i at position i - 1: smallest number
+/// first, at equal numbers by index.
+void Sort_by_counts(std::vector<Node>& order, Flat_array<Node> const& counts);
+
 /// The nodes by their number of neighbours, lowest first; at equal numbers by index.
 void Sort_Vtx_map(std::vector<Node>& order, Vtx_map const& vertices);
 

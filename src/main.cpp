@@ -47,16 +47,18 @@ void Read(int argc, char** argv, Run_settings& run, Index_links& links, Names_ma
     console.Put_line(" will be\n taken into account in the community finding.");
 }
 
-void Build_graph(Graph& graph, Index_links const& links, bool directed, Console& console) {
+void Build_graph(Graph& graph, Index_links const& links, Run_settings const& run,
+                 Console& console) {
     console.Put_line("__________________________________");
     console.Put_line(" Preparing graph from the links...");
-    graph.directed = directed;
-    if (directed) {
+    graph.directed = run.directed;
+    if (run.directed) {
         Dir_vtx_map_from_link_map(graph.dir_vertices, links);
-    } else {
+    } else if (run.time_limit_set) {
         Vtx_map_from_link_map(graph.vertices, links);
+    } else {
+        graph.links = &links;
     }
-    graph.n_nodes = static_cast<Node>(directed ? graph.dir_vertices.size() : graph.vertices.size());
     console.Put_line(" Graph created from the links OK.");
 }
 
@@ -79,13 +81,12 @@ void Run(int argc, char** argv, Console& console) {
     Index_links links;
     Names_map names;
     Read(argc, argv, run, links, names, console);
+    auto const n_nodes = static_cast<Node>(names.size() - 1); // index 0 is no node
     Name_labels const labels(std::move(names));
     Found_cliques found;
-    Node n_nodes = 0;
     {
         Graph graph;
-        Build_graph(graph, links, run.directed, console);
-        n_nodes = graph.n_nodes;
+        Build_graph(graph, links, run, console);
         Find_cliques(found, graph,
                      run.time_limit_set ? std::optional<double>(run.time_limit) : std::nullopt,
                      Processor_seconds, console);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The exact undirected search.
 //
-// Takes    the vertex map.
+// Takes    the links: the order of the nodes needs no records of vertices.
 // Leaves   each maximal clique of three nodes or more once, found at its first node in the order.
 //          Its candidates are the node's later neighbours; a clique that a done neighbour extends
 //          was found with that one, so done neighbours are excluded nodes.
@@ -25,10 +25,10 @@ constexpr std::size_t ahead = 4;        // neighbours of so many nodes are on th
 
 } // namespace
 
-void Clique_find(Set_list& cliques, Vtx_map const& vertices, Console& console) {
+void Clique_find(Set_list& cliques, Index_links const& links, Console& console) {
     cliques.clear();
     console.Put_line(" Sorting the nodes...");
-    Node_order const order(vertices);
+    Node_order const order(links);
     console.Put_line(" done.");
     Clique_find_sub_routines::Node_search search(order);
     auto const total = static_cast<std::uint32_t>(order.size());

@@ -7,17 +7,17 @@
 #include "Clique_find/Local_cliques.h"
 #include "Clique_find/Node_order.h"
 #include "Types.h"
-#include "Vertex_maps.h"
 #include "support/Console.h"
 
 #include <vector>
 
 namespace cpm {
 
-/// Finds every maximal clique of three nodes or more. The nodes are taken in their Node_order; the
+/// Finds every maximal clique of three nodes or more of undirected links (ascending, each node up
+/// to the largest has one). The nodes are taken in their Node_order; the
 /// cliques listed at a node are those whose first node in that order it is, in lexicographic order
 /// of their other nodes. Reports its progress, a report a node.
-void Clique_find(Set_list& cliques, Vtx_map const& vertices, Console& console);
+void Clique_find(Set_list& cliques, Index_links const& links, Console& console);
 
 namespace Clique_find_sub_routines {
 

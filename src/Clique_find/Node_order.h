@@ -6,7 +6,6 @@
 #define PLEXOR_NODE_ORDER_H
 
 #include "Types.h"
-#include "Vertex_maps.h"
 
 #include <vector>
 
@@ -14,8 +13,9 @@ namespace cpm {
 
 class Node_order {
 public:
-    /// Lowest number of neighbours first, then lowest index.
-    explicit Node_order(Vtx_map const& vertices);
+    /// Of undirected links, ascending: lowest number of neighbours first, then lowest index. Every
+    /// node up to the largest has a link.
+    explicit Node_order(Index_links const& links);
 
     std::vector<Node> const& Nodes() const { return nodes_; }
     std::size_t size() const { return nodes_.size(); }
@@ -39,7 +39,11 @@ public:
     }
 
 private:
+    void Split(Index_links const& links, Flat_array<Node> const& neighbours);
+    Node_pair Ordered(Node_pair const& link) const;
+
     std::vector<Node> nodes_;
+    Flat_array<Node> place_; ///< node -> its place in the order; only while that is made
     Flat_array<Node> neighbours_;
     Flat_array<std::uint64_t> begins_;
     Flat_array<std::uint64_t> middles_;

@@ -12,49 +12,44 @@ namespace {
 
 using Sets = std::vector<std::vector<Node>>;
 
-Vtx_map Vertices(Links const& links) {
-    Vtx_map vertices;
-    Vtx_map_from_link_map(vertices, To_index_links(links));
-    return vertices;
-}
-
-Sets Cliques(Vtx_map const& vertices) {
+Sets Cliques(Links const& links) {
     Captured_console console;
     Set_list cliques{{7, 8, 9}}; // what was there before goes
-    Clique_find(cliques, vertices, console);
+    Clique_find(cliques, To_index_links(links), console);
     return To_vectors(cliques);
 }
 
-Sets By_sets(Vtx_map const& vertices) {
+Sets By_sets(Links const& links) {
+    Vtx_map vertices;
+    Vtx_map_from_link_map(vertices, To_index_links(links));
     Cliques_by_sets by_sets(vertices);
     by_sets.Search("");
     return by_sets.Cliques();
 }
 
 TEST(Clique_find, A_triangle_is_one_clique) {
-    EXPECT_EQ(Cliques(Vertices(Complete(1, 3))), (Sets{{1, 2, 3}}));
+    EXPECT_EQ(Cliques(Complete(1, 3)), (Sets{{1, 2, 3}}));
 }
 
 TEST(Clique_find, A_path_has_no_clique) {
-    EXPECT_EQ(Cliques(Vertices({{1, 2}, {2, 3}})), Sets());
+    EXPECT_EQ(Cliques({{1, 2}, {2, 3}}), Sets());
 }
 
 TEST(Clique_find, Triangles_that_share_a_link_are_two_cliques) {
-    EXPECT_EQ(Cliques(Vertices({{1, 2}, {1, 3}, {2, 3}, {2, 4}, {3, 4}})),
-              (Sets{{1, 2, 3}, {2, 3, 4}}));
+    EXPECT_EQ(Cliques({{1, 2}, {1, 3}, {2, 3}, {2, 4}, {3, 4}}), (Sets{{1, 2, 3}, {2, 3, 4}}));
 }
 
 TEST(Clique_find, Cliques_come_with_their_first_node_in_the_order) {
     // The last node has the fewest neighbours of the two cliques' own nodes.
     Links links = Complete(1, 5);
     links.merge(Links{{4, 6}, {5, 6}});
-    EXPECT_EQ(Cliques(Vertices(links)), (Sets{{4, 5, 6}, {1, 2, 3, 4, 5}}));
+    EXPECT_EQ(Cliques(links), (Sets{{4, 5, 6}, {1, 2, 3, 4, 5}}));
 }
 
 TEST(Clique_find, A_complete_network_is_one_clique_and_each_node_is_reported) {
     Captured_console console;
     Set_list cliques;
-    Clique_find(cliques, Vertices(Complete(1, 5)), console);
+    Clique_find(cliques, To_index_links(Complete(1, 5)), console);
     EXPECT_EQ(To_vectors(cliques), (Sets{{1, 2, 3, 4, 5}}));
     EXPECT_EQ(console.Output(), " Sorting the nodes...\n"
                                 " done.\n"
@@ -80,7 +75,7 @@ TEST(Clique_find, A_complete_network_is_one_clique_and_each_node_is_reported) {
 TEST(Clique_find, An_empty_network_is_reported_without_progress) {
     Captured_console console;
     Set_list cliques;
-    Clique_find(cliques, Vtx_map(), console);
+    Clique_find(cliques, Index_links(), console);
     EXPECT_EQ(cliques.size(), 0U);
     EXPECT_EQ(console.Output(), " Sorting the nodes...\n"
                                 " done.\n"
@@ -95,8 +90,7 @@ TEST(Clique_find, Random_networks_agree_with_the_search_by_sets) {
         Links const links = round % 2 == 0
                                 ? Random_links(n, 10 + random.Below(n > 16 ? 35 : 90), random)
                                 : Random_teams(n, 2 + random.Below(12), std::min(n, 9U), random);
-        Vtx_map const vertices = Vertices(links);
-        ASSERT_EQ(Cliques(vertices), By_sets(vertices)) << "round " << round;
+        ASSERT_EQ(Cliques(links), By_sets(links)) << "round " << round;
     }
 }
 
@@ -113,8 +107,7 @@ TEST(Clique_find, Networks_with_hubs_agree_with_the_search_by_sets) {
         }
         // Later than the hub's other neighbours come the nodes of a large clique.
         links.merge(Complete(1, 20));
-        Vtx_map const vertices = Vertices(links);
-        ASSERT_EQ(Cliques(vertices), By_sets(vertices)) << "round " << round;
+        ASSERT_EQ(Cliques(links), By_sets(links)) << "round " << round;
     }
 }
 

@@ -47,10 +47,10 @@ Result Search(Vtx_map const& vertices, double max_time) {
     return result;
 }
 
-Sets Exact(Vtx_map const& vertices) {
+Sets Exact(Links const& links) {
     Captured_console console;
     Set_list cliques;
-    Clique_find(cliques, vertices, console);
+    Clique_find(cliques, To_index_links(links), console);
     return To_vectors(cliques);
 }
 
@@ -66,9 +66,8 @@ TEST(Clique_find_part_time, Enough_time_finds_what_the_search_without_a_limit_fi
                 links.insert({1, node});
             }
         }
-        Vtx_map const vertices = Vertices(links);
-        Result const result = Search(vertices, ample);
-        ASSERT_EQ(result.cliques, Exact(vertices)) << "round " << round;
+        Result const result = Search(Vertices(links), ample);
+        ASSERT_EQ(result.cliques, Exact(links)) << "round " << round;
         ASSERT_EQ(result.core, std::vector<Node>());
         ASSERT_TRUE(result.reports.ends_with(" cliques found.\n no approximation was needed\n"));
     }
@@ -102,10 +101,9 @@ TEST(Clique_find_part_time, An_empty_network_needs_no_clock) {
 
 TEST(Clique_find_part_time, Cliques_of_three_nodes_need_no_time) {
     // Triangles around node 1, and one beside.
-    Vtx_map const vertices =
-        Vertices({{1, 2}, {1, 3}, {2, 3}, {1, 4}, {1, 5}, {4, 5}, {6, 7}, {6, 8}, {7, 8}});
-    Result const result = Search(vertices, none_at_all);
-    EXPECT_EQ(result.cliques, Exact(vertices));
+    Links const links{{1, 2}, {1, 3}, {2, 3}, {1, 4}, {1, 5}, {4, 5}, {6, 7}, {6, 8}, {7, 8}};
+    Result const result = Search(Vertices(links), none_at_all);
+    EXPECT_EQ(result.cliques, Exact(links));
     EXPECT_EQ(result.core, std::vector<Node>());
     EXPECT_EQ(result.readings, 8) << "one at the start of each node";
 }
@@ -265,7 +263,7 @@ TEST(Clique_find_part_time, Whenever_the_time_runs_out_the_cliques_of_done_nodes
             links.insert({1 + random.Below(3 * groups), 3 * groups + 1 + random.Below(8)});
         }
         Vtx_map const vertices = Vertices(links);
-        Sets const exact = Exact(vertices);
+        Sets const exact = Exact(links);
         Result const result = Search(vertices, random.Below(10));
         std::vector<bool> done(vertices.size() + 1, true);
         for (Node const node : result.core) {
