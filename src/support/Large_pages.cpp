@@ -6,15 +6,17 @@
 
 namespace cpm {
 
-// Only whole large pages: what lies around the array is not meant.
+// The small pages that an array begins and ends in are asked for with the others: memory of which
+// only a part is wanted in another way could not be moved as a whole when the array grows.
 void Ask_for_large_pages(void* data, std::size_t bytes) noexcept {
-    constexpr std::uintptr_t page = std::uintptr_t{1} << 21;
-    auto const begin = reinterpret_cast<std::uintptr_t>(data);
-    std::uintptr_t const skipped = -begin % page;
-    if (bytes < skipped + page) {
+    constexpr std::size_t large_page = std::size_t{1} << 21;
+    constexpr std::size_t page = std::size_t{1} << 12;
+    if (bytes < large_page) {
         return;
     }
-    ::madvise(static_cast<char*>(data) + skipped, (bytes - skipped) / page * page, MADV_HUGEPAGE);
+    std::size_t const before = reinterpret_cast<std::uintptr_t>(data) % page;
+    std::size_t const pages = (before + bytes + page - 1) / page;
+    ::madvise(static_cast<char*>(data) - before, pages * page, MADV_HUGEPAGE);
 }
 
 } // namespace cpm

@@ -8,8 +8,8 @@
 
 namespace cpm {
 
-/// Asks for large pages behind those parts of an array that fill one. It is a wish: nothing depends
-/// on whether the kernel has it in its power.
+/// Asks for large pages behind an array that can fill one. It is a wish: nothing depends on whether
+/// the kernel grants it.
 void Ask_for_large_pages(void* data, std::size_t bytes) noexcept;
 
 } // namespace cpm
