@@ -199,7 +199,7 @@ void Overlap_setup(benchmark::State& state) {
 void Overlap_partners(benchmark::State& state) {
     Prepared& network = Network_of(state);
     Overlap_index index(network.cliques, network.n_nodes);
-    std::vector<Partner> partners;
+    Flat_array<Partner> partners;
     for (auto _ : state) {
         index.Start_level(3, 4);
         partners.clear();

@@ -343,7 +343,7 @@ Sliced_list* Overlap_index::Slice(Node node) {
     return list;
 }
 
-void Overlap_index::Claim_if_partner(Candidate const& candidate, std::vector<Partner>& partners) {
+void Overlap_index::Claim_if_partner(Candidate const& candidate, Flat_array<Partner>& partners) {
     Clique_number const clique = candidate.clique;
     if (Is_claimed(clique)) {
         return;
@@ -443,7 +443,7 @@ bool Overlap_index::Ask(Partner const& from) {
     return true;
 }
 
-void Overlap_index::Claim_partners(Partner const& from, std::vector<Partner>& partners) {
+void Overlap_index::Claim_partners(Partner const& from, Flat_array<Partner>& partners) {
     std::size_t const before = partners.size();
     if (!Is_claimed(from.clique)) {
         Claim(from.clique);
@@ -469,7 +469,7 @@ void Overlap_index::Claim_partners(Partner const& from, std::vector<Partner>& pa
     for (Node const node : nodes) {
         mark_[node] = 0;
     }
-    std::sort(partners.begin() + static_cast<std::ptrdiff_t>(before), partners.end(),
+    std::sort(partners.begin() + before, partners.end(),
               [](Partner const& a, Partner const& b) { return a.clique < b.clique; });
 }
 

@@ -73,7 +73,7 @@ public:
     /// Claims every unclaimed partner of `from` and appends it to `partners`, in ascending order.
     /// A clique in play shares its own nodes with itself: when unclaimed it is its own partner.
     /// `from.new_nodes` must hold a node of each unclaimed partner (all_new always does).
-    void Claim_partners(Partner const& from, std::vector<Partner>& partners);
+    void Claim_partners(Partner const& from, Flat_array<Partner>& partners);
 
     /// Fetches the memory that asking for this clique's partners begins with; in two steps, the
     /// first for a clique that is asked for later than that of the second.
@@ -110,7 +110,7 @@ private:
     bool Ask(Partner const& from);
     void Claim(Clique_number clique);
     void Claim_if_partner(Overlap_index_sub::Candidate const& candidate,
-                          std::vector<Partner>& partners);
+                          Flat_array<Partner>& partners);
     void Drop(Node node, std::uint32_t place);
     void Drop_claimed(Node node);
 

@@ -59,11 +59,12 @@ void Percolation::Look_for_new_com(Clique_number first, std::uint32_t k) {
     members_.clear();
     to_follow_.clear();
     if (stale_ == nullptr) {
-        index_.Claim_partners({first, Overlap_index::all_new}, to_follow_);
+        index_.Claim_partners({first, Overlap_index::all_new}, members_);
     } else if (!Claim_all_of_row(first, k)) {
         return;
     }
     Join(0);
+    Extend_com(k);
     // The first clique is its own partner and was claimed with nothing new; the community's nodes
     // and links begin with all of it.
     for (Partner& member : members_) {
@@ -71,7 +72,6 @@ void Percolation::Look_for_new_com(Clique_number first, std::uint32_t k) {
             member.new_nodes = Overlap_index::all_new;
         }
     }
-    Extend_com(k);
     if (stale_ != nullptr) {
         sets_.Forget(members_);
     }
@@ -89,20 +89,20 @@ bool Percolation::Claim_all_of_row(Clique_number first, std::uint32_t k) {
     }
     for (Clique_overlap const& entry : row_) {
         stale_claimed_[entry.clique] = true;
-        to_follow_.push_back({entry.clique, Overlap_index::all_new});
+        members_.push_back({entry.clique, Overlap_index::all_new});
     }
     return true;
 }
 
 void Percolation::Extend_com(std::uint32_t k) {
     while (!to_follow_.empty()) {
-        Partner const next = to_follow_.back();
+        Partner const next = members_[to_follow_.back()];
         to_follow_.pop_back();
-        std::size_t const first_new = to_follow_.size();
-        if (first_new > 3) {
-            index_.Prefetch_card(to_follow_[first_new - 4].clique);
-            index_.Prefetch_nodes(to_follow_[first_new - 2].clique);
+        if (std::size_t const left = to_follow_.size(); left > 3) {
+            index_.Prefetch_card(members_[to_follow_[left - 4]].clique);
+            index_.Prefetch_nodes(members_[to_follow_[left - 2]].clique);
         }
+        std::size_t const first_new = members_.size();
         Claim_partners(next, k);
         Join(first_new);
     }
@@ -110,26 +110,26 @@ void Percolation::Extend_com(std::uint32_t k) {
 
 void Percolation::Claim_partners(Partner const& from, std::uint32_t k) {
     if (stale_ == nullptr) {
-        index_.Claim_partners(from, to_follow_);
+        index_.Claim_partners(from, members_);
         return;
     }
     stale_->Row(from.clique, k - 1, row_);
     for (Clique_overlap const& entry : row_) {
         if (!stale_claimed_[entry.clique]) {
             stale_claimed_[entry.clique] = true;
-            to_follow_.push_back({entry.clique, Overlap_index::all_new});
+            members_.push_back({entry.clique, Overlap_index::all_new});
         }
     }
 }
 
 // The partners claimed last join the community in ascending order and will be followed in it.
 void Percolation::Join(std::size_t first_new) {
-    auto const begin = to_follow_.begin() + static_cast<std::ptrdiff_t>(first_new);
-    for (auto partner = begin; partner != to_follow_.end(); ++partner) {
-        members_.push_back(*partner);
-        com_cliques_.Append(partner->clique);
+    for (std::size_t place = first_new; place < members_.size(); ++place) {
+        com_cliques_.Append(members_[place].clique);
     }
-    std::reverse(begin, to_follow_.end());
+    for (std::size_t place = members_.size(); place > first_new; --place) {
+        to_follow_.push_back(static_cast<std::uint32_t>(place - 1));
+    }
 }
 
 // Puts the communities into their order, exact ones first, and hands them over.

@@ -47,8 +47,8 @@ private:
     std::vector<bool> stale_claimed_;          ///< used with stale overlaps only
     std::vector<Clique_overlap> row_;          ///< likewise
     std::uint32_t last_k_ = 0;                 ///< 0: none yet
-    std::vector<Partner> members_;             ///< of the community under way
-    std::vector<Partner> to_follow_;           ///< claimed, not yet followed; the next one last
+    Flat_array<Partner> members_;              ///< of the community under way
+    Flat_array<std::uint32_t> to_follow_;      ///< places of those not yet followed, the next last
     List_of_lists<Clique_number> com_cliques_; ///< as found
     std::vector<std::uint32_t> order_;         ///< place in the output -> place as found
 };

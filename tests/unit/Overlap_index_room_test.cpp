@@ -70,7 +70,7 @@ TEST(Overlap_index_room, Lists_that_give_way_to_others_lose_no_partner) {
         auto const expected = By_counting(network, least_shared);
         index.Start_level(least_shared, least_shared);
         for (Clique_number from = 0; from < n_cliques; ++from) {
-            std::vector<Partner> partners;
+            Flat_array<Partner> partners;
             index.Claim_partners({from, Overlap_index::all_new}, partners);
             std::vector<Clique_number> found;
             for (Partner const& partner : partners) {

@@ -35,8 +35,8 @@ public:
         auto const begin = claimed_.begin() + static_cast<std::ptrdiff_t>(from);
         return static_cast<std::size_t>(std::find(begin, claimed_.end(), false) - claimed_.begin());
     }
-    std::vector<Partner> Claim_partners(Clique_number from) {
-        std::vector<Partner> partners;
+    Flat_array<Partner> Claim_partners(Clique_number from) {
+        Flat_array<Partner> partners;
         for (Clique_number c = 0; c < cliques_.size(); ++c) {
             if (!claimed_[c] && Shared(cliques_[from], cliques_[c]) >= least_shared_) {
                 claimed_[c] = true;
@@ -69,7 +69,7 @@ private:
     std::vector<bool> claimed_;
 };
 
-std::vector<std::pair<Clique_number, std::uint64_t>> Plain(std::vector<Partner> const& partners) {
+std::vector<std::pair<Clique_number, std::uint64_t>> Plain(Flat_array<Partner> const& partners) {
     std::vector<std::pair<Clique_number, std::uint64_t>> plain;
     for (Partner const& partner : partners) {
         plain.push_back({partner.clique, partner.new_nodes});
@@ -78,7 +78,7 @@ std::vector<std::pair<Clique_number, std::uint64_t>> Plain(std::vector<Partner> 
 }
 
 std::vector<Clique_number> Partners_of(Overlap_index& index, Clique_number from) {
-    std::vector<Partner> partners;
+    Flat_array<Partner> partners;
     index.Claim_partners({from, Overlap_index::all_new}, partners);
     std::vector<Clique_number> cliques;
     for (Partner const& partner : partners) {
@@ -115,7 +115,8 @@ TEST(Overlap_index, Partners_are_appended) {
     Set_list const cliques{{1, 2, 3}, {2, 3, 4}};
     Overlap_index index(cliques, 4);
     index.Start_level(2, 3);
-    std::vector<Partner> partners{{9, 5}};
+    Flat_array<Partner> partners;
+    partners.push_back({9, 5});
     index.Claim_partners({1, Overlap_index::all_new}, partners);
     EXPECT_EQ(Plain(partners),
               (std::vector<std::pair<Clique_number, std::uint64_t>>{{9, 5}, {0, 1}, {1, 0}}));
@@ -186,24 +187,24 @@ void Compare_level(Overlap_index& index, By_pairs& by_pairs, Set_list const& cli
     // Some in any order, with nothing known of them.
     for (std::uint32_t left = random.Below(6); left > 0; --left) {
         Clique_number const from = random.Below(static_cast<std::uint32_t>(cliques.size()));
-        std::vector<Partner> partners;
+        Flat_array<Partner> partners;
         index.Claim_partners({from, Overlap_index::all_new}, partners);
         ASSERT_EQ(Plain(partners), Plain(by_pairs.Claim_partners(from))) << "from " << from;
     }
     // And the way percolation goes, with what is known.
     for (Clique_number c = 0; c < cliques.size(); ++c) {
         ASSERT_EQ(index.Next_unclaimed(c), by_pairs.Next_unclaimed(c));
-        std::vector<Partner> open;
+        Flat_array<Partner> open;
         if (!index.Is_claimed(c)) {
             open.push_back({c, Overlap_index::all_new});
         }
         while (!open.empty()) {
             Partner const from = open.back();
             open.pop_back();
-            std::vector<Partner> partners;
+            Flat_array<Partner> partners;
             index.Claim_partners(from, partners);
             ASSERT_EQ(Plain(partners), Plain(by_pairs.Claim_partners(from.clique)));
-            open.insert(open.end(), partners.begin(), partners.end());
+            open.Append(partners);
         }
         ASSERT_EQ(index.Is_claimed(c), by_pairs.Is_claimed(c));
     }
@@ -323,7 +324,7 @@ TEST(Overlap_index, Finds_partners_in_long_lists) {
                     expected.push_back(c);
                 }
             }
-            std::vector<Partner> partners;
+            Flat_array<Partner> partners;
             index.Claim_partners({from, Overlap_index::all_new}, partners);
             std::vector<Clique_number> found;
             for (Partner const& partner : partners) {
