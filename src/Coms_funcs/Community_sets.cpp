@@ -104,7 +104,7 @@ void Community_sets::Add_new_part(Partner const& member) {
 
 // Sorts values below `range` and drops repeats: by a bitmap where that is cheaper.
 template <class T> void Community_sets::Sort_unique(Flat_array<T>& values, std::size_t range) {
-    constexpr std::size_t bits_worth_a_comparison_sort = 256;
+    constexpr std::size_t bits_worth_a_comparison_sort = 2048;
     if (range / bits_worth_a_comparison_sort > values.size()) {
         std::sort(values.begin(), values.end());
         T* const end = std::unique(values.begin(), values.end());

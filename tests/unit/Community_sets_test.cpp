@@ -185,7 +185,7 @@ TEST(Community_sets, Random_levels_agree_with_the_sets_of_the_cliques) {
     Random_numbers random(101);
     for (int round = 0; round < 100; ++round) {
         // Node indices far apart make the sets few among many.
-        Node const apart = round % 2 == 0 ? 1 : 500;
+        Node const apart = round % 2 == 0 ? 1 : 5000;
         Node const n = 4 + random.Below(20);
         Set_list cliques;
         for (std::uint32_t left = 1 + random.Below(25); left > 0; --left) {
