@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The exact undirected search.
 //
-// Takes    the links: the order of the nodes needs no records of vertices.
+// Takes    the links.
 // Leaves   each maximal clique of three nodes or more once, found at its first node in the order.
 //          Its candidates are the node's later neighbours; a clique that a done neighbour extends
 //          was found with that one, so done neighbours are excluded nodes.

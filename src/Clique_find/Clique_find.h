@@ -13,10 +13,10 @@
 
 namespace cpm {
 
-/// Finds every maximal clique of three nodes or more of undirected links (ascending, each node up
-/// to the largest has one). The nodes are taken in their Node_order; the
-/// cliques listed at a node are those whose first node in that order it is, in lexicographic order
-/// of their other nodes. Reports its progress, a report a node.
+/// Finds every maximal clique of three nodes or more of undirected links, which are ascending and
+/// leave no node out. The nodes are taken in their Node_order; the cliques listed at a node are
+/// those whose first node in that order it is, in lexicographic order of their other nodes. Reports
+/// its progress, a report a node.
 void Clique_find(Set_list& cliques, Index_links const& links, Console& console);
 
 namespace Clique_find_sub_routines {

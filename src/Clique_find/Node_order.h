@@ -39,11 +39,10 @@ public:
     }
 
 private:
-    void Split(Index_links const& links, Flat_array<Node> const& neighbours);
-    Node_pair Ordered(Node_pair const& link) const;
+    void Split(Index_links const& links, Flat_array<Node> const& counts,
+               Flat_array<Node> const& places);
 
     std::vector<Node> nodes_;
-    Flat_array<Node> place_; ///< node -> its place in the order; only while that is made
     Flat_array<Node> neighbours_;
     Flat_array<std::uint64_t> begins_;
     Flat_array<std::uint64_t> middles_;

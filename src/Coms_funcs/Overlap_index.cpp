@@ -4,12 +4,11 @@
 // Order    partners ascending. The order inside the lists is of no account: it changes as claimed
 //          cliques are moved behind the live ones.
 // Cost     16 bytes a clique member (its rank, and 12 for a place in a list), up to 8 more for
-//          sliced lists, 32 bytes a clique, 37 bytes a node. A level: one entry a clique, then the
+//          sliced lists, 36 bytes a clique, 37 bytes a node. A level: one entry a clique, then the
 //          lists of the rarest nodes of each clique that is asked for: a glance an entry, or a few
 //          bits where a list is long.
 // Tested   Overlap_index_test.cpp (against all pairs), Overlap_index_room_test.cpp, the runs
-// against
-//          the plain model.
+//          against the plain model.
 #include "Coms_funcs/Overlap_index.h"
 
 #include "support/Bit_counting.h"

@@ -65,14 +65,11 @@ void Percolation::Look_for_new_com(Clique_number first, std::uint32_t k) {
     }
     Join(0);
     Extend_com(k);
-    // The first clique is its own partner and was claimed with nothing new; the community's nodes
-    // and links begin with all of it.
-    for (Partner& member : members_) {
-        if (member.clique == first) {
-            member.new_nodes = Overlap_index::all_new;
-        }
-    }
-    if (stale_ != nullptr) {
+    if (stale_ == nullptr) {
+        // The first clique is its own partner and was claimed with nothing new; the community's
+        // nodes and links begin with all of it.
+        std::ranges::find(members_, first, &Partner::clique)->new_nodes = Overlap_index::all_new;
+    } else {
         sets_.Forget(members_);
     }
     sets_.Add_community(members_);
