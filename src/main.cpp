@@ -83,6 +83,7 @@ void Run(int argc, char** argv, Console& console) {
     Read(argc, argv, run, links, names, console);
     auto const n_nodes = static_cast<Node>(names.size() - 1); // index 0 is no node
     Name_labels const labels(std::move(names));
+    ::malloc_trim(0); // what reading needed goes back before the lists of the search grow beside it
     Found_cliques found;
     {
         Graph graph;
@@ -115,7 +116,7 @@ void Fill_standard_streams() {
 // They come and go with the stages, and grow where they are. In the heap, where the C library puts
 // more and more of them as it sees them go, each would leave a hole and be copied to grow.
 void Give_large_arrays_pages_of_their_own() {
-    constexpr int large = 1 << 22;
+    constexpr int large = 1 << 21; // from here on large pages serve them
     ::mallopt(M_MMAP_THRESHOLD, large);
     ::mallopt(M_TRIM_THRESHOLD, large); // setting one ends the automatic rise of the other
 }
