@@ -14,7 +14,6 @@
 #include "Plexor_io/Link_lines.h"
 #include "Plexor_io/Read_links.h"
 #include "Types.h"
-#include "Vertex_maps.h"
 #include "support/Console.h"
 
 #include <benchmark/benchmark.h>

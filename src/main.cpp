@@ -13,6 +13,7 @@
 #include "Plexor_io/Usage.h"
 #include "support/Console.h"
 #include "support/Errors.h"
+#include "support/Large_pages.h"
 
 #include <csignal>
 #include <exception>
@@ -116,7 +117,7 @@ void Fill_standard_streams() {
 // They come and go with the stages, and grow where they are. In the heap, where the C library puts
 // more and more of them as it sees them go, each would leave a hole and be copied to grow.
 void Give_large_arrays_pages_of_their_own() {
-    constexpr int large = 1 << 21; // from here on large pages serve them
+    constexpr auto large = static_cast<int>(large_page);
     ::mallopt(M_MMAP_THRESHOLD, large);
     ::mallopt(M_TRIM_THRESHOLD, large); // setting one ends the automatic rise of the other
 }

@@ -9,7 +9,6 @@ namespace cpm {
 // The small pages that an array begins and ends in are asked for with the others: memory of which
 // only a part is wanted in another way could not be moved as a whole when the array grows.
 void Ask_for_large_pages(void* data, std::size_t bytes) noexcept {
-    constexpr std::size_t large_page = std::size_t{1} << 21;
     constexpr std::size_t page = std::size_t{1} << 12;
     if (bytes < large_page) {
         return;

@@ -8,6 +8,9 @@
 
 namespace cpm {
 
+/// The bytes of a large page.
+constexpr std::size_t large_page = std::size_t{1} << 21;
+
 /// Asks for large pages behind an array that can fill one. It is a wish: nothing depends on whether
 /// the kernel grants it.
 void Ask_for_large_pages(void* data, std::size_t bytes) noexcept;
