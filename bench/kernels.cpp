@@ -7,14 +7,14 @@
 #include "Coms_funcs/Pair_table.h"
 #include "Coms_funcs/Percolation.h"
 #include "Networks.h"
-#include "Plexor_io/Convert_links.h"
+#include "Plexor_io/Console.h"
 #include "Plexor_io/Kiir_cliques.h"
 #include "Plexor_io/Kiir_com_graph.h"
 #include "Plexor_io/Kiir_coms.h"
 #include "Plexor_io/Link_lines.h"
 #include "Plexor_io/Read_links.h"
-#include "Types.h"
-#include "support/Console.h"
+#include "graph/Convert_links.h"
+#include "graph/Types.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Vtx.h"
 
+#include "Plexor_io/My_int2string.h"
 #include "support/Errors.h"
-#include "support/My_int2string.h"
 
 #include <cassert>
 #include <ostream>

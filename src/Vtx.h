@@ -4,7 +4,7 @@
 #ifndef PLEXOR_VTX_H
 #define PLEXOR_VTX_H
 
-#include "Types.h"
+#include "graph/Types.h"
 
 #include <iosfwd>
 #include <memory>

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The run, top to bottom. Every error ends up in the one handler here; the exit status is always 0.
 #include "Clique_find/Appr_core_cliques.h"
-#include "Find_cliques.h"
-#include "Find_coms.h"
-#include "Plexor_io/Convert_links.h"
+#include "Clique_find/Find_cliques.h"
+#include "Plexor_io/Console.h"
+#include "Plexor_io/Find_coms.h"
 #include "Plexor_io/Header_text.h"
 #include "Plexor_io/Kiir_cliques.h"
 #include "Plexor_io/Kiir_graph.h"
@@ -11,7 +11,7 @@
 #include "Plexor_io/Out_dir.h"
 #include "Plexor_io/Process_input.h"
 #include "Plexor_io/Usage.h"
-#include "support/Console.h"
+#include "graph/Convert_links.h"
 #include "support/Errors.h"
 #include "support/Large_pages.h"
 

@@ -6,8 +6,8 @@
 #include "Clique_find/Clock.h"
 #include "Clique_find/Local_cliques.h"
 #include "Clique_find/Node_order.h"
-#include "Types.h"
-#include "support/Console.h"
+#include "Plexor_io/Console.h"
+#include "graph/Types.h"
 
 #include <vector>
 

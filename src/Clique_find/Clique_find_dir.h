@@ -12,9 +12,9 @@
 #include "Clique_find/Dir_surroundings.h"
 #include "Clique_find/Local_cliques.h"
 #include "Clique_find/Time_limited.h"
-#include "Types.h"
+#include "Plexor_io/Console.h"
 #include "Vertex_maps.h"
-#include "support/Console.h"
+#include "graph/Types.h"
 
 #include <vector>
 

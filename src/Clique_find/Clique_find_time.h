@@ -7,9 +7,9 @@
 #include "Clique_find/First_check.h"
 #include "Clique_find/Local_cliques.h"
 #include "Clique_find/Time_limited.h"
-#include "Types.h"
+#include "Plexor_io/Console.h"
 #include "Vertex_maps.h"
-#include "support/Console.h"
+#include "graph/Types.h"
 
 #include <vector>
 

@@ -6,8 +6,8 @@
 #define PLEXOR_TIME_LIMITED_H
 
 #include "Clique_find/Clock.h"
-#include "Types.h"
-#include "support/Console.h"
+#include "Plexor_io/Console.h"
+#include "graph/Types.h"
 
 #include <string_view>
 #include <vector>

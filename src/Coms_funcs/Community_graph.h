@@ -5,7 +5,7 @@
 #ifndef PLEXOR_COMMUNITY_GRAPH_H
 #define PLEXOR_COMMUNITY_GRAPH_H
 
-#include "Types.h"
+#include "graph/Types.h"
 
 #include <array>
 #include <cstdint>

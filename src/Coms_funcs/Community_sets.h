@@ -10,7 +10,7 @@
 
 #include "Coms_funcs/Overlap_index.h"
 #include "Coms_funcs/Pair_table.h"
-#include "Types.h"
+#include "graph/Types.h"
 
 #include <vector>
 

@@ -5,7 +5,7 @@
 #ifndef PLEXOR_GLANCES_H
 #define PLEXOR_GLANCES_H
 
-#include "Types.h"
+#include "graph/Types.h"
 
 #include <vector>
 

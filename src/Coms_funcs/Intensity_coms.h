@@ -5,8 +5,8 @@
 #define PLEXOR_INTENSITY_COMS_H
 
 #include "Coms_funcs/K_cliques.h"
-#include "Types.h"
-#include "support/Console.h"
+#include "Plexor_io/Console.h"
+#include "graph/Types.h"
 
 #include <cstddef>
 #include <cstdint>

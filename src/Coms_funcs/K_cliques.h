@@ -5,8 +5,8 @@
 #ifndef PLEXOR_K_CLIQUES_H
 #define PLEXOR_K_CLIQUES_H
 
-#include "Types.h"
-#include "support/Console.h"
+#include "Plexor_io/Console.h"
+#include "graph/Types.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -16,7 +16,7 @@
 
 #include "Coms_funcs/Glances.h"
 #include "Coms_funcs/Sliced_lists.h"
-#include "Types.h"
+#include "graph/Types.h"
 
 #include <array>
 #include <vector>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Coms_funcs/Pair_table.h"
 
-#include "Link_order.h"
+#include "graph/Link_order.h"
 #include "support/Errors.h"
 
 #include <limits>

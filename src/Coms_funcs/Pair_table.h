@@ -4,7 +4,7 @@
 #ifndef PLEXOR_PAIR_TABLE_H
 #define PLEXOR_PAIR_TABLE_H
 
-#include "Types.h"
+#include "graph/Types.h"
 
 #include <vector>
 

@@ -6,7 +6,7 @@
 #ifndef PLEXOR_SLICED_LISTS_H
 #define PLEXOR_SLICED_LISTS_H
 
-#include "Types.h"
+#include "graph/Types.h"
 
 #include <array>
 #include <vector>

@@ -11,7 +11,7 @@
 #ifndef PLEXOR_STALE_OVERLAPS_H
 #define PLEXOR_STALE_OVERLAPS_H
 
-#include "Types.h"
+#include "graph/Types.h"
 
 #include <vector>
 

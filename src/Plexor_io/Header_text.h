@@ -4,9 +4,9 @@
 #ifndef PLEXOR_HEADER_TEXT_H
 #define PLEXOR_HEADER_TEXT_H
 
+#include "Plexor_io/Console.h"
 #include "Plexor_io/Read_links.h"
 #include "Plexor_io/Run_settings.h"
-#include "support/Console.h"
 
 #include <string>
 

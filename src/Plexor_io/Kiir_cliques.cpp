@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "Plexor_io/Kiir_cliques.h"
 
+#include "Plexor_io/Direktoriz.h"
+#include "Plexor_io/My_int2string.h"
 #include "Plexor_io/Result_place.h"
 #include "Plexor_io/Text_file.h"
-#include "support/Direktoriz.h"
-#include "support/My_int2string.h"
 
 namespace cpm {
 

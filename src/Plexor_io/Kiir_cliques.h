@@ -6,9 +6,9 @@
 #define PLEXOR_KIIR_CLIQUES_H
 
 #include "Coms_funcs/K_cliques.h"
+#include "Plexor_io/Console.h"
 #include "Plexor_io/Name_labels.h"
-#include "Types.h"
-#include "support/Console.h"
+#include "graph/Types.h"
 
 #include <cstdint>
 #include <string>

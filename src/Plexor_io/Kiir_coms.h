@@ -5,10 +5,10 @@
 #ifndef PLEXOR_KIIR_COMS_H
 #define PLEXOR_KIIR_COMS_H
 
+#include "Plexor_io/Console.h"
 #include "Plexor_io/Link_lines.h"
 #include "Plexor_io/Name_labels.h"
-#include "Types.h"
-#include "support/Console.h"
+#include "graph/Types.h"
 
 #include <cstdint>
 #include <string>

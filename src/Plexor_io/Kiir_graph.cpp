@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Plexor_io/Kiir_graph.h"
 
+#include "Plexor_io/Direktoriz.h"
 #include "Plexor_io/Text_file.h"
-#include "support/Direktoriz.h"
 
 namespace cpm {
 

@@ -3,8 +3,8 @@
 #ifndef PLEXOR_KIIR_GRAPH_H
 #define PLEXOR_KIIR_GRAPH_H
 
-#include "Types.h"
-#include "support/Console.h"
+#include "Plexor_io/Console.h"
+#include "graph/Types.h"
 
 #include <string>
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "Plexor_io/Kiir_stats.h"
 
+#include "Plexor_io/My_int2string.h"
 #include "Plexor_io/Result_place.h"
 #include "Plexor_io/Text_file.h"
-#include "support/My_int2string.h"
 
 namespace cpm {
 

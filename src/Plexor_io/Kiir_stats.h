@@ -4,7 +4,7 @@
 #define PLEXOR_KIIR_STATS_H
 
 #include "Coms_funcs/Community_graph.h"
-#include "support/Console.h"
+#include "Plexor_io/Console.h"
 
 #include <cstdint>
 #include <string>

@@ -6,8 +6,8 @@
 
 #include "Coms_funcs/Pair_table.h"
 #include "Plexor_io/Name_labels.h"
-#include "Types.h"
-#include "support/Text_sink.h"
+#include "Plexor_io/Text_sink.h"
+#include "graph/Types.h"
 
 #include <span>
 #include <vector>

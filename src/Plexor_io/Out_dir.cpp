@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "Plexor_io/Out_dir.h"
 
-#include "support/Direktoriz.h"
+#include "Plexor_io/Direktoriz.h"
+#include "Plexor_io/My_double2string.h"
 #include "support/Errors.h"
-#include "support/My_double2string.h"
 
 namespace cpm {
 

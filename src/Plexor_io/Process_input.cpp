@@ -2,10 +2,10 @@
 #include "Plexor_io/Process_input.h"
 
 #include "Plexor_io/Header_text.h"
+#include "Plexor_io/My_convert_from_string.h"
 #include "Plexor_io/Out_dir.h"
 #include "Plexor_io/Usage.h"
 #include "support/Errors.h"
-#include "support/My_convert_from_string.h"
 
 #include <algorithm>
 #include <array>

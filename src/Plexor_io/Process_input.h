@@ -3,11 +3,11 @@
 #ifndef PLEXOR_PROCESS_INPUT_H
 #define PLEXOR_PROCESS_INPUT_H
 
+#include "Plexor_io/Console.h"
 #include "Plexor_io/Read_links.h"
 #include "Plexor_io/Run_settings.h"
-#include "Types.h"
-#include "support/Console.h"
-#include "support/Switches.h"
+#include "Plexor_io/Switches.h"
+#include "graph/Types.h"
 
 #include <optional>
 #include <string>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Plexor_io/Result_place.h"
 
-#include "support/Direktoriz.h"
-#include "support/My_int2string.h"
+#include "Plexor_io/Direktoriz.h"
+#include "Plexor_io/My_int2string.h"
 
 namespace cpm {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Plexor_io/Text_file.h"
 
-#include "support/Write_all.h"
+#include "Plexor_io/Write_all.h"
 
 #include <fcntl.h>
 #include <unistd.h>

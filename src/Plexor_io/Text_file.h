@@ -3,8 +3,8 @@
 #ifndef PLEXOR_TEXT_FILE_H
 #define PLEXOR_TEXT_FILE_H
 
-#include "support/Console.h"
-#include "support/Text_sink.h"
+#include "Plexor_io/Console.h"
+#include "Plexor_io/Text_sink.h"
 
 #include <memory>
 #include <string>

@@ -3,7 +3,7 @@
 #ifndef PLEXOR_CAPTURED_CONSOLE_H
 #define PLEXOR_CAPTURED_CONSOLE_H
 
-#include "support/Console.h"
+#include "Plexor_io/Console.h"
 
 #include <array>
 #include <cerrno>

@@ -3,7 +3,7 @@
 #ifndef PLEXOR_GRAPH_MAKERS_H
 #define PLEXOR_GRAPH_MAKERS_H
 
-#include "Types.h"
+#include "graph/Types.h"
 #include "support/Random_numbers.h"
 
 #include <set>

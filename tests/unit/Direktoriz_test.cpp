@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "support/Direktoriz.h"
+#include "Plexor_io/Direktoriz.h"
 
 #include "support/Errors.h"
 #include "support/Temp_dir.h"

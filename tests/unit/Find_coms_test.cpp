@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Find_coms.h"
+#include "Plexor_io/Find_coms.h"
 
 #include "support/Captured_console.h"
 #include "support/Graph_makers.h"

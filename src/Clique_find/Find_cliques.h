@@ -4,9 +4,9 @@
 #define PLEXOR_FIND_CLIQUES_H
 
 #include "Clique_find/Clock.h"
-#include "Types.h"
+#include "Plexor_io/Console.h"
 #include "Vertex_maps.h"
-#include "support/Console.h"
+#include "graph/Types.h"
 
 #include <optional>
 

@@ -4,7 +4,7 @@
 #ifndef PLEXOR_NAME_INTERNER_H
 #define PLEXOR_NAME_INTERNER_H
 
-#include "Types.h"
+#include "graph/Types.h"
 
 #include <string_view>
 

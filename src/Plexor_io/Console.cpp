@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "support/Console.h"
+#include "Plexor_io/Console.h"
 
-#include "support/Write_all.h"
+#include "Plexor_io/Write_all.h"
 
 #include <ctime>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "support/Write_all.h"
+#include "Plexor_io/Write_all.h"
 
 #include <cerrno>
 #include <poll.h>

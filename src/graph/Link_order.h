@@ -3,7 +3,7 @@
 #ifndef PLEXOR_LINK_ORDER_H
 #define PLEXOR_LINK_ORDER_H
 
-#include "Types.h"
+#include "graph/Types.h"
 
 namespace cpm {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "Plexor_io/Convert_links.h"
+#include "graph/Convert_links.h"
 
-#include "Link_order.h"
+#include "graph/Link_order.h"
 
 #include <utility>
 

@@ -3,7 +3,7 @@
 #ifndef PLEXOR_CONVERT_LINKS_H
 #define PLEXOR_CONVERT_LINKS_H
 
-#include "Types.h"
+#include "graph/Types.h"
 
 namespace cpm {
 

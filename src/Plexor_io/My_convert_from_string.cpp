@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "support/My_convert_from_string.h"
+#include "Plexor_io/My_convert_from_string.h"
 
-#include "support/My_string_to_d.h"
+#include "Plexor_io/My_string_to_d.h"
 
 #include <algorithm>
 #include <array>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Find_coms.h"
+#include "Plexor_io/Find_coms.h"
 
 #include "Coms_funcs/Intensity_coms.h"
 #include "Coms_funcs/K_cliques.h"
@@ -7,7 +7,7 @@
 #include "Plexor_io/Kiir_com_graph.h"
 #include "Plexor_io/Kiir_coms.h"
 #include "Plexor_io/Kiir_stats.h"
-#include "support/My_int2string.h"
+#include "Plexor_io/My_int2string.h"
 
 #include <utility>
 

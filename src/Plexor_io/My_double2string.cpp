@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "support/My_double2string.h"
+#include "Plexor_io/My_double2string.h"
 
-#include "support/Text_sink.h"
+#include "Plexor_io/Text_sink.h"
 
 namespace cpm {
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "support/Direktoriz.h"
+#include "Plexor_io/Direktoriz.h"
 
+#include "Plexor_io/My_int2string.h"
 #include "support/Errors.h"
-#include "support/My_int2string.h"
 
 #include <algorithm>
 #include <array>

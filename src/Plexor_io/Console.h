@@ -4,7 +4,7 @@
 #ifndef PLEXOR_CONSOLE_H
 #define PLEXOR_CONSOLE_H
 
-#include "support/Text_sink.h"
+#include "Plexor_io/Text_sink.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -3,16 +3,16 @@
 #ifndef PLEXOR_FIND_COMS_H
 #define PLEXOR_FIND_COMS_H
 
+#include "Clique_find/Find_cliques.h"
 #include "Coms_funcs/Community_graph.h"
 #include "Coms_funcs/Pair_table.h"
 #include "Coms_funcs/Percolation.h"
 #include "Coms_funcs/Stale_overlaps.h"
-#include "Find_cliques.h"
+#include "Plexor_io/Console.h"
 #include "Plexor_io/Link_lines.h"
 #include "Plexor_io/Name_labels.h"
 #include "Plexor_io/Run_settings.h"
-#include "Types.h"
-#include "support/Console.h"
+#include "graph/Types.h"
 
 #include <cstddef>
 #include <cstdint>
