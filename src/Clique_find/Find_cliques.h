@@ -4,9 +4,9 @@
 #define PLEXOR_FIND_CLIQUES_H
 
 #include "Clique_find/Clock.h"
-#include "Plexor_io/Console.h"
 #include "Vertex_maps.h"
 #include "graph/Types.h"
+#include "support/Progress.h"
 
 #include <optional>
 
@@ -33,7 +33,7 @@ struct Graph {
 /// Finds all maximal cliques of three nodes or more. With a time limit (seconds a node, measured by
 /// the clock) the nodes that take longer are given up, and their cliques approximated.
 void Find_cliques(Found_cliques& found, Graph const& graph, std::optional<double> max_time_per_node,
-                  Clock const& clock, Console& console);
+                  Clock& clock, Progress& progress);
 
 } // namespace cpm
 
