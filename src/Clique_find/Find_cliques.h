@@ -4,8 +4,8 @@
 #define PLEXOR_FIND_CLIQUES_H
 
 #include "Clique_find/Clock.h"
-#include "Vertex_maps.h"
 #include "graph/Types.h"
+#include "records/Vertex_maps.h"
 #include "support/Progress.h"
 
 #include <optional>

@@ -6,7 +6,7 @@
 
 #include "Plexor_io/Reports.h"
 #include "Plexor_io/Text_sink.h"
-#include "Vertex_maps.h"
+#include "records/Vertex_maps.h"
 #include "support/Graph_makers.h"
 
 #include <algorithm>

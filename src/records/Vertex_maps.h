@@ -4,9 +4,9 @@
 #ifndef PLEXOR_VERTEX_MAPS_H
 #define PLEXOR_VERTEX_MAPS_H
 
-#include "Vtx.h"
-#include "Vtxd.h"
 #include "graph/Types.h"
+#include "records/Vtx.h"
+#include "records/Vtxd.h"
 
 #include <string>
 #include <vector>

@@ -5,7 +5,7 @@
 #ifndef PLEXOR_VTXD_H
 #define PLEXOR_VTXD_H
 
-#include "Vtx.h"
+#include "records/Vtx.h"
 
 namespace cpm {
 
