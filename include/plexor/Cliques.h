@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The maximal cliques of a graph.
-#ifndef PLEXOR_CLIQUES_H
-#define PLEXOR_CLIQUES_H
+#ifndef PLEXOR_API_CLIQUES_H
+#define PLEXOR_API_CLIQUES_H
 
 #include <plexor/Graph.h>
 #include <plexor/Progress.h>
@@ -17,7 +17,7 @@ namespace plexor {
 struct Search_options {
     /// Seconds for each attempt at the cliques of one node. Nodes that take longer are given up in
     /// the end, and their cliques approximated by the nodes' neighbourhoods among those given up.
-    std::optional<double> time_limit;
+    std::optional<double> time_limit = std::nullopt;
     /// What measures it; null for the processor time of the calling thread.
     Clock* clock = nullptr;
     /// Whom to tell; null for nobody.
@@ -46,7 +46,8 @@ public:
     std::span<Node const> Members() const;
     std::span<std::uint64_t const> Offsets() const;
 
-    detail::Clique_data const& Data() const { return *data_; } ///< for the library itself
+    /// For the library itself.
+    std::shared_ptr<detail::Clique_data const> const& Data() const { return data_; }
 
 private:
     friend PLEXOR_API Cliques Find_cliques(Graph const& graph, Search_options const& options);

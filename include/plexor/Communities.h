@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // k-clique communities: the levels of k, from tight to loose.
-#ifndef PLEXOR_COMMUNITIES_H
-#define PLEXOR_COMMUNITIES_H
+#ifndef PLEXOR_API_COMMUNITIES_H
+#define PLEXOR_API_COMMUNITIES_H
 
 #include <plexor/Cliques.h>
 
@@ -82,7 +82,7 @@ private:
 struct Level_options {
     /// Communities of k-cliques whose geometric mean of link weights is above this, which go on
     /// where the k-1 shared nodes are above it, too.
-    std::optional<double> intensity;
+    std::optional<double> intensity = std::nullopt;
     /// Whom to tell; null for nobody.
     Progress* progress = nullptr;
 };

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The one exception type of the library.
-#ifndef PLEXOR_ERROR_H
-#define PLEXOR_ERROR_H
+#ifndef PLEXOR_API_ERROR_H
+#define PLEXOR_API_ERROR_H
 
 #include <plexor/Export.h>
 

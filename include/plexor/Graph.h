@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Graph: a network, ready to be searched.
-#ifndef PLEXOR_GRAPH_H
-#define PLEXOR_GRAPH_H
+#ifndef PLEXOR_API_GRAPH_H
+#define PLEXOR_API_GRAPH_H
 
 #include <plexor/Export.h>
 
@@ -37,8 +37,8 @@ struct Graph_options {
     bool directed = false;
     /// Links whose weight is not above `above`, or not below `below`, are left out, one by one as
     /// they are given, before the weights of repeated links are added up.
-    std::optional<double> above;
-    std::optional<double> below;
+    std::optional<double> above = std::nullopt;
+    std::optional<double> below = std::nullopt;
 };
 
 namespace detail {
@@ -81,7 +81,8 @@ public:
     Edge Link(std::size_t position) const;
     double Weight(std::size_t position) const;
 
-    detail::Graph_data const& Data() const { return *data_; } ///< for the library itself
+    /// For the library itself.
+    std::shared_ptr<detail::Graph_data const> const& Data() const { return data_; }
 
 private:
     explicit Graph(std::shared_ptr<detail::Graph_data const> data);

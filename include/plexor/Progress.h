@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // How a program watches long computations, and ends them; and the clock of time limits.
-#ifndef PLEXOR_PROGRESS_H
-#define PLEXOR_PROGRESS_H
+#ifndef PLEXOR_API_PROGRESS_H
+#define PLEXOR_API_PROGRESS_H
 
 #include <plexor/Export.h>
 
@@ -31,8 +31,8 @@ public:
 class PLEXOR_API Clock {
 public:
     virtual ~Clock();
-    /// An attempt begins; its time counts from the value returned.
-    virtual double Start() { return Now(); }
+    /// An attempt begins; its time counts from the next reading.
+    virtual void Start();
     virtual double Now() = 0;
 };
 
