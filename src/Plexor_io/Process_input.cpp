@@ -40,9 +40,10 @@ void Take_out_dir(Switch_params const& params, Input_request& request) {
     if (!Take_param(out_dir, name, params, request)) {
         return;
     }
-    // Without this, the files of the run would go to the root of the file system.
+    // Without this, the files of the run would go to the root of the file system. With -I the name
+    // is not empty in the end: it gets the ending of the intensity.
     std::vector<std::string> const& values = params[name];
-    if (!values.empty() && out_dir.empty()) {
+    if (!values.empty() && out_dir.empty() && !params.contains("-I")) {
         request.error_text += Unable_to_interpret(out_dir, name);
         request.error = true;
     }
