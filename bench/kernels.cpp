@@ -14,6 +14,7 @@
 #include "Plexor_io/Kiir_coms.h"
 #include "Plexor_io/Link_lines.h"
 #include "Plexor_io/Read_links.h"
+#include "Plexor_io/Result_place.h"
 #include "graph/Convert_links.h"
 #include "graph/Types.h"
 
@@ -285,12 +286,22 @@ std::int64_t Bytes_below(std::string const& directory) {
     return static_cast<std::int64_t>(bytes);
 }
 
+// An empty place for results, of which nothing is timed.
+Result_place Emptied(std::string const& directory, benchmark::State& state) {
+    state.PauseTiming();
+    std::filesystem::remove_all(directory);
+    Result_place place(directory);
+    state.ResumeTiming();
+    return place;
+}
+
 void Writing_cliques(benchmark::State& state) {
     Prepared& network = Network_of(state);
     Scratch const out;
     for (auto _ : state) {
-        Kiir_cliques_PX(out.Path(), network.cliques, *network.labels, network.cliques.size(), "",
-                        "", network.silent.Get());
+        Result_place place = Emptied(out.Path(), state);
+        Kiir_cliques_PX(place, network.cliques, *network.labels, network.cliques.size(), "", "",
+                        network.silent.Get());
     }
     state.SetBytesProcessed(state.iterations() * Bytes_below(out.Path()));
 }
@@ -301,9 +312,10 @@ void Writing_communities(benchmark::State& state) {
     Scratch const out;
     Console& console = network.silent.Get();
     for (auto _ : state) {
-        Kiir_coms_PX(level.coms, out.Path(), 3, *network.labels, "", "", console);
-        Kiir_coms_cliques_PX(level.coms, out.Path(), 3, network.cliques.size(), "", "", console);
-        Kiir_com_links_PX(level.coms, out.Path(), 3, level.lines, "", "", console);
+        Result_place place = Emptied(out.Path(), state);
+        Kiir_coms_PX(level.coms, place, 3, *network.labels, "", "", console);
+        Kiir_coms_cliques_PX(level.coms, place, 3, network.cliques.size(), "", "", console);
+        Kiir_com_links_PX(level.coms, place, 3, level.lines, "", "", console);
     }
     state.SetBytesProcessed(state.iterations() * Bytes_below(out.Path()));
 }
@@ -314,8 +326,9 @@ void Writing_the_community_graph(benchmark::State& state) {
     Scratch const out;
     Community_graph graph;
     for (auto _ : state) {
+        Result_place place = Emptied(out.Path(), state);
         Prepare_community_graph(level.coms, graph);
-        Kiir_com_graph_PX(graph, level.coms.n_exact, out.Path(), 3, "", "", network.silent.Get());
+        Kiir_com_graph_PX(graph, level.coms.n_exact, place, 3, "", "", network.silent.Get());
     }
     state.SetBytesProcessed(state.iterations() * Bytes_below(out.Path()));
 }

@@ -28,17 +28,18 @@ namespace {
 
 using namespace cpm;
 
-// From the command line to the links by node index; the first files are written on the way.
-void Read(int argc, char** argv, Run_settings& run, Index_links& links, Names_map& names,
-          Console& console) {
+// From the command line to the links by node index; the first files are written on the way. Gives
+// the place for the others.
+Result_place Read(int argc, char** argv, Run_settings& run, Index_links& links, Names_map& names,
+                  Console& console) {
     console.Put_line(" Reading input ...");
     console.Flush();
     Link_map named_links;
     Process_input(argc, argv, run, named_links, console);
     Extend_alap_szoveg(run.header_text, run);
-    Check_out_dir(run.out_dir);
-    Kiir_params(run.out_dir, run.header_text, console);
-    Kiir_graph(named_links, run.out_dir, run.directed, run.header_text, run.weighted, console);
+    Result_place place = Check_out_dir(run.out_dir);
+    Kiir_params(place, run.header_text, console);
+    Kiir_graph(named_links, place, run.directed, run.header_text, run.weighted, console);
     console.Put_line("_______________");
     console.Put_line(" Links read OK.");
     console.Put_line("____________________");
@@ -47,6 +48,7 @@ void Read(int argc, char** argv, Run_settings& run, Index_links& links, Names_ma
     console.Put(" Links converted OK, total number of ");
     console.Put_number(links.size());
     console.Put_line(" will be\n taken into account in the community finding.");
+    return place;
 }
 
 void Build_graph(Graph& graph, Index_links const& links, Run_settings const& run,
@@ -64,10 +66,10 @@ void Build_graph(Graph& graph, Index_links const& links, Run_settings const& run
     console.Put_line(" Graph created from the links OK.");
 }
 
-void Find_all_coms(Run_settings const& run, Found_cliques const& found, Index_links links,
-                   Name_labels const& labels, Node n_nodes, Console& console) {
+void Find_all_coms(Run_settings const& run, Result_place& place, Found_cliques const& found,
+                   Index_links links, Name_labels const& labels, Node n_nodes, Console& console) {
     std::uint32_t const largest = Max_clique_size_in_cl_vec(found.cliques);
-    Coms_finder finder({found, std::move(links), labels, n_nodes, largest, run}, console);
+    Coms_finder finder({found, std::move(links), labels, n_nodes, largest, run, place}, console);
     if (run.k_given) {
         finder.Find_coms(run.k);
         return;
@@ -82,7 +84,7 @@ void Run(int argc, char** argv, Console& console) {
     Run_settings run;
     Index_links links;
     Names_map names;
-    Read(argc, argv, run, links, names, console);
+    Result_place place = Read(argc, argv, run, links, names, console);
     auto const n_nodes = static_cast<Node>(names.size() - 1); // index 0 is no node
     Name_labels const labels(std::move(names));
     ::malloc_trim(0); // what reading needed goes back before the lists of the search grow beside it
@@ -98,10 +100,10 @@ void Run(int argc, char** argv, Console& console) {
     }
     console.Put_line("___________________________");
     console.Put_line(" Writing cliques to disk...");
-    Kiir_cliques_PX(run.out_dir, found.cliques, labels, found.n_exact, run.com_flag,
-                    run.header_text, console);
+    Kiir_cliques_PX(place, found.cliques, labels, found.n_exact, run.com_flag, run.header_text,
+                    console);
     console.Put_line(" done.");
-    Find_all_coms(run, found, std::move(links), labels, n_nodes, console);
+    Find_all_coms(run, place, found, std::move(links), labels, n_nodes, console);
     Print_banner(console);
 }
 

@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <dirent.h>
+#include <fcntl.h>
 #include <iostream>
 #include <iterator>
 #include <sys/stat.h>
@@ -50,6 +51,25 @@ bool Read_names(std::string const& path, std::vector<std::string>& names) {
     return true;
 }
 
+// Renames unless something has the new name, be it a link to nowhere; then errno is EEXIST.
+bool Rename_to_free(std::string const& old_path, std::string const& new_path) {
+    if (::renameat2(AT_FDCWD, old_path.c_str(), AT_FDCWD, new_path.c_str(), RENAME_NOREPLACE) ==
+        0) {
+        return true;
+    }
+    if (errno != EINVAL && errno != ENOSYS) {
+        return false;
+    }
+    // Some file systems cannot do this in one step. (Or the path would be moved into itself, which
+    // fails once more.)
+    struct stat status {};
+    if (::lstat(new_path.c_str(), &status) == 0) {
+        errno = EEXIST;
+        return false;
+    }
+    return ::rename(old_path.c_str(), new_path.c_str()) == 0;
+}
+
 void Check_flag(std::string const& function, std::string const& flag) {
     if (flag != "keep" && flag != "clear" && flag != "interactive") {
         throw Xerror_msg("ERROR: " + function + "() called with unknown flag '" + flag + "'");
@@ -70,6 +90,12 @@ char Ask(std::string const& question) {
     char answer = 0;
     std::cin >> answer;
     return answer;
+}
+
+[[noreturn]] void Cannot_rename(std::string const& old_path, std::string const& new_path) {
+    std::string const reason = Dir_error(errno);
+    throw Xerror_msg("ERROR: Rename_the_path() called with " + old_path + " and " + new_path +
+                     " and \n" + reason);
 }
 
 [[noreturn]] void Stop() {
@@ -179,6 +205,9 @@ void Make_dir(std::string const& path) {
         bool const missing = !prefix.empty() && !Is_there_such_path(prefix);
         if (missing && ::mkdir(prefix.c_str(), dir_mode) != 0) {
             std::string const reason = Dir_error(errno);
+            if (Is_there_such_path(prefix)) {
+                continue; // another program was quicker
+            }
             throw Xerror_msg("ERROR: Make_dir() called with " + prefix + " and \n" + reason);
         }
     }
@@ -215,18 +244,18 @@ void Delete_dir(std::string const& path) {
 
 void Rename_the_path(std::string const& old_path, std::string const& new_path) {
     if (::rename(old_path.c_str(), new_path.c_str()) != 0) {
-        std::string const reason = Dir_error(errno);
-        throw Xerror_msg("ERROR: Rename_the_path() called with " + old_path + " and " + new_path +
-                         " and \n" + reason);
+        Cannot_rename(old_path, new_path);
     }
 }
 
 void Rename_auto(std::string const& path) {
     unsigned number = 1;
-    while (Is_there_such_path(path + number)) {
+    while (!Rename_to_free(path, path + number)) {
+        if (errno != EEXIST) {
+            Cannot_rename(path, path + number);
+        }
         ++number;
     }
-    Rename_the_path(path, path + number);
 }
 
 void Rename_path(std::string const& old_path, std::string const& new_path,

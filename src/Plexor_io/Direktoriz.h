@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // The file system: what is at a path, listing, making and removing directories, absolute paths.
 // Every failure is an Xerror_msg that names the function, the path and the sentence of Dir_error().
-// Nothing is retried and nothing already done is undone; nobody else is expected to change the same
-// paths at the same time.
+// Nothing is retried and nothing already done is undone. Somebody else may change the same paths at
+// the same time: then a step may fail or find something else, but nothing is ever replaced by what
+// is moved aside.
 #ifndef PLEXOR_DIREKTORIZ_H
 #define PLEXOR_DIREKTORIZ_H
 
@@ -36,7 +37,8 @@ Dir_listing List_dir(std::string const& path);
 /// it points to is not part of the tree. Throws as List_dir() does.
 Dir_listing List_dir_rec(std::string const& path);
 
-/// Makes the directory and every missing parent, with permissions 0755.
+/// Makes the directory and every missing parent, with permissions 0755. What another program makes
+/// in the meantime is taken as if it had been there before.
 void Make_dir(std::string const& path);
 
 /// Removes an empty directory.
@@ -46,7 +48,8 @@ void Unlink_file(std::string const& path);
 void Delete_dir(std::string const& path);
 
 void Rename_the_path(std::string const& old_path, std::string const& new_path);
-/// Moves the path aside, to the first free one among the path followed by 1, 2, 3, ...
+/// Moves the path aside, to the first free one among the path followed by 1, 2, 3, ... One is free
+/// when nothing at all is there, not even a link to nowhere.
 void Rename_auto(std::string const& path);
 /// Renames to a path that may be taken. What is there is moved aside ("keep"), removed ("clear"),
 /// or the user is asked whether to remove it ("interactive").

@@ -76,7 +76,7 @@ void Coms_finder::From_k_cliques(std::uint32_t k) {
                             run.intensity_threshold, console_);
     console_.Put_line("__________________________");
     console_.Put_line(" Writing k-clques to disk.");
-    Kiir_k_cliques_PX(run.out_dir, k_cliques, k, input_.labels, run.header_text, console_);
+    Kiir_k_cliques_PX(input_.place, k_cliques, k, input_.labels, run.header_text, console_);
     Intensity_coms_from_k_cliques(k_cliques, coms_, input_.links, run.intensity_threshold,
                                   console_);
     Write(k);
@@ -86,16 +86,16 @@ void Coms_finder::From_k_cliques(std::uint32_t k) {
 void Coms_finder::Write(std::uint32_t k) {
     Run_settings const& run = input_.run;
     console_.Put_line(" Writing commmunities to disk...");
-    Kiir_coms_PX(coms_, run.out_dir, k, input_.labels, run.com_flag, run.header_text, console_);
+    Kiir_coms_PX(coms_, input_.place, k, input_.labels, run.com_flag, run.header_text, console_);
     if (!run.intensity) {
-        Kiir_coms_cliques_PX(coms_, run.out_dir, k, input_.found.n_exact, run.com_flag,
+        Kiir_coms_cliques_PX(coms_, input_.place, k, input_.found.n_exact, run.com_flag,
                              run.header_text, console_);
     }
-    Kiir_com_links_PX(coms_, run.out_dir, k, link_lines_, run.com_flag, run.header_text, console_);
+    Kiir_com_links_PX(coms_, input_.place, k, link_lines_, run.com_flag, run.header_text, console_);
     console_.Put_line(" done.");
 
     Prepare_community_graph(coms_, graph_);
-    Kiir_com_graph_PX(graph_, coms_.n_exact, run.out_dir, k, run.com_flag, run.header_text,
+    Kiir_com_graph_PX(graph_, coms_.n_exact, input_.place, k, run.com_flag, run.header_text,
                       console_);
     console_.Put_line(" Calculating statistics...");
     Write_statistics(k);
@@ -121,7 +121,7 @@ void Coms_finder::Write_statistics(std::uint32_t k) {
     console_.Put_line(" done.");
     Run_settings const& run = input_.run;
     for (Part const& one : parts) {
-        Kiir_stats_PX(one.distributions, run.out_dir, k, run.com_flag, one.suffix, run.header_text,
+        Kiir_stats_PX(one.distributions, input_.place, k, run.com_flag, one.suffix, run.header_text,
                       console_);
     }
 }

@@ -11,6 +11,7 @@
 #include "Plexor_io/Console.h"
 #include "Plexor_io/Link_lines.h"
 #include "Plexor_io/Name_labels.h"
+#include "Plexor_io/Result_place.h"
 #include "Plexor_io/Run_settings.h"
 #include "graph/Types.h"
 
@@ -30,6 +31,7 @@ struct Coms_input {
     Node n_nodes;
     std::uint32_t largest_clique;
     Run_settings const& run;
+    Result_place& place; ///< for the files
 };
 
 /// Works on one k after the other. Going down from the largest, each k begins with what the one

@@ -43,9 +43,8 @@ void Extend_alap_szoveg(std::string& text, Run_settings const& settings) {
     }
 }
 
-void Kiir_params(std::string const& out_dir, std::string const& text, Console& console) {
-    Dir_prepare(out_dir, "keep");
-    Text_file file(out_dir + "/" + "input_params.txt", console);
+void Kiir_params(Result_place& place, std::string const& text, Console& console) {
+    Text_file file(place.Prepare().File("input_params.txt"), console);
     file.Put("# Plexor was run on links taken");
     file.Put(text);
 }

@@ -6,6 +6,7 @@
 
 #include "Plexor_io/Console.h"
 #include "Plexor_io/Read_links.h"
+#include "Plexor_io/Result_place.h"
 #include "Plexor_io/Run_settings.h"
 
 #include <string>
@@ -20,7 +21,7 @@ void Generate_alap_szoveg(std::string& text, std::string const& input_file,
 void Extend_alap_szoveg(std::string& text, Run_settings const& settings);
 
 /// Writes input_params.txt into the output directory, which is made if need be.
-void Kiir_params(std::string const& out_dir, std::string const& text, Console& console);
+void Kiir_params(Result_place& place, std::string const& text, Console& console);
 
 } // namespace cpm
 

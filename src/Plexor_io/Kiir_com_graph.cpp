@@ -24,11 +24,11 @@ struct Line_start {
 
 } // namespace
 
-void Kiir_com_graph_PX(Community_graph& graph, std::size_t n_exact_coms, std::string const& dir,
+void Kiir_com_graph_PX(Community_graph& graph, std::size_t n_exact_coms, Result_place& place,
                        std::uint32_t k, std::string const& com_flag, std::string const& alap_szoveg,
                        Console& console) {
-    Text_file file(
-        Prepare_k_dir(dir, k) + "/graph_of_" + Word_before(com_flag, '_') + "communities", console);
+    Text_file file(place.Prepare(k).File("graph_of_" + Word_before(com_flag, '_') + "communities"),
+                   console);
     // Deliberate: this header lacks the word "communities".
     file.Put("# The graph of " + Word_before(com_flag, ' ') + "at k=" + int2string(k) + "\n#" +
              alap_szoveg + '\n');

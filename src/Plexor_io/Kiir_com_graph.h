@@ -5,6 +5,7 @@
 
 #include "Coms_funcs/Community_graph.h"
 #include "Plexor_io/Console.h"
+#include "Plexor_io/Result_place.h"
 
 #include <cstdint>
 #include <string>
@@ -13,7 +14,7 @@ namespace cpm {
 
 /// Walks the graph, which counts the statistics on the way. The communities from `n_exact_coms` on
 /// hold approximated cliques, which "-" before their numbers shows.
-void Kiir_com_graph_PX(Community_graph& graph, std::size_t n_exact_coms, std::string const& dir,
+void Kiir_com_graph_PX(Community_graph& graph, std::size_t n_exact_coms, Result_place& place,
                        std::uint32_t k, std::string const& com_flag, std::string const& alap_szoveg,
                        Console& console);
 

@@ -9,9 +9,9 @@ namespace cpm {
 
 namespace {
 
-std::string Prepared_path(std::string const& dir, std::uint32_t k, std::string const& com_flag,
-                          std::string const& name) {
-    return Prepare_k_dir(dir, k) + "/" + Word_before(com_flag, '_') + name;
+New_file Prepared_file(Result_place& place, std::uint32_t k, std::string const& com_flag,
+                       std::string const& name) {
+    return place.Prepare(k).File(Word_before(com_flag, '_') + name);
 }
 
 // "# The <what>communities at k=<k>" and the description of the run.
@@ -23,10 +23,10 @@ void Put_header(std::string const& what, std::uint32_t k, std::string const& com
 
 } // namespace
 
-void Kiir_coms_PX(Communities const& coms, std::string const& dir, std::uint32_t k,
+void Kiir_coms_PX(Communities const& coms, Result_place& place, std::uint32_t k,
                   Name_labels const& labels, std::string const& com_flag,
                   std::string const& alap_szoveg, Console& console) {
-    Text_file file(Prepared_path(dir, k, com_flag, "communities"), console);
+    Text_file file(Prepared_file(place, k, com_flag, "communities"), console);
     Put_header("", k, com_flag, alap_szoveg, file);
     if (coms.n_exact < coms.size()) {
         file.Put("# Negative indices indicate approximate communities.\n");
@@ -37,10 +37,10 @@ void Kiir_coms_PX(Communities const& coms, std::string const& dir, std::uint32_t
     }
 }
 
-void Kiir_coms_cliques_PX(Communities const& coms, std::string const& dir, std::uint32_t k,
+void Kiir_coms_cliques_PX(Communities const& coms, Result_place& place, std::uint32_t k,
                           std::size_t n_exact_cliques, std::string const& com_flag,
                           std::string const& alap_szoveg, Console& console) {
-    Text_file file(Prepared_path(dir, k, com_flag, "communities_cliques"), console);
+    Text_file file(Prepared_file(place, k, com_flag, "communities_cliques"), console);
     Put_header("contained " + Word_before(com_flag, ' ') + "cliques in the ", k, com_flag,
                alap_szoveg, file);
     file.Put('\n');
@@ -56,10 +56,10 @@ void Kiir_coms_cliques_PX(Communities const& coms, std::string const& dir, std::
     }
 }
 
-void Kiir_com_links_PX(Communities const& coms, std::string const& dir, std::uint32_t k,
+void Kiir_com_links_PX(Communities const& coms, Result_place& place, std::uint32_t k,
                        Link_lines& lines, std::string const& com_flag,
                        std::string const& alap_szoveg, Console& console) {
-    Text_file file(Prepared_path(dir, k, com_flag, "communities_links"), console);
+    Text_file file(Prepared_file(place, k, com_flag, "communities_links"), console);
     Put_header("links inside the ", k, com_flag, alap_szoveg, file);
     file.Put('\n');
     Take_links const put_lines{

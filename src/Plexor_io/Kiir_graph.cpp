@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "Plexor_io/Kiir_graph.h"
 
-#include "Plexor_io/Direktoriz.h"
 #include "Plexor_io/Text_file.h"
 
 namespace cpm {
 
-void Kiir_graph(Link_map const& links, std::string const& out_dir, bool directed,
+void Kiir_graph(Link_map const& links, Result_place& place, bool directed,
                 std::string const& header_text, bool weighted, Console& console) {
-    Dir_prepare(out_dir, "keep");
-    Text_file file(out_dir + (directed ? "/directed_graph" : "/graph"), console);
+    Text_file file(place.Prepare().File(directed ? "directed_graph" : "graph"), console);
     file.Put("# The links");
     file.Put(header_text);
     // Deliberate: undirected runs say so although mutual links are listed. They become one link

@@ -4,6 +4,7 @@
 #define PLEXOR_KIIR_GRAPH_H
 
 #include "Plexor_io/Console.h"
+#include "Plexor_io/Result_place.h"
 #include "graph/Types.h"
 
 #include <string>
@@ -12,7 +13,7 @@ namespace cpm {
 
 /// One line a link, in the order of the link map, with the weight when `weighted`. A link and its
 /// reverse are two lines whatever the run.
-void Kiir_graph(Link_map const& links, std::string const& out_dir, bool directed,
+void Kiir_graph(Link_map const& links, Result_place& place, bool directed,
                 std::string const& header_text, bool weighted, Console& console);
 
 } // namespace cpm

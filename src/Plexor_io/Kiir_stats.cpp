@@ -7,17 +7,18 @@
 
 namespace cpm {
 
-void Kiir_stats_PX(Community_distributions const& distributions, std::string const& dir,
+void Kiir_stats_PX(Community_distributions const& distributions, Result_place& place,
                    std::uint32_t k, std::string const& com_flag, std::string const& suffix,
                    std::string const& alap_szoveg, Console& console) {
-    std::string const prefix = Prepare_k_dir(dir, k) + "/" + Word_before(com_flag, '_');
+    Prepared_dir const k_dir = place.Prepare(k);
     // Deliberate: the suffixes of a run begin with "_", so none of them gets the ".", and the blank
     // before "communities" follows even an empty one.
     std::string const whose = suffix + (suffix == "appr" ? "." : "") + Word_before(com_flag, ' ') +
                               " communities at k=" + int2string(k) + "\n#" + alap_szoveg;
     auto const write = [&](std::string const& name, Distribution const& distribution,
                            std::string const& what) {
-        Kiir_PX_dist(prefix + name + suffix, distribution, what + whose, console);
+        Kiir_PX_dist(k_dir.File(Word_before(com_flag, '_') + name + suffix), distribution,
+                     what + whose, console);
     };
     write("membership_distribution", distributions.membership,
           "# The node membership distr. in the ");
@@ -26,9 +27,9 @@ void Kiir_stats_PX(Community_distributions const& distributions, std::string con
     write("degree_distribution", distributions.degree, "# The com. degree distr. of the ");
 }
 
-void Kiir_PX_dist(std::string const& path, Distribution const& distribution,
+void Kiir_PX_dist(New_file const& new_file, Distribution const& distribution,
                   std::string const& header, Console& console) {
-    Text_file file(path, console);
+    Text_file file(new_file, console);
     file.Put(header);
     file.Put('\n');
     for (Value_count const& entry : distribution) {

@@ -20,6 +20,7 @@ using File_names = std::set<std::string>;
 // Nodes 1 to n, named after themselves, and cliques of which the first are exact.
 struct One_run {
     Temp_dir dir;
+    Result_place place{dir.Path() + "/out"};
     Captured_console console;
     Run_settings settings;
     Found_cliques found;
@@ -29,7 +30,6 @@ struct One_run {
     std::uint32_t largest = 0;
 
     One_run(Links const& all_links, Set_list const& cliques, std::size_t n_exact) {
-        settings.out_dir = dir.Path() + "/out";
         settings.header_text = " from net\n";
         found.cliques = cliques;
         found.n_exact = n_exact;
@@ -45,8 +45,8 @@ struct One_run {
             largest = std::max(largest, static_cast<std::uint32_t>(cliques[c].size()));
         }
     }
-    Coms_input Input() const {
-        return {found, links, *labels, Last_node(links), largest, settings};
+    Coms_input Input() {
+        return {found, links, *labels, Last_node(links), largest, settings, place};
     }
     void Find(std::uint32_t k) { Coms_finder(Input(), console).Find_coms(k); }
     File_names Files(std::uint32_t k) const {
@@ -67,7 +67,7 @@ struct One_run {
     }
 
 private:
-    std::string Path(std::uint32_t k) const { return settings.out_dir + "/k=" + std::to_string(k); }
+    std::string Path(std::uint32_t k) const { return dir.Path() + "/out/k=" + std::to_string(k); }
 };
 
 Links const two_triangles{{1, 2}, {1, 3}, {2, 3}, {3, 4}, {3, 5}, {4, 5}};

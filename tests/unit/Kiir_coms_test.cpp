@@ -28,23 +28,35 @@ struct Writing {
     }
     std::string Coms(Communities const& coms, std::string const& com_flag = "",
                      std::string const& file = "k=3/communities") {
-        Kiir_coms_PX(coms, dir.Path(), 3, Name_labels(names), com_flag, about, console);
-        return Read_file(dir.Path() + "/" + file);
+        std::string const out = Fresh();
+        Result_place place(out);
+        Kiir_coms_PX(coms, place, 3, Name_labels(names), com_flag, about, console);
+        return Read_file(out + "/" + file);
     }
     std::string Cliques(Communities const& coms, std::size_t n_exact_cliques,
                         std::string const& com_flag = "",
                         std::string const& file = "k=3/communities_cliques") {
-        Kiir_coms_cliques_PX(coms, dir.Path(), 3, n_exact_cliques, com_flag, about, console);
-        return Read_file(dir.Path() + "/" + file);
+        std::string const out = Fresh();
+        Result_place place(out);
+        Kiir_coms_cliques_PX(coms, place, 3, n_exact_cliques, com_flag, about, console);
+        return Read_file(out + "/" + file);
     }
     std::string Links(Communities const& coms, std::string const& com_flag = "",
                       std::string const& file = "k=3/communities_links") {
+        std::string const out = Fresh();
+        Result_place place(out);
         Pair_table const pairs(links, 4, {}, 0);
         Name_labels const labels(names);
         Link_lines lines(pairs, links, labels);
-        Kiir_com_links_PX(coms, dir.Path(), 3, lines, com_flag, about, console);
-        return Read_file(dir.Path() + "/" + file);
+        Kiir_com_links_PX(coms, place, 3, lines, com_flag, about, console);
+        return Read_file(out + "/" + file);
     }
+
+    /// A path for results that nothing has been written to.
+    std::string Fresh() { return dir.Path() + "/" + std::to_string(n_written_++); }
+
+private:
+    unsigned n_written_ = 0;
 };
 
 // Two communities, of which `n_exact` are exact. The links of the first one come in two pieces,
@@ -157,6 +169,7 @@ TEST(Kiir_com_links_PX, No_communities_leave_the_header) {
 
 TEST(Kiir_coms, Files_that_cannot_be_opened_are_told) {
     Writing writing;
+    Result_place place(writing.dir.Path());
     std::string expected;
     for (char const* const name : {"communities", "communities_cliques", "communities_links"}) {
         std::filesystem::create_directories(writing.dir.Path() + "/k=3/" + name);
@@ -166,9 +179,9 @@ TEST(Kiir_coms, Files_that_cannot_be_opened_are_told) {
     Pair_table const pairs(writing.links, 4, {}, 0);
     Name_labels const labels(writing.names);
     Link_lines lines(pairs, writing.links, labels);
-    Kiir_coms_PX(coms, writing.dir.Path(), 3, labels, "", about, writing.console);
-    Kiir_coms_cliques_PX(coms, writing.dir.Path(), 3, 9, "", about, writing.console);
-    Kiir_com_links_PX(coms, writing.dir.Path(), 3, lines, "", about, writing.console);
+    Kiir_coms_PX(coms, place, 3, labels, "", about, writing.console);
+    Kiir_coms_cliques_PX(coms, place, 3, 9, "", about, writing.console);
+    Kiir_com_links_PX(coms, place, 3, lines, "", about, writing.console);
     EXPECT_EQ(writing.console.Output(), expected);
 }
 
