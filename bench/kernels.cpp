@@ -300,8 +300,8 @@ void Writing_cliques(benchmark::State& state) {
     Scratch const out;
     for (auto _ : state) {
         Result_place place = Emptied(out.Path(), state);
-        Kiir_cliques_PX(place, network.cliques, *network.labels, network.cliques.size(), "", "",
-                        network.silent.Get());
+        Run_files files{place, "", "", network.silent.Get()};
+        Kiir_cliques_PX(network.cliques, network.cliques.size(), *network.labels, files);
     }
     state.SetBytesProcessed(state.iterations() * Bytes_below(out.Path()));
 }
@@ -313,9 +313,10 @@ void Writing_communities(benchmark::State& state) {
     Console& console = network.silent.Get();
     for (auto _ : state) {
         Result_place place = Emptied(out.Path(), state);
-        Kiir_coms_PX(level.coms, place, 3, *network.labels, "", "", console);
-        Kiir_coms_cliques_PX(level.coms, place, 3, network.cliques.size(), "", "", console);
-        Kiir_com_links_PX(level.coms, place, 3, level.lines, "", "", console);
+        Run_files files{place, "", "", console};
+        Kiir_coms_PX(level.coms, *network.labels, {files, 3});
+        Kiir_coms_cliques_PX(level.coms, network.cliques.size(), {files, 3});
+        Kiir_com_links_PX(level.coms, level.lines, {files, 3});
     }
     state.SetBytesProcessed(state.iterations() * Bytes_below(out.Path()));
 }
@@ -328,7 +329,8 @@ void Writing_the_community_graph(benchmark::State& state) {
     for (auto _ : state) {
         Result_place place = Emptied(out.Path(), state);
         Prepare_community_graph(level.coms, graph);
-        Kiir_com_graph_PX(graph, level.coms.n_exact, place, 3, "", "", network.silent.Get());
+        Run_files files{place, "", "", network.silent.Get()};
+        Kiir_com_graph_PX(graph, level.coms.n_exact, {files, 3});
     }
     state.SetBytesProcessed(state.iterations() * Bytes_below(out.Path()));
 }

@@ -24,6 +24,19 @@ void Approximate(Found_cliques& found, Core const& core, Progress& progress) {
 
 } // namespace
 
+Graph Graph_of_links(Index_links const& links, bool directed, bool timed) {
+    Graph graph;
+    graph.directed = directed;
+    if (directed) {
+        Dir_vtx_map_from_link_map(graph.dir_vertices, links);
+    } else if (timed) {
+        Vtx_map_from_link_map(graph.vertices, links);
+    } else {
+        graph.links = &links;
+    }
+    return graph;
+}
+
 void Find_cliques(Found_cliques& found, Graph const& graph, std::optional<double> max_time_per_node,
                   Clock& clock, Progress& progress) {
     if (!max_time_per_node) {

@@ -30,6 +30,9 @@ struct Graph {
     bool directed = false;
 };
 
+/// The graph of these links, which must outlive it, for a search with a time limit or one without.
+Graph Graph_of_links(Index_links const& links, bool directed, bool timed);
+
 /// Finds all maximal cliques of three nodes or more. With a time limit (seconds a node, measured by
 /// the clock) the nodes that take longer are given up, and their cliques approximated.
 void Find_cliques(Found_cliques& found, Graph const& graph, std::optional<double> max_time_per_node,

@@ -27,6 +27,8 @@ public:
     void Search_done(std::uint32_t n_cliques, bool complete) override;
     void Approximation_began() override;
     void Approximation_done(std::uint64_t n_exact, std::uint64_t n_approximated) override;
+    void Level_began(std::uint32_t k, std::uint32_t largest) override;
+    void Level_found() override;
 
 private:
     std::string_view Cliques() const { return search_.directed ? "directed cliques" : "cliques"; }
@@ -35,6 +37,15 @@ private:
     Clique_search search_;
     Text title_; ///< of the reports of the search
 };
+
+namespace Coms_report_sub {
+
+/// Writes which k is next and how much is done of the way from the largest clique to 3.
+void Report_com_export(std::uint32_t k, std::uint32_t kmax, Text_sink& sink);
+/// The number of characters of the decimal form of n.
+std::size_t Num_width(std::uint32_t n);
+
+} // namespace Coms_report_sub
 
 } // namespace cpm
 

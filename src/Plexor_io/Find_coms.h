@@ -8,12 +8,13 @@
 #include "Coms_funcs/Pair_table.h"
 #include "Coms_funcs/Percolation.h"
 #include "Coms_funcs/Stale_overlaps.h"
-#include "Plexor_io/Console.h"
 #include "Plexor_io/Link_lines.h"
 #include "Plexor_io/Name_labels.h"
+#include "Plexor_io/Result_files.h"
 #include "Plexor_io/Result_place.h"
 #include "Plexor_io/Run_settings.h"
 #include "graph/Types.h"
+#include "support/Progress.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -31,14 +32,14 @@ struct Coms_input {
     Node n_nodes;
     std::uint32_t largest_clique;
     Run_settings const& run;
-    Result_place& place; ///< for the files
 };
 
 /// Works on one k after the other. Going down from the largest, each k begins with what the one
 /// before has left in memory; the results do not depend on that.
 class Coms_finder {
 public:
-    Coms_finder(Coms_input input, Console& console);
+    /// The files and the progress must outlive this object.
+    Coms_finder(Coms_input input, Run_files& files, Progress& progress);
 
     /// Finds the communities at k and writes their files into the directory "k=<k>" of the output
     /// directory. Throws what the intensity of a k-clique and preparing the directory can throw.
@@ -48,10 +49,11 @@ private:
     void From_overlaps(std::uint32_t k);
     void From_k_cliques(std::uint32_t k);
     void Write(std::uint32_t k);
-    void Write_statistics(std::uint32_t k);
+    void Write_statistics(Level_files const& files);
 
     Coms_input input_;
-    Console& console_;
+    Run_files& files_;
+    Progress& progress_;
     Pair_table pairs_;
     Link_lines link_lines_;
     std::unique_ptr<Stale_overlaps> stale_;    ///< in the rare state that needs them
@@ -59,15 +61,6 @@ private:
     Communities coms_;                         ///< of the k under way
     Community_graph graph_;                    ///< likewise
 };
-
-namespace Coms_report_sub {
-
-/// Writes which k is next and how much is done of the way from the largest clique to 3.
-void Report_com_export(std::uint32_t k, std::uint32_t kmax, Text_sink& sink);
-/// The number of characters of the decimal form of n.
-std::size_t Num_width(std::uint32_t n);
-
-} // namespace Coms_report_sub
 
 } // namespace cpm
 

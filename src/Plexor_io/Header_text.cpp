@@ -43,10 +43,10 @@ void Extend_alap_szoveg(std::string& text, Run_settings const& settings) {
     }
 }
 
-void Kiir_params(Result_place& place, std::string const& text, Console& console) {
-    Text_file file(place.Prepare().File("input_params.txt"), console);
+void Kiir_params(Run_files& files) {
+    Text_file file(files.place.Prepare().File("input_params.txt"), files);
     file.Put("# Plexor was run on links taken");
-    file.Put(text);
+    file.Put(files.alap_szoveg);
 }
 
 } // namespace cpm

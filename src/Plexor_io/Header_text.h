@@ -4,9 +4,8 @@
 #ifndef PLEXOR_HEADER_TEXT_H
 #define PLEXOR_HEADER_TEXT_H
 
-#include "Plexor_io/Console.h"
 #include "Plexor_io/Read_links.h"
-#include "Plexor_io/Result_place.h"
+#include "Plexor_io/Result_files.h"
 #include "Plexor_io/Run_settings.h"
 
 #include <string>
@@ -21,7 +20,7 @@ void Generate_alap_szoveg(std::string& text, std::string const& input_file,
 void Extend_alap_szoveg(std::string& text, Run_settings const& settings);
 
 /// Writes input_params.txt into the output directory, which is made if need be.
-void Kiir_params(Result_place& place, std::string const& text, Console& console);
+void Kiir_params(Run_files& files);
 
 } // namespace cpm
 

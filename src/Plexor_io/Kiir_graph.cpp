@@ -5,11 +5,10 @@
 
 namespace cpm {
 
-void Kiir_graph(Link_map const& links, Result_place& place, bool directed,
-                std::string const& header_text, bool weighted, Console& console) {
-    Text_file file(place.Prepare().File(directed ? "directed_graph" : "graph"), console);
+void Kiir_graph(Link_map const& links, bool directed, bool weighted, Run_files& files) {
+    Text_file file(files.place.Prepare().File(directed ? "directed_graph" : "graph"), files);
     file.Put("# The links");
-    file.Put(header_text);
+    file.Put(files.alap_szoveg);
     // Deliberate: undirected runs say so although mutual links are listed. They become one link
     // only when the nodes get their indices.
     file.Put(directed ? "# (self-links were removed)\n\n"

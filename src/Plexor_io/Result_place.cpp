@@ -81,8 +81,4 @@ Prepared_dir Result_place::Prepare(std::uint32_t k) {
     return {*this, k_dir_, k_path_};
 }
 
-std::string Word_before(std::string const& word, char separator) {
-    return word.empty() ? word : word + separator;
-}
-
 } // namespace cpm

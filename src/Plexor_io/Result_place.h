@@ -22,7 +22,7 @@
 #ifndef PLEXOR_RESULT_PLACE_H
 #define PLEXOR_RESULT_PLACE_H
 
-#include "support/Open_dir.h"
+#include "Plexor_io/Open_dir.h"
 
 #include <cstdint>
 #include <string>
@@ -89,9 +89,6 @@ private:
     std::string k_path_; ///< of the directory of k prepared last; "" when there is none
     Open_dir k_dir_;
 };
-
-/// The word and the character behind it, or nothing when there is no word.
-std::string Word_before(std::string const& word, char separator);
 
 } // namespace cpm
 

@@ -7,10 +7,8 @@
 #include "Plexor_io/Console.h"
 #include "Plexor_io/Process_input.h"
 #include "Plexor_io/Run_settings.h"
-#include "graph/Types.h"
 #include "support/Progress.h"
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -31,12 +29,9 @@ struct Run_outcome {
     std::vector<std::string> not_written; ///< paths of result files, as the warnings have them
 };
 
-/// Fills an empty link map.
-using Link_source = std::function<void(Link_map& links)>;
-
-/// Does what the settings and the request ask for, with the links from `source`; prints the banner,
-/// all that `plexor` prints besides what it tells `progress`, and the text of the error that ends
-/// it. Throws nothing but what the progress throws that is no std::exception and no Cancelled.
+/// Does what the settings and the request ask for, with the links from `source`. Prints the
+/// banner, all that `plexor` prints besides what it tells `progress`, and the text of the error
+/// that ends it.
 Run_outcome Run(Run_settings const& settings, Input_request const& request,
                 Link_source const& source, Progress& progress, Console& console);
 

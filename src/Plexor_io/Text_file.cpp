@@ -14,9 +14,9 @@ constexpr std::size_t buffer_size = std::size_t{1} << 18;
 
 } // namespace
 
-Text_file::Text_file(New_file const& file, Console& console)
-    : path_(file.Path()), console_(console), buffer_(new char[buffer_size]),
-      descriptor_(file.Make()), failed_(descriptor_ < 0) {
+Text_file::Text_file(New_file const& file, Run_files& files)
+    : path_(file.Path()), files_(files), buffer_(new char[buffer_size]), descriptor_(file.Make()),
+      failed_(descriptor_ < 0) {
     Set_buffer(buffer_.get(), buffer_.get() + buffer_size);
 }
 
@@ -27,9 +27,10 @@ Text_file::~Text_file() {
         failed_ = true;
     }
     if (failed_) {
-        console_.Put(" WARNING: could not write '");
-        console_.Put(path_);
-        console_.Put_line("'.");
+        files_.console.Put(" WARNING: could not write '");
+        files_.console.Put(path_);
+        files_.console.Put_line("'.");
+        files_.not_written.push_back(std::move(path_));
     }
 }
 

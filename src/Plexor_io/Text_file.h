@@ -3,8 +3,7 @@
 #ifndef PLEXOR_TEXT_FILE_H
 #define PLEXOR_TEXT_FILE_H
 
-#include "Plexor_io/Console.h"
-#include "Plexor_io/Result_place.h"
+#include "Plexor_io/Result_files.h"
 #include "Plexor_io/Text_sink.h"
 
 #include <memory>
@@ -16,9 +15,9 @@ class Text_file : public Text_sink {
 public:
     /// Makes the file, once there is memory for its text. A file that cannot be made, as when
     /// something has its name, or later not be written whole, does not stop the run: closing it
-    /// says " WARNING: could not write '<path>'." on the console, once. Throws what
-    /// New_file::Make() does.
-    Text_file(New_file const& file, Console& console);
+    /// says " WARNING: could not write '<path>'." on the console, once,
+    /// and notes it in `files`. Throws what New_file::Make() does.
+    Text_file(New_file const& file, Run_files& files);
     ~Text_file() override;
 
 protected:
@@ -28,7 +27,7 @@ private:
     void Flush();
 
     std::string path_;
-    Console& console_;
+    Run_files& files_;
     // Before the descriptor: no file is left behind for which there is no memory.
     std::unique_ptr<char[]> buffer_;
     int descriptor_;

@@ -17,15 +17,8 @@ void Search(cpm::Found_cliques& found, detail::Graph_data const& graph,
             Search_options const& options) {
     detail::Told_progress progress(options.progress);
     detail::Told_clock clock(options.clock);
-    cpm::Graph searched;
-    searched.directed = graph.directed;
-    if (graph.directed) {
-        cpm::Dir_vtx_map_from_link_map(searched.dir_vertices, graph.links);
-    } else if (options.time_limit) {
-        cpm::Vtx_map_from_link_map(searched.vertices, graph.links);
-    } else {
-        searched.links = &graph.links;
-    }
+    cpm::Graph const searched =
+        cpm::Graph_of_links(graph.links, graph.directed, options.time_limit.has_value());
     cpm::Find_cliques(found, searched, options.time_limit, clock, progress);
 }
 

@@ -9,6 +9,10 @@
 
 namespace cpm {
 
+/// What Tick() throws to cancel. No std::exception: nobody between the progress and who waits for
+/// the result takes it for an error.
+struct Cancelled {};
+
 class Progress {
 public:
     Progress() = default;
@@ -43,6 +47,12 @@ public:
 
     virtual void Approximation_began() {}
     virtual void Approximation_done(std::uint64_t /*n_exact*/, std::uint64_t /*n_approximated*/) {}
+
+    // --- The communities of one k, from the cliques. ---
+
+    /// `largest` is the size of the largest clique, where the levels begin.
+    virtual void Level_began(std::uint32_t /*k*/, std::uint32_t /*largest*/) {}
+    virtual void Level_found() {}
 };
 
 } // namespace cpm

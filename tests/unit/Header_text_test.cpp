@@ -111,7 +111,8 @@ struct Params_file : testing::Test {
 
 TEST_F(Params_file, Holds_the_header_text_and_nothing_else) {
     Result_place place("a/out");
-    Kiir_params(place, " from here\n# more\n", console);
+    Run_files files{place, "", " from here\n# more\n", console};
+    Kiir_params(files);
     EXPECT_EQ(Read_file("a/out/input_params.txt"),
               "# Plexor was run on links taken from here\n# more\n");
     EXPECT_EQ(console.Output(), "");
@@ -125,7 +126,8 @@ TEST_F(Params_file, Describes_a_run_in_whole_lines) {
     settings.k = 4;
     Extend_alap_szoveg(text, settings);
     Result_place place("out");
-    Kiir_params(place, text, console);
+    Run_files files{place, "", text, console};
+    Kiir_params(files);
     EXPECT_EQ(Read_file("out/input_params.txt"),
               "# Plexor was run on links taken from " + here.Path() +
                   "/net.txt\n"
@@ -138,8 +140,12 @@ TEST_F(Params_file, Describes_a_run_in_whole_lines) {
 
 TEST_F(Params_file, Does_not_replace_an_older_one) {
     Result_place place("out");
-    Kiir_params(place, " of the first\n", console);
-    Kiir_params(place, " of the second\n", console);
+    Run_files first{place, "", " of the first\n", console};
+    Kiir_params(first);
+    Run_files second{place, "", " of the second\n", console};
+    Kiir_params(second);
+    EXPECT_TRUE(first.not_written.empty());
+    EXPECT_EQ(second.not_written, std::vector<std::string>{"out/input_params.txt"});
     EXPECT_EQ(Read_file("out/input_params.txt"), "# Plexor was run on links taken of the first\n");
     EXPECT_EQ(console.Output(), " WARNING: could not write 'out/input_params.txt'.\n");
 }
@@ -147,7 +153,8 @@ TEST_F(Params_file, Does_not_replace_an_older_one) {
 TEST_F(Params_file, A_file_in_place_of_the_directory_is_moved_aside) {
     Write_file("out", "x");
     Result_place place("out");
-    Kiir_params(place, "\n", console);
+    Run_files files{place, "", "\n", console};
+    Kiir_params(files);
     EXPECT_EQ(Read_file("out/input_params.txt"), "# Plexor was run on links taken\n");
     EXPECT_EQ(Read_file("out1"), "x");
 }
@@ -155,7 +162,8 @@ TEST_F(Params_file, A_file_in_place_of_the_directory_is_moved_aside) {
 TEST_F(Params_file, A_directory_that_cannot_be_made_is_an_error) {
     Write_file("file", "x");
     Result_place place("file/out");
-    EXPECT_THROW(Kiir_params(place, "\n", console), Xerror_msg);
+    Run_files files{place, "", "\n", console};
+    EXPECT_THROW(Kiir_params(files), Xerror_msg);
 }
 
 } // namespace

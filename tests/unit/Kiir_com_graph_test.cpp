@@ -25,7 +25,8 @@ struct Writing {
         Prepare_community_graph(coms, graph);
         std::string const out = Fresh();
         Result_place place(out);
-        Kiir_com_graph_PX(graph, n_exact, place, 4, com_flag, about, console);
+        Run_files files{place, com_flag, about, console};
+        Kiir_com_graph_PX(graph, n_exact, {files, 4});
         return Read_file(out + "/" + file);
     }
 

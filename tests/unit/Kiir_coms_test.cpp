@@ -30,7 +30,8 @@ struct Writing {
                      std::string const& file = "k=3/communities") {
         std::string const out = Fresh();
         Result_place place(out);
-        Kiir_coms_PX(coms, place, 3, Name_labels(names), com_flag, about, console);
+        Run_files files{place, com_flag, about, console};
+        Kiir_coms_PX(coms, Name_labels(names), {files, 3});
         return Read_file(out + "/" + file);
     }
     std::string Cliques(Communities const& coms, std::size_t n_exact_cliques,
@@ -38,7 +39,8 @@ struct Writing {
                         std::string const& file = "k=3/communities_cliques") {
         std::string const out = Fresh();
         Result_place place(out);
-        Kiir_coms_cliques_PX(coms, place, 3, n_exact_cliques, com_flag, about, console);
+        Run_files files{place, com_flag, about, console};
+        Kiir_coms_cliques_PX(coms, n_exact_cliques, {files, 3});
         return Read_file(out + "/" + file);
     }
     std::string Links(Communities const& coms, std::string const& com_flag = "",
@@ -48,7 +50,8 @@ struct Writing {
         Pair_table const pairs(links, 4, {}, 0);
         Name_labels const labels(names);
         Link_lines lines(pairs, links, labels);
-        Kiir_com_links_PX(coms, place, 3, lines, com_flag, about, console);
+        Run_files files{place, com_flag, about, console};
+        Kiir_com_links_PX(coms, lines, {files, 3});
         return Read_file(out + "/" + file);
     }
 
@@ -179,9 +182,10 @@ TEST(Kiir_coms, Files_that_cannot_be_opened_are_told) {
     Pair_table const pairs(writing.links, 4, {}, 0);
     Name_labels const labels(writing.names);
     Link_lines lines(pairs, writing.links, labels);
-    Kiir_coms_PX(coms, place, 3, labels, "", about, writing.console);
-    Kiir_coms_cliques_PX(coms, place, 3, 9, "", about, writing.console);
-    Kiir_com_links_PX(coms, place, 3, lines, "", about, writing.console);
+    Run_files files{place, "", about, writing.console};
+    Kiir_coms_PX(coms, labels, {files, 3});
+    Kiir_coms_cliques_PX(coms, 9, {files, 3});
+    Kiir_com_links_PX(coms, lines, {files, 3});
     EXPECT_EQ(writing.console.Output(), expected);
 }
 

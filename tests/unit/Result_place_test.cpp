@@ -172,11 +172,5 @@ TEST_F(Result_places, A_file_with_too_long_a_path_counts_as_not_writable) {
     EXPECT_FALSE(Make(dir.File("five5")));
 }
 
-TEST(Result_place, Nothing_stands_before_the_name_without_a_word) {
-    EXPECT_EQ(Word_before("", '_'), "");
-    EXPECT_EQ(Word_before("directed", '_'), "directed_");
-    EXPECT_EQ(Word_before("intensity", ' '), "intensity ");
-}
-
 } // namespace
 } // namespace cpm

@@ -29,6 +29,7 @@ struct Text_files : testing::Test {
     Temp_dir here;
     Captured_console console;
     Result_place place{"."};
+    Run_files files{place, "", "", console};
 
     New_file File(std::string const& name) { return place.Prepare().File(name); }
 };
@@ -55,7 +56,7 @@ private:
 
 TEST_F(Text_files, Hold_what_is_put) {
     {
-        Text_file file(File("out"), console);
+        Text_file file(File("out"), files);
         file.Put("a line\n");
         file.Put_number(12);
         file.Put('\n');
@@ -65,16 +66,16 @@ TEST_F(Text_files, Hold_what_is_put) {
 }
 
 TEST_F(Text_files, Exist_even_when_nothing_is_put) {
-    { Text_file const file(File("out"), console); }
+    { Text_file const file(File("out"), files); }
     EXPECT_EQ(Read_file("out"), "");
     EXPECT_EQ(console.Output(), "");
 }
 
 TEST_F(Text_files, Do_not_touch_an_older_file) {
-    { Text_file const first(File("first"), console); }
+    { Text_file const first(File("first"), files); }
     Write_file("out", "an older text");
     {
-        Text_file file(File("out"), console);
+        Text_file file(File("out"), files);
         file.Put("new");
     }
     EXPECT_EQ(Read_file("out"), "an older text");
@@ -82,13 +83,13 @@ TEST_F(Text_files, Do_not_touch_an_older_file) {
 }
 
 TEST_F(Text_files, Follow_no_link) {
-    { Text_file const first(File("first"), console); }
+    { Text_file const first(File("first"), files); }
     Write_file("foreign", "kept");
     std::filesystem::create_symlink("foreign", "out");
     std::filesystem::create_symlink("nowhere", "dangling");
     {
-        Text_file out(File("out"), console);
-        Text_file dangling(File("dangling"), console);
+        Text_file out(File("out"), files);
+        Text_file dangling(File("dangling"), files);
         out.Put("new");
         dangling.Put("new");
     }
@@ -99,16 +100,16 @@ TEST_F(Text_files, Follow_no_link) {
 }
 
 TEST_F(Text_files, Do_not_wait_for_the_other_end_of_a_pipe) {
-    { Text_file const first(File("first"), console); }
+    { Text_file const first(File("first"), files); }
     ASSERT_EQ(::mkfifo("out", 0600), 0);
-    { Text_file const file(File("out"), console); }
+    { Text_file const file(File("out"), files); }
     EXPECT_EQ(console.Output(), " WARNING: could not write './out'.\n");
 }
 
 TEST_F(Text_files, May_be_larger_than_the_buffer) {
     std::string expected;
     {
-        Text_file file(File("out"), console);
+        Text_file file(File("out"), files);
         for (int i = 0; i < 50; ++i) {
             std::string const part(9973, static_cast<char>('a' + i % 26));
             file.Put(part);
@@ -124,7 +125,7 @@ TEST_F(Text_files, May_be_larger_than_the_buffer) {
 
 TEST_F(Text_files, May_be_read_by_everybody) {
     mode_t const before = ::umask(0);
-    { Text_file const file(File("out"), console); }
+    { Text_file const file(File("out"), files); }
     ::umask(before);
     struct stat status {};
     ASSERT_EQ(::stat("out", &status), 0);
@@ -133,7 +134,7 @@ TEST_F(Text_files, May_be_read_by_everybody) {
 
 TEST_F(Text_files, A_path_that_cannot_be_opened_is_reported) {
     {
-        Text_file file(File("missing/out"), console);
+        Text_file file(File("missing/out"), files);
         file.Put("text");
         EXPECT_EQ(console.Output(), "");
     }
@@ -141,16 +142,16 @@ TEST_F(Text_files, A_path_that_cannot_be_opened_is_reported) {
 }
 
 TEST_F(Text_files, A_directory_in_the_way_is_reported) {
-    { Text_file const first(File("first"), console); }
+    { Text_file const first(File("first"), files); }
     std::filesystem::create_directory("out");
-    { Text_file const file(File("out"), console); }
+    { Text_file const file(File("out"), files); }
     EXPECT_EQ(console.Output(), " WARNING: could not write './out'.\n");
 }
 
 TEST_F(Text_files, A_full_disk_is_reported_once) {
     {
         File_size_limit const limit(5000); // much more than the console says
-        Text_file file(File("out"), console);
+        Text_file file(File("out"), files);
         for (int i = 0; i < 5; ++i) {
             file.Put(std::string(1000000, 'x'));
         }
@@ -161,7 +162,7 @@ TEST_F(Text_files, A_full_disk_is_reported_once) {
 TEST_F(Text_files, A_disk_that_is_full_at_the_last_bytes_is_reported) {
     {
         File_size_limit const limit(5000);
-        Text_file file(File("out"), console);
+        Text_file file(File("out"), files);
         file.Put(std::string(6000, 'x')); // not enough to be written before the end
     }
     EXPECT_EQ(console.Output(), " WARNING: could not write './out'.\n");
@@ -169,9 +170,9 @@ TEST_F(Text_files, A_disk_that_is_full_at_the_last_bytes_is_reported) {
 }
 
 TEST_F(Text_files, Each_file_that_fails_is_reported) {
-    { Text_file const file(File("missing/1"), console); }
-    { Text_file const file(File("2"), console); }
-    { Text_file const file(File("missing/3"), console); }
+    { Text_file const file(File("missing/1"), files); }
+    { Text_file const file(File("2"), files); }
+    { Text_file const file(File("missing/3"), files); }
     EXPECT_EQ(console.Output(), " WARNING: could not write './missing/1'.\n"
                                 " WARNING: could not write './missing/3'.\n");
 }
@@ -191,7 +192,7 @@ TEST_F(Text_files, Are_not_made_without_memory_for_their_text) {
         while (new (std::nothrow) char[piece] != nullptr) {
         }
         try {
-            Text_file const text(file, console);
+            Text_file const text(file, files);
         } catch (std::bad_alloc const&) {
             ::_exit(0);
         }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "support/Open_dir.h"
+#include "Plexor_io/Open_dir.h"
 
 #include <cerrno>
 #include <dirent.h>
