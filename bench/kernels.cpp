@@ -2,9 +2,9 @@
 // What each stage of a run costs by itself, on networks made here. Every benchmark counts the work
 // it has done beside the time: a change of a counter is a change of the result.
 #include "Clique_find/Clique_find.h"
+#include "Coms_funcs/Adjacent_cliques.h"
 #include "Coms_funcs/Community_graph.h"
-#include "Coms_funcs/Overlap_index.h"
-#include "Coms_funcs/Pair_table.h"
+#include "Coms_funcs/Edge_numbering.h"
 #include "Coms_funcs/Percolation.h"
 #include "Networks.h"
 #include "Plexor_io/Console.h"
@@ -12,7 +12,7 @@
 #include "Plexor_io/Kiir_cliques.h"
 #include "Plexor_io/Kiir_com_graph.h"
 #include "Plexor_io/Kiir_coms.h"
-#include "Plexor_io/Link_lines.h"
+#include "Plexor_io/Link_writer.h"
 #include "Plexor_io/Read_links.h"
 #include "Plexor_io/Result_place.h"
 #include "graph/Convert_links.h"
@@ -119,7 +119,7 @@ struct Prepared {
             largest = std::max(largest, static_cast<std::uint32_t>(cliques[c].size()));
         }
         n_nodes = static_cast<Node>(names.size() - 1);
-        pairs = Pair_table(links, n_nodes, cliques, cliques.size());
+        pairs = Edge_numbering(links, n_nodes, cliques, cliques.size());
         labels.emplace(names);
     }
 
@@ -130,7 +130,7 @@ struct Prepared {
     Names_map names;
     std::optional<Name_labels> labels;
     Set_list cliques;
-    Pair_table pairs;
+    Edge_numbering pairs;
     std::uint32_t largest = 0;
     Node n_nodes = 0;
 };
@@ -188,32 +188,32 @@ void Clique_search(benchmark::State& state) {
 }
 
 // The index alone: set up, and every clique listed as at the lowest level.
-void Overlap_setup(benchmark::State& state) {
+void Setting_up_adjacent_cliques(benchmark::State& state) {
     Prepared& network = Network_of(state);
     for (auto _ : state) {
-        Overlap_index index(network.cliques, network.n_nodes);
+        Adjacent_cliques index(network.cliques, network.n_nodes);
         index.Start_level(2, 3);
-        benchmark::DoNotOptimize(index.Is_claimed(0));
+        benchmark::DoNotOptimize(index.Is_visited(0));
     }
     state.counters["members"] = Count(network.cliques.Total());
 }
 
-// Every clique asked once for its unclaimed partners at k = 4, in the order of their numbers.
-void Overlap_partners(benchmark::State& state) {
+// Every clique asked once for its unvisited adjacent at k = 4, in the order of their numbers.
+void Visiting_adjacent_cliques(benchmark::State& state) {
     Prepared& network = Network_of(state);
-    Overlap_index index(network.cliques, network.n_nodes);
-    Flat_array<Partner> partners;
+    Adjacent_cliques index(network.cliques, network.n_nodes);
+    Flat_array<Adjacent_clique> adjacent;
     for (auto _ : state) {
         index.Start_level(3, 4);
-        partners.clear();
+        adjacent.clear();
         for (std::size_t c = 0; c < network.cliques.size(); ++c) {
             if (network.cliques[c].size() >= 4) {
-                index.Claim_partners({static_cast<Clique_number>(c), Overlap_index::all_new},
-                                     partners);
+                index.Visit_adjacent({static_cast<Clique_number>(c), Adjacent_cliques::all_new},
+                                     adjacent);
             }
         }
     }
-    state.counters["claimed"] = Count(partners.size());
+    state.counters["visited"] = Count(adjacent.size());
 }
 
 void Percolating_all_k(benchmark::State& state) {
@@ -240,7 +240,7 @@ struct Lowest_level {
         percolation.Coms_from_appr_ovlp_matr(coms, 3);
     }
     Percolation percolation;
-    Link_lines lines;
+    Link_writer lines;
     Communities coms;
 };
 
@@ -249,7 +249,7 @@ void Links_of_communities(benchmark::State& state) {
     Prepared& network = Network_of(state);
     Lowest_level level(network);
     Text text;
-    Take_links const put_lines{
+    Link_visitor const put_lines{
         .numbers = [&](std::span<Link_number const> numbers) { level.lines.Put(numbers, text); },
         .all_pairs = [&](Node_set nodes) { level.lines.Put_all_pairs(nodes, text); }};
     std::int64_t bytes = 0;
@@ -345,8 +345,8 @@ void Every_network(benchmark::internal::Benchmark* one) {
 BENCHMARK(Reading)->Apply(Every_network);
 BENCHMARK(Converting_links)->Apply(Every_network);
 BENCHMARK(Clique_search)->Apply(Every_network);
-BENCHMARK(Overlap_setup)->Apply(Every_network);
-BENCHMARK(Overlap_partners)->Apply(Every_network);
+BENCHMARK(Setting_up_adjacent_cliques)->Apply(Every_network);
+BENCHMARK(Visiting_adjacent_cliques)->Apply(Every_network);
 BENCHMARK(Percolating_all_k)->Apply(Every_network);
 BENCHMARK(Links_of_communities)->Apply(Every_network);
 BENCHMARK(Walking_the_community_graph)->Apply(Every_network);

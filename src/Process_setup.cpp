@@ -2,7 +2,7 @@
 #include "Process_setup.h"
 
 #include "support/Errors.h"
-#include "support/Large_pages.h"
+#include "support/Huge_pages.h"
 
 #include <csignal>
 #include <fcntl.h>
@@ -29,7 +29,7 @@ void Fill_standard_streams() {
 // growing one moves pages instead of copying. In the heap, where the C library would put more and
 // more of them as it sees them freed, each would leave a hole and be copied to grow.
 void Give_large_arrays_pages_of_their_own() {
-    constexpr auto large = static_cast<int>(large_page);
+    constexpr auto large = static_cast<int>(huge_page);
     ::mallopt(M_MMAP_THRESHOLD, large);
     ::mallopt(M_TRIM_THRESHOLD, large); // setting one ends the automatic rise of the other
 }

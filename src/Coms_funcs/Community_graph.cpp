@@ -49,13 +49,13 @@ void Community_graph::Prepare(Communities const& coms) {
     coms_ = &coms;
     walked_ = false;
     std::size_t const n_nodes = Number_nodes();
-    starts_.clear();
-    starts_.Resize(n_nodes + 1, 0);
+    offsets_.clear();
+    offsets_.Resize(n_nodes + 1, 0);
     for (Node const number : flat_) {
-        ++starts_[number];
+        ++offsets_[number];
     }
     std::uint64_t end = 0;
-    for (std::uint64_t& start : starts_) {
+    for (std::uint64_t& start : offsets_) {
         end += start;
         start = end;
     }
@@ -63,7 +63,7 @@ void Community_graph::Prepare(Communities const& coms) {
     members_.Resize_uninitialised(flat_.size());
     for (std::size_t i = coms.size(), at = flat_.size(); i-- > 0;) {
         for (std::size_t n = coms.nodes[i].size(); n > 0; --n) {
-            members_[--starts_[flat_[--at]]] = static_cast<std::uint32_t>(i);
+            members_[--offsets_[flat_[--at]]] = static_cast<std::uint32_t>(i);
         }
     }
 }
@@ -123,8 +123,8 @@ void Community_graph::Fill_row(std::uint32_t community) {
     std::uint64_t const* const begins = coms_->nodes.Starts() + community;
     for (std::uint64_t n = begins[0]; n < begins[1]; ++n) {
         std::size_t const node = flat_[n];
-        std::uint64_t const end = starts_[node + 1];
-        for (std::uint64_t at = starts_[node] + ++passed_[node]; at < end; ++at) {
+        std::uint64_t const end = offsets_[node + 1];
+        for (std::uint64_t at = offsets_[node] + ++passed_[node]; at < end; ++at) {
             std::uint32_t const other = members_[at];
             // Written each time and kept the first time: which of the two no branch could foresee.
             touched_[n_touched] = other;

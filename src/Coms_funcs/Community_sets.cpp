@@ -11,8 +11,8 @@
 
 namespace cpm {
 
-Community_sets::Community_sets(Set_list const& cliques, Overlap_index const& index,
-                               Pair_table const& pairs)
+Community_sets::Community_sets(Set_list const& cliques, Adjacent_cliques const& index,
+                               Edge_numbering const& pairs)
     : cliques_(cliques), index_(index), pairs_(pairs), community_of_(cliques.size(), none) {}
 
 void Community_sets::Start_level(bool nested) {
@@ -25,17 +25,17 @@ void Community_sets::Start_level(bool nested) {
     old_sets_.swap(sets_);
     communities_.clear();
     sets_.clear();
-    swallowed_by_.clear();
-    swallowed_by_.Resize(old_communities_.size(), none);
+    merged_into_.clear();
+    merged_into_.Resize(old_communities_.size(), none);
 }
 
-void Community_sets::Forget(std::span<Partner const> members) {
-    for (Partner const& member : members) {
+void Community_sets::Forget(std::span<Adjacent_clique const> members) {
+    for (Adjacent_clique const& member : members) {
         community_of_[member.clique] = none;
     }
 }
 
-void Community_sets::Add_community(std::span<Partner const> members) {
+void Community_sets::Add_community(std::span<Adjacent_clique const> members) {
     auto const number = static_cast<std::uint32_t>(communities_.size());
     if (members.size() == 1) {
         communities_.push_back({members[0].clique, none});
@@ -45,7 +45,7 @@ void Community_sets::Add_community(std::span<Partner const> members) {
     Sets sets;
     more_nodes_.clear();
     more_links_.clear();
-    for (Partner const& member : members) {
+    for (Adjacent_clique const& member : members) {
         std::uint32_t& community = community_of_[member.clique];
         if (community == none) {
             Add_new_part(member);
@@ -53,9 +53,9 @@ void Community_sets::Add_community(std::span<Partner const> members) {
             if (more_links_.size() / 4 > pairs_.size()) {
                 Unite(sets.links, more_links_, pairs_.size());
             }
-        } else if (swallowed_by_[community] != number) {
-            swallowed_by_[community] = number;
-            Take_over(old_communities_[community], sets);
+        } else if (merged_into_[community] != number) {
+            merged_into_[community] = number;
+            Absorb(old_communities_[community], sets);
         }
         community = number;
     }
@@ -66,7 +66,7 @@ void Community_sets::Add_community(std::span<Partner const> members) {
 }
 
 // The largest old sets are taken as they are; smaller ones are added to what has to be merged.
-void Community_sets::Take_over(Community const& old, Sets& into) {
+void Community_sets::Absorb(Community const& old, Sets& into) {
     if (old.sets == none) {
         Add_whole(old.clique);
         return;
@@ -80,13 +80,14 @@ void Community_sets::Take_over(Community const& old, Sets& into) {
 }
 
 void Community_sets::Add_whole(Clique_number clique) {
-    Add_new_part({clique, Overlap_index::all_new});
+    Add_new_part({clique, Adjacent_cliques::all_new});
 }
 
-void Community_sets::Add_new_part(Partner const& member) {
+void Community_sets::Add_new_part(Adjacent_clique const& member) {
     std::span<Node const> const ranked = index_.Ranked(member.clique);
     auto const is_new = [&](std::size_t place) {
-        return member.new_nodes == Overlap_index::all_new || (member.new_nodes >> place & 1) != 0;
+        return member.new_nodes == Adjacent_cliques::all_new ||
+               (member.new_nodes >> place & 1) != 0;
     };
     for (std::size_t i = 0; i < ranked.size(); ++i) {
         if (!is_new(i)) {
@@ -146,7 +147,7 @@ Node_set Community_sets::Nodes(std::size_t community) const {
     return one.sets == none ? cliques_[one.clique] : Node_set(sets_[one.sets].nodes);
 }
 
-void Community_sets::Links(std::size_t community, Take_links const& take) const {
+void Community_sets::Links(std::size_t community, Link_visitor const& take) const {
     Community const& one = communities_[community];
     if (one.sets != none) {
         take.numbers(sets_[one.sets].links);

@@ -322,27 +322,27 @@ public:
     Community_blocks(K_clique_list const& k_cliques, Link_rows rows,
                      Flat_array<std::uint32_t> const& community_of, std::size_t n_communities)
         : k_cliques_(k_cliques), rows_(std::move(rows)) {
-        begins_.Resize(n_communities + 1, 0);
+        offsets_.Resize(n_communities + 1, 0);
         for (std::uint32_t const community : community_of) {
-            ++begins_[community];
+            ++offsets_[community];
         }
         K_clique_number before = 0;
-        for (K_clique_number& begin : begins_) {
+        for (K_clique_number& begin : offsets_) {
             before += begin;
             begin = before;
         }
         numbers_.Resize_uninitialised(community_of.size());
         for (std::size_t i = 0; i < community_of.size(); ++i) {
-            numbers_[--begins_[community_of[i]]] = static_cast<K_clique_number>(i);
+            numbers_[--offsets_[community_of[i]]] = static_cast<K_clique_number>(i);
         }
     }
 
-    std::size_t size() const { return begins_.size() - 1; }
+    std::size_t size() const { return offsets_.size() - 1; }
     std::span<K_clique_number const> operator[](std::size_t community) const {
-        return {numbers_.begin() + begins_[community], numbers_.begin() + begins_[community + 1]};
+        return {numbers_.begin() + offsets_[community], numbers_.begin() + offsets_[community + 1]};
     }
 
-    void Links(std::size_t community, Take_links const& take) {
+    void Links(std::size_t community, Link_visitor const& take) {
         constexpr std::size_t a_piece = 4096;
         piece_.clear();
         for (K_clique_number const i : (*this)[community]) {
@@ -383,7 +383,7 @@ private:
 
     K_clique_list const& k_cliques_;
     Link_rows rows_;
-    Flat_array<K_clique_number> begins_;
+    Flat_array<K_clique_number> offsets_;
     Flat_array<K_clique_number> numbers_;
     Node_set last_; ///< the k-clique whose links are numbered; empty: none yet
     Flat_array<Link_number> link_numbers_;
@@ -433,7 +433,7 @@ void Intensity_coms_from_k_cliques(K_clique_list const& k_cliques, Communities& 
     coms.cliques.clear();
     List_nodes(k_cliques, *blocks, coms.nodes);
     coms.n_exact = static_cast<std::uint32_t>(n_communities);
-    coms.links = [blocks](std::size_t community, Take_links const& take) {
+    coms.links = [blocks](std::size_t community, Link_visitor const& take) {
         blocks->Links(community, take);
     };
 }

@@ -157,7 +157,7 @@ void K_clique_list::Sort_and_unite() {
         size_ = kept;
         members_.Resize_uninitialised(size_ * k_);
     }
-    next_unite_ = std::max(2 * size_, least_worth_uniting);
+    next_unite_ = std::max(2 * size_, min_worth_uniting);
 }
 
 void K_clique_list::Finish() {
@@ -173,26 +173,26 @@ Link_rows::Link_rows(Index_links const& links) : links_(links) {
         return;
     }
     n_rows_ = std::size_t{links.pairs.back().first} + 1;
-    starts_.Reserve(n_rows_ + 1);
+    offsets_.Reserve(n_rows_ + 1);
     for (std::size_t i = 0; i < links.size(); ++i) {
-        while (starts_.size() <= links.pairs[i].first) {
-            starts_.push_back(i);
+        while (offsets_.size() <= links.pairs[i].first) {
+            offsets_.push_back(i);
         }
     }
-    starts_.push_back(links.size());
+    offsets_.push_back(links.size());
 }
 
 std::size_t Link_rows::Find(Node first, Node second, std::size_t from) const {
     if (first < n_rows_) {
         // A binary search without a branch on what it compares, which nobody can predict.
         Node_pair const* place = links_.pairs.begin() + from;
-        for (std::size_t left = starts_[std::size_t{first} + 1] - from; left > 0;) {
+        for (std::size_t left = offsets_[std::size_t{first} + 1] - from; left > 0;) {
             std::size_t const half = (left + 1) / 2;
             place = place[half - 1].second < second ? place + half : place;
             left -= half;
         }
         auto const found = static_cast<std::size_t>(place - links_.pairs.begin());
-        if (found < starts_[std::size_t{first} + 1] && place->second == second) {
+        if (found < offsets_[std::size_t{first} + 1] && place->second == second) {
             return found;
         }
     }
@@ -297,7 +297,7 @@ void K_set_search::Find(Node_set clique, Sub_links const& sub_links, double min_
         sums_.Resize(k_);
     }
     Limit_from_above();
-    if (!(most_left_[1] > log_threshold_)) {
+    if (!(max_left_[1] > log_threshold_)) {
         return;
     }
     for (std::size_t first = 0; first + k_ <= clique.size(); ++first) {
@@ -320,8 +320,8 @@ void K_set_search::Find(Node_set clique, Sub_links const& sub_links, double min_
 void K_set_search::Limit_from_above() {
     constexpr double infinity = std::numeric_limits<double>::infinity();
     constexpr double slack_unit = 0x1p-50;
-    most_left_.clear();
-    most_left_.Resize(k_ + 1, infinity);
+    max_left_.clear();
+    max_left_.Resize(k_ + 1, infinity);
     logs_.clear();
     logs_.Append(sub_links_->All());
     double largest = 0;
@@ -341,7 +341,7 @@ void K_set_search::Limit_from_above() {
         for (; added < n_links - size * (size - 1) / 2; ++added) {
             most += logs_[added];
         }
-        most_left_[size] = most;
+        max_left_[size] = most;
     }
 }
 
@@ -372,7 +372,7 @@ void K_set_search::Get_k_cls_iter(std::size_t first) {
         if (bound > log_threshold_ && !complete) {
             Get_k_cls_iter_no_w(size + 1, next);
         } else if (!complete) {
-            if (sum + most_left_[size + 1] > log_threshold_) {
+            if (sum + max_left_[size + 1] > log_threshold_) {
                 sums_[size++] = sum;
             }
         } else if (bound > log_threshold_ || sum > log_threshold_) {

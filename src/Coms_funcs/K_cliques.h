@@ -42,11 +42,11 @@ public:
 private:
     void Sort_and_unite();
 
-    static constexpr std::size_t least_worth_uniting = std::size_t{1} << 16;
+    static constexpr std::size_t min_worth_uniting = std::size_t{1} << 16;
 
     std::uint32_t k_ = 0;
     std::size_t size_ = 0;
-    std::size_t next_unite_ = least_worth_uniting; ///< the size at which repeats are dropped
+    std::size_t next_unite_ = min_worth_uniting; ///< the size at which repeats are dropped
     Flat_array<Node> members_;
 };
 
@@ -56,7 +56,7 @@ public:
     explicit Link_rows(Index_links const& links);
 
     /// Where the links from `first` begin; they lie together, ascending by their second end.
-    std::size_t Begin(Node first) const { return first < n_rows_ ? starts_[first] : 0; }
+    std::size_t Begin(Node first) const { return first < n_rows_ ? offsets_[first] : 0; }
     /// The position of the link from `first` to `second`, which is `from` or a later one. Throws
     /// Xerror_msg "ERROR: Get_sub_links_and_thresh_abs: missing link.\n" when there is no such
     /// link.
@@ -67,7 +67,7 @@ public:
 private:
     Index_links const& links_;
     std::size_t n_rows_ = 0; ///< nodes from this one on are the first end of no link
-    Flat_array<std::size_t> starts_;
+    Flat_array<std::size_t> offsets_;
 };
 
 /// The logarithms of the link weights between the nodes of one set. A node is named by its place
@@ -140,7 +140,7 @@ private:
     Sub_links const* sub_links_ = nullptr;
     double min_log_w_ = 0;
     Flat_array<double> links_left_;  ///< set size -> links that it lacks to a k-clique
-    Flat_array<double> most_left_;   ///< set size -> no set of this size gains more up to k
+    Flat_array<double> max_left_;    ///< set size -> no set of this size gains more up to k
     Flat_array<double> logs_;        ///< the largest of the clique, descending
     Flat_array<std::size_t> places_; ///< the set under way, by places in the clique
     Flat_array<Node> nodes_;         ///< ... by nodes

@@ -2,9 +2,9 @@
 // Takes    the clique list; then one k after the other, best from large to small.
 // Leaves   the communities at k with their nodes, links and cliques.
 // Order    everything: see Coms_from_appr_ovlp_matr(). A stack in place of recursion keeps it: the
-//          partners of a clique are pushed in descending order, so that the smallest is on top and
+//          adjacent of a clique are pushed in descending order, so that the smallest is on top and
 //          all that comes of it is finished before the next one shows.
-// Cost     a level: each clique of the level claimed and followed once, see Overlap_index.
+// Cost     a level: each clique of the level visited and followed once, see Adjacent_cliques.
 // Tested   Percolation_test.cpp, the runs against the plain model.
 #include "Coms_funcs/Percolation.h"
 
@@ -14,27 +14,27 @@
 namespace cpm {
 
 Percolation::Percolation(Set_list const& cliques, std::size_t n_exact, Node n_nodes,
-                         Pair_table const& pairs, bool nested, Stale_overlaps* stale)
+                         Edge_numbering const& pairs, bool nested, Premerge_overlaps* stale)
     : cliques_(cliques), n_exact_(n_exact), index_(cliques, n_nodes), sets_(cliques, index_, pairs),
-      nested_(nested), stale_(stale) {}
+      nested_(nested), premerge_(stale) {}
 
 void Percolation::Coms_from_appr_ovlp_matr(Communities& coms, std::uint32_t k) {
     std::swap(com_cliques_, coms.cliques); // what is there gives its memory
     com_cliques_.clear();
     // From stale overlaps two communities can have a clique in common: they do not nest.
-    sets_.Start_level(k < last_k_ && stale_ == nullptr);
+    sets_.Start_level(k < last_k_ && premerge_ == nullptr);
     last_k_ = k;
     // Deliberate: at k = 0 the least overlap k - 1 is the largest number there is, so nothing is
-    // found. At k = 1 cliques without a common node are still no partners.
+    // found. At k = 1 cliques without a common node are still no adjacent.
     if (k > 0) {
-        if (stale_ == nullptr) {
-            // A clique of k-1 nodes can only be a partner of one that holds all of it.
-            std::uint32_t const least_shared = std::max(k - 1, 1U);
-            index_.Start_level(least_shared, nested_ ? least_shared : k);
+        if (premerge_ == nullptr) {
+            // A clique of k-1 nodes can only be a adjacent clique of one that holds all of it.
+            std::uint32_t const min_shared = std::max(k - 1, 1U);
+            index_.Start_level(min_shared, nested_ ? min_shared : k);
         } else {
-            stale_claimed_.assign(cliques_.size(), false);
+            premerge_visited_.assign(cliques_.size(), false);
         }
-        for (std::size_t c = Next_unclaimed(0); c < cliques_.size(); c = Next_unclaimed(c + 1)) {
+        for (std::size_t c = Next_unvisited(0); c < cliques_.size(); c = Next_unvisited(c + 1)) {
             if (cliques_[c].size() >= k) {
                 Look_for_new_com(static_cast<Clique_number>(c), k);
             }
@@ -44,31 +44,32 @@ void Percolation::Coms_from_appr_ovlp_matr(Communities& coms, std::uint32_t k) {
 }
 
 // The number of cliques when there is none.
-std::size_t Percolation::Next_unclaimed(std::size_t from) const {
-    if (stale_ == nullptr) {
-        return index_.Next_unclaimed(from);
+std::size_t Percolation::Next_unvisited(std::size_t from) const {
+    if (premerge_ == nullptr) {
+        return index_.Next_unvisited(from);
     }
-    while (from < cliques_.size() && stale_claimed_[from]) {
+    while (from < cliques_.size() && premerge_visited_[from]) {
         ++from;
     }
     return from;
 }
 
-// Starts a community with the partners of an unclaimed clique of k nodes or more, itself included.
+// Starts a community with the adjacent of an unvisited clique of k nodes or more, itself included.
 void Percolation::Look_for_new_com(Clique_number first, std::uint32_t k) {
     members_.clear();
     to_follow_.clear();
-    if (stale_ == nullptr) {
-        index_.Claim_partners({first, Overlap_index::all_new}, members_);
-    } else if (!Claim_all_of_row(first, k)) {
+    if (premerge_ == nullptr) {
+        index_.Visit_adjacent({first, Adjacent_cliques::all_new}, members_);
+    } else if (!Visit_row(first, k)) {
         return;
     }
     Join(0);
     Extend_com(k);
-    if (stale_ == nullptr) {
-        // The first clique is its own partner and was claimed with nothing new; the community's
-        // nodes and links begin with all of it.
-        std::ranges::find(members_, first, &Partner::clique)->new_nodes = Overlap_index::all_new;
+    if (premerge_ == nullptr) {
+        // The first clique is its own adjacent clique and was visited with nothing new; the
+        // community's nodes and links begin with all of it.
+        std::ranges::find(members_, first, &Adjacent_clique::clique)->new_nodes =
+            Adjacent_cliques::all_new;
     } else {
         sets_.Forget(members_);
     }
@@ -78,48 +79,48 @@ void Percolation::Look_for_new_com(Clique_number first, std::uint32_t k) {
 
 // Deliberate: from stale overlaps a community starts with all of a row, those that another
 // community has included, and only if one of the entries is k or more.
-bool Percolation::Claim_all_of_row(Clique_number first, std::uint32_t k) {
-    stale_->Row(first, k - 1, row_);
+bool Percolation::Visit_row(Clique_number first, std::uint32_t k) {
+    premerge_->Row(first, k - 1, row_);
     if (std::ranges::none_of(row_,
                              [&](Clique_overlap const& entry) { return entry.shared >= k; })) {
         return false;
     }
     for (Clique_overlap const& entry : row_) {
-        stale_claimed_[entry.clique] = true;
-        members_.push_back({entry.clique, Overlap_index::all_new});
+        premerge_visited_[entry.clique] = true;
+        members_.push_back({entry.clique, Adjacent_cliques::all_new});
     }
     return true;
 }
 
 void Percolation::Extend_com(std::uint32_t k) {
     while (!to_follow_.empty()) {
-        Partner const next = members_[to_follow_.back()];
+        Adjacent_clique const next = members_[to_follow_.back()];
         to_follow_.pop_back();
         if (std::size_t const left = to_follow_.size(); left > 3) {
-            index_.Prefetch_card(members_[to_follow_[left - 4]].clique);
+            index_.Prefetch_header(members_[to_follow_[left - 4]].clique);
             index_.Prefetch_nodes(members_[to_follow_[left - 2]].clique);
         }
         std::size_t const first_new = members_.size();
-        Claim_partners(next, k);
+        Visit_adjacent(next, k);
         Join(first_new);
     }
 }
 
-void Percolation::Claim_partners(Partner const& from, std::uint32_t k) {
-    if (stale_ == nullptr) {
-        index_.Claim_partners(from, members_);
+void Percolation::Visit_adjacent(Adjacent_clique const& from, std::uint32_t k) {
+    if (premerge_ == nullptr) {
+        index_.Visit_adjacent(from, members_);
         return;
     }
-    stale_->Row(from.clique, k - 1, row_);
+    premerge_->Row(from.clique, k - 1, row_);
     for (Clique_overlap const& entry : row_) {
-        if (!stale_claimed_[entry.clique]) {
-            stale_claimed_[entry.clique] = true;
-            members_.push_back({entry.clique, Overlap_index::all_new});
+        if (!premerge_visited_[entry.clique]) {
+            premerge_visited_[entry.clique] = true;
+            members_.push_back({entry.clique, Adjacent_cliques::all_new});
         }
     }
 }
 
-// The partners claimed last join the community in ascending order and will be followed in it.
+// The adjacent visited last join the community in ascending order and will be followed in it.
 void Percolation::Join(std::size_t first_new) {
     for (std::size_t place = first_new; place < members_.size(); ++place) {
         com_cliques_.Append(members_[place].clique);
@@ -155,7 +156,7 @@ void Percolation::List(Communities& coms) {
             coms.cliques.Add(com_cliques_[found]);
         }
     }
-    coms.links = [this](std::size_t community, Take_links const& take) {
+    coms.links = [this](std::size_t community, Link_visitor const& take) {
         sets_.Links(order_[community], take);
     };
 }

@@ -23,11 +23,11 @@ Coms_finder::Coms_finder(Coms_input input, Run_files& files, Progress& progress)
     // From here on only numbers of pairs are dealt with.
     input_.links = Index_links();
     if (found.before_merge) {
-        stale_ = std::make_unique<Stale_overlaps>(*found.before_merge, found.cliques, found.n_exact,
-                                                  input_.n_nodes);
+        premerge_ = std::make_unique<Premerge_overlaps>(*found.before_merge, found.cliques,
+                                                        found.n_exact, input_.n_nodes);
     }
     percolation_ = std::make_unique<Percolation>(found.cliques, found.n_exact, input_.n_nodes,
-                                                 pairs_, found.nested, stale_.get());
+                                                 pairs_, found.nested, premerge_.get());
 }
 
 void Coms_finder::Find_coms(std::uint32_t k) {

@@ -5,10 +5,10 @@
 
 #include "Clique_find/Find_cliques.h"
 #include "Coms_funcs/Community_graph.h"
-#include "Coms_funcs/Pair_table.h"
+#include "Coms_funcs/Edge_numbering.h"
 #include "Coms_funcs/Percolation.h"
-#include "Coms_funcs/Stale_overlaps.h"
-#include "Plexor_io/Link_lines.h"
+#include "Coms_funcs/Premerge_overlaps.h"
+#include "Plexor_io/Link_writer.h"
 #include "Plexor_io/Name_labels.h"
 #include "Plexor_io/Result_files.h"
 #include "Plexor_io/Result_place.h"
@@ -54,12 +54,12 @@ private:
     Coms_input input_;
     Run_files& files_;
     Progress& progress_;
-    Pair_table pairs_;
-    Link_lines link_lines_;
-    std::unique_ptr<Stale_overlaps> stale_;    ///< in the rare state that needs them
-    std::unique_ptr<Percolation> percolation_; ///< none in intensity runs
-    Communities coms_;                         ///< of the k under way
-    Community_graph graph_;                    ///< likewise
+    Edge_numbering pairs_;
+    Link_writer link_lines_;
+    std::unique_ptr<Premerge_overlaps> premerge_; ///< in the rare state that needs them
+    std::unique_ptr<Percolation> percolation_;    ///< none in intensity runs
+    Communities coms_;                            ///< of the k under way
+    Community_graph graph_;                       ///< likewise
 };
 
 } // namespace cpm

@@ -45,11 +45,11 @@ void Kiir_coms_cliques_PX(Communities const& coms, std::size_t n_exact_cliques,
     }
 }
 
-void Kiir_com_links_PX(Communities const& coms, Link_lines& lines, Level_files const& files) {
+void Kiir_com_links_PX(Communities const& coms, Link_writer& lines, Level_files const& files) {
     Text_file file(files.File(files.run.Flag_before('_') + "communities_links"), files.run);
     Put_header("links inside the ", files, file);
     file.Put('\n');
-    Take_links const put_lines{
+    Link_visitor const put_lines{
         .numbers = [&](std::span<Link_number const> numbers) { lines.Put(numbers, file); },
         .all_pairs = [&](Node_set nodes) { lines.Put_all_pairs(nodes, file); }};
     for (std::size_t i = 0; i < coms.size(); ++i) {

@@ -5,7 +5,7 @@
 #ifndef PLEXOR_KIIR_COMS_H
 #define PLEXOR_KIIR_COMS_H
 
-#include "Plexor_io/Link_lines.h"
+#include "Plexor_io/Link_writer.h"
 #include "Plexor_io/Name_labels.h"
 #include "Plexor_io/Result_files.h"
 #include "graph/Types.h"
@@ -24,7 +24,7 @@ void Kiir_coms_cliques_PX(Communities const& coms, std::size_t n_exact_cliques,
                           Level_files const& files);
 
 /// The links inside each community, one a line.
-void Kiir_com_links_PX(Communities const& coms, Link_lines& lines, Level_files const& files);
+void Kiir_com_links_PX(Communities const& coms, Link_writer& lines, Level_files const& files);
 
 } // namespace cpm
 

@@ -35,53 +35,53 @@ struct Node_pair {
 /// hold node sets; a set's number is its position.
 template <class T> class List_of_lists {
 public:
-    List_of_lists() { starts_.push_back(0); }
+    List_of_lists() { offsets_.push_back(0); }
     List_of_lists(std::initializer_list<std::initializer_list<T>> lists) : List_of_lists() {
         for (auto const& list : lists) {
             Add(std::span<T const>(list.begin(), list.size()));
         }
     }
 
-    std::size_t size() const { return starts_.size() - 1; }
+    std::size_t size() const { return offsets_.size() - 1; }
     bool empty() const { return size() == 0; }
     /// The number of elements of all lists together.
-    std::uint64_t Total() const { return starts_.back(); }
+    std::uint64_t Total() const { return offsets_.back(); }
     std::span<T const> operator[](std::size_t i) const {
-        return {members_.data() + starts_[i],
-                static_cast<std::size_t>(starts_[i + 1] - starts_[i])};
+        return {members_.data() + offsets_[i],
+                static_cast<std::size_t>(offsets_[i + 1] - offsets_[i])};
     }
     /// Appends a list, which must not lie in this list of lists.
     void Add(std::span<T const> list) {
         members_.Append(list);
-        starts_.push_back(members_.size());
+        offsets_.push_back(members_.size());
     }
     /// Appends to the list under way, which Close_list() ends.
     void Append(T value) { members_.push_back(value); }
     void Append(std::span<T const> values) { members_.Append(values); }
-    void Close_list() { starts_.push_back(members_.size()); }
+    void Close_list() { offsets_.push_back(members_.size()); }
 
     void clear() {
         members_.clear();
-        starts_.clear();
-        starts_.push_back(0);
+        offsets_.clear();
+        offsets_.push_back(0);
     }
     void Shrink_to_fit() {
         members_.Shrink_to_fit();
-        starts_.Shrink_to_fit();
+        offsets_.Shrink_to_fit();
     }
     /// Where each list begins among all elements; one more than there are lists.
-    std::uint64_t const* Starts() const { return starts_.data(); }
+    std::uint64_t const* Starts() const { return offsets_.data(); }
     /// All elements, one list after the other.
     std::span<T const> Flat() const { return {members_.data(), members_.size()}; }
 
     friend bool operator==(List_of_lists const& a, List_of_lists const& b) {
-        return std::ranges::equal(a.starts_, b.starts_) &&
+        return std::ranges::equal(a.offsets_, b.offsets_) &&
                std::ranges::equal(a.members_, b.members_);
     }
 
 private:
     Flat_array<T> members_;
-    Flat_array<std::uint64_t> starts_;
+    Flat_array<std::uint64_t> offsets_;
 };
 
 /// A list of node sets: the clique list, the communities of one k.
@@ -94,36 +94,37 @@ using Link_number = std::uint32_t;
 /// A sequence of names, each a string of any bytes.
 class Name_table {
 public:
-    Name_table() { starts_.push_back(0); }
+    Name_table() { offsets_.push_back(0); }
 
-    std::size_t size() const { return starts_.size() - 1; }
+    std::size_t size() const { return offsets_.size() - 1; }
     std::string_view operator[](std::size_t i) const {
         return Spaced(i).substr(0, Spaced(i).size() - 1);
     }
     /// The name with the blank that follows it in most files.
     std::string_view Spaced(std::size_t i) const {
-        return {bytes_.data() + starts_[i], static_cast<std::size_t>(starts_[i + 1] - starts_[i])};
+        return {bytes_.data() + offsets_[i],
+                static_cast<std::size_t>(offsets_[i + 1] - offsets_[i])};
     }
     void Add(std::string_view name) {
         bytes_.Append(name);
         bytes_.push_back(' ');
-        starts_.push_back(bytes_.size());
+        offsets_.push_back(bytes_.size());
     }
     /// What the names and the blanks behind them need.
     std::size_t Bytes() const { return bytes_.size(); }
     void Reserve(std::size_t names, std::size_t bytes) {
-        starts_.Reserve(names + 1);
+        offsets_.Reserve(names + 1);
         bytes_.Reserve(bytes);
     }
     void clear() {
         bytes_.clear();
-        starts_.clear();
-        starts_.push_back(0);
+        offsets_.clear();
+        offsets_.push_back(0);
     }
 
 private:
     Flat_array<char> bytes_;
-    Flat_array<std::uint64_t> starts_;
+    Flat_array<std::uint64_t> offsets_;
 };
 
 /// Node index -> name. Entry 0, which no node has, is an empty name.
@@ -155,11 +156,11 @@ struct Index_links {
 /// Takes the links of one community, in the order in which they are written, in as many pieces as
 /// suit: the links of all communities together are often much more than the cliques they come from,
 /// so nobody holds them.
-struct Take_links {
-    std::function<void(std::span<Link_number const>)> numbers; ///< numbers of the Pair_table
+struct Link_visitor {
+    std::function<void(std::span<Link_number const>)> numbers; ///< numbers of the Edge_numbering
     std::function<void(Node_set)> all_pairs;                   ///< the pairs of a clique's nodes
 };
-using Community_links = std::function<void(std::size_t community, Take_links const& take)>;
+using Community_links = std::function<void(std::size_t community, Link_visitor const& take)>;
 
 /// The communities found at one k. Position i everywhere belongs to community i; the exact
 /// communities come first.

@@ -99,7 +99,7 @@ inline std::vector<std::vector<Node>> To_vectors(Set_list const& list) {
 
 /// Collects the links of a community as pairs of nodes; a number is the place in `all_pairs`.
 /// Both must outlive it.
-inline Take_links To_pairs(std::span<Node_pair const> all_pairs, std::vector<Node_pair>& result) {
+inline Link_visitor To_pairs(std::span<Node_pair const> all_pairs, std::vector<Node_pair>& result) {
     return {.numbers =
                 [all_pairs, &result](std::span<Link_number const> numbers) {
                     for (Link_number const number : numbers) {

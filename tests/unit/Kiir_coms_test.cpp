@@ -47,9 +47,9 @@ struct Writing {
                       std::string const& file = "k=3/communities_links") {
         std::string const out = Fresh();
         Result_place place(out);
-        Pair_table const pairs(links, 4, {}, 0);
+        Edge_numbering const pairs(links, 4, {}, 0);
         Name_labels const labels(names);
-        Link_lines lines(pairs, links, labels);
+        Link_writer lines(pairs, links, labels);
         Run_files files{place, com_flag, about, console};
         Kiir_com_links_PX(coms, lines, {files, 3});
         return Read_file(out + "/" + file);
@@ -69,7 +69,7 @@ Communities Two_communities(std::uint32_t n_exact) {
     coms.nodes = Set_list{{1, 2, 3}, {2, 3, 4}};
     coms.cliques = List_of_lists<Clique_number>{{5, 0, 12345}, {1}};
     coms.n_exact = n_exact;
-    coms.links = [](std::size_t community, Take_links const& take) {
+    coms.links = [](std::size_t community, Link_visitor const& take) {
         if (community == 0) {
             take.numbers(std::vector<Link_number>{0});
             take.numbers(std::vector<Link_number>{1, 2});
@@ -179,9 +179,9 @@ TEST(Kiir_coms, Files_that_cannot_be_opened_are_told) {
         expected += " WARNING: could not write '" + writing.dir.Path() + "/k=3/" + name + "'.\n";
     }
     Communities const coms = Two_communities(2);
-    Pair_table const pairs(writing.links, 4, {}, 0);
+    Edge_numbering const pairs(writing.links, 4, {}, 0);
     Name_labels const labels(writing.names);
-    Link_lines lines(pairs, writing.links, labels);
+    Link_writer lines(pairs, writing.links, labels);
     Run_files files{place, "", about, writing.console};
     Kiir_coms_PX(coms, labels, {files, 3});
     Kiir_coms_cliques_PX(coms, 9, {files, 3});

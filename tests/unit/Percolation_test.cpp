@@ -109,7 +109,7 @@ private:
     std::vector<std::uint32_t> members_;
 };
 
-Result Communities_at(std::uint32_t k, Percolation& percolation, Pair_table const& pairs) {
+Result Communities_at(std::uint32_t k, Percolation& percolation, Edge_numbering const& pairs) {
     Communities coms;
     percolation.Coms_from_appr_ovlp_matr(coms, k);
     Result result;
@@ -117,8 +117,8 @@ Result Communities_at(std::uint32_t k, Percolation& percolation, Pair_table cons
     result.cliques = To_vectors(coms.cliques);
     result.n_exact = coms.n_exact;
     std::vector<Node_pair> all_pairs;
-    for (Node a = 0; a < pairs.Firsts_end(); ++a) {
-        for (Node const b : pairs.Seconds(a)) {
+    for (Node a = 0; a < pairs.Smaller_ends_end(); ++a) {
+        for (Node const b : pairs.Larger_neighbours(a)) {
             all_pairs.push_back({a, b});
         }
     }
@@ -178,7 +178,7 @@ std::size_t Largest(Set_list const& cliques) {
 
 TEST(Percolation, No_clique_of_k_nodes_gives_no_communities) {
     Set_list const cliques{{1, 2, 3}};
-    Pair_table const pairs(To_index_links(Complete(1, 3)), 3, cliques, 1);
+    Edge_numbering const pairs(To_index_links(Complete(1, 3)), 3, cliques, 1);
     Percolation percolation(cliques, 1, 3, pairs);
     Communities coms;
     percolation.Coms_from_appr_ovlp_matr(coms, 4);
@@ -188,7 +188,7 @@ TEST(Percolation, No_clique_of_k_nodes_gives_no_communities) {
 
 TEST(Percolation, A_clique_without_a_neighbour_is_a_community_with_all_its_pairs) {
     Set_list const cliques{{1, 2, 3}};
-    Pair_table const pairs(To_index_links(Complete(1, 3)), 3, cliques, 1);
+    Edge_numbering const pairs(To_index_links(Complete(1, 3)), 3, cliques, 1);
     Percolation percolation(cliques, 1, 3, pairs);
     Result const result = Communities_at(3, percolation, pairs);
     EXPECT_EQ(result.nodes, (Lists{{1, 2, 3}}));
@@ -200,7 +200,7 @@ TEST(Percolation, A_shared_pair_is_listed_once_smaller_node_first) {
     Set_list const cliques{{1, 2, 3}, {2, 3, 4}};
     Links links = Complete(1, 4);
     links.erase({1, 4});
-    Pair_table const pairs(To_index_links(links), 4, cliques, 2);
+    Edge_numbering const pairs(To_index_links(links), 4, cliques, 2);
     Percolation percolation(cliques, 2, 4, pairs);
     Result const result = Communities_at(3, percolation, pairs);
     EXPECT_EQ(result.links,
@@ -220,7 +220,7 @@ TEST(Percolation, Approximated_communities_follow_and_may_hold_exact_cliques) {
             }
         }
     }
-    Pair_table const pairs(To_index_links(links), 13, cliques, 3);
+    Edge_numbering const pairs(To_index_links(links), 13, cliques, 3);
     Percolation percolation(cliques, 3, 13, pairs);
     Result const result = Communities_at(3, percolation, pairs);
     EXPECT_EQ(result.cliques, (Lists{{0}, {2}, {1, 3}, {4}}));
@@ -232,7 +232,7 @@ TEST(Percolation, K_0_finds_nothing_and_k_1_needs_a_shared_node) {
     Links links = Complete(1, 3);
     links.merge(Complete(3, 5));
     links.merge(Complete(6, 8));
-    Pair_table const pairs(To_index_links(links), 8, cliques, 3);
+    Edge_numbering const pairs(To_index_links(links), 8, cliques, 3);
     Percolation percolation(cliques, 3, 8, pairs);
     EXPECT_EQ(Communities_at(0, percolation, pairs).nodes.size(), 0U);
     EXPECT_EQ(Communities_at(1, percolation, pairs).cliques, (Lists{{0, 1}, {2}}));
@@ -250,7 +250,7 @@ TEST(Percolation, A_long_chain_does_not_exhaust_the_stack) {
         links.pairs.push_back({i, i + 2});
     }
     links.pairs.push_back({length + 1, length + 2});
-    Pair_table const pairs(links, length + 2, cliques, length);
+    Edge_numbering const pairs(links, length + 2, cliques, length);
     Percolation percolation(cliques, length, length + 2, pairs);
     Communities coms;
     percolation.Coms_from_appr_ovlp_matr(coms, 3);
@@ -275,7 +275,7 @@ TEST(Percolation, Random_networks_agree_with_the_matrix) {
         for (auto const& [a, b] : links) {
             index_links.pairs.push_back({a, b});
         }
-        Pair_table const pairs(index_links, n, cliques, n_exact);
+        Edge_numbering const pairs(index_links, n, cliques, n_exact);
         By_matrix by_matrix(cliques, n_exact);
         Percolation percolation(cliques, n_exact, n, pairs);
         auto const largest = static_cast<std::uint32_t>(Largest(cliques));

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: MIT
-#include "Coms_funcs/Stale_overlaps.h"
+#include "Coms_funcs/Premerge_overlaps.h"
 
 #include <algorithm>
 
 namespace cpm {
 
-Stale_overlaps::Stale_overlaps(Set_list const& before, Set_list const& cliques, std::size_t n_exact,
-                               Node n_nodes)
+Premerge_overlaps::Premerge_overlaps(Set_list const& before, Set_list const& cliques,
+                                     std::size_t n_exact, Node n_nodes)
     : before_(Make_side(before, n_nodes)), after_(Make_side(cliques, n_nodes)), n_exact_(n_exact),
       seen_for_(std::max(before.size(), cliques.size()), 0) {}
 
-Stale_overlaps::Side Stale_overlaps::Make_side(Set_list const& cliques, Node n_nodes) {
+Premerge_overlaps::Side Premerge_overlaps::Make_side(Set_list const& cliques, Node n_nodes) {
     std::vector<std::vector<Clique_number>> holders(n_nodes + 1);
     for (std::size_t c = 0; c < cliques.size(); ++c) {
         for (Node const node : cliques[c]) {
@@ -25,8 +25,8 @@ Stale_overlaps::Side Stale_overlaps::Make_side(Set_list const& cliques, Node n_n
     return side;
 }
 
-void Stale_overlaps::Row(Clique_number clique, std::uint32_t least,
-                         std::vector<Clique_overlap>& row) {
+void Premerge_overlaps::Row(Clique_number clique, std::uint32_t least,
+                            std::vector<Clique_overlap>& row) {
     row.clear();
     Old_entries(clique, least, row);
     Extend_ovlp_matr(clique, least, row);
@@ -34,8 +34,8 @@ void Stale_overlaps::Row(Clique_number clique, std::uint32_t least,
 }
 
 // The entries of the rows before the merge that nothing has been written over.
-void Stale_overlaps::Old_entries(Clique_number clique, std::uint32_t least,
-                                 std::vector<Clique_overlap>& row) {
+void Premerge_overlaps::Old_entries(Clique_number clique, std::uint32_t least,
+                                    std::vector<Clique_overlap>& row) {
     if (clique >= before_.cliques->size()) {
         return;
     }
@@ -48,8 +48,8 @@ void Stale_overlaps::Old_entries(Clique_number clique, std::uint32_t least,
 
 // The entries that are written when approximated cliques are added: those of an approximated clique
 // with any clique it shares nodes with, and its own size.
-void Stale_overlaps::Extend_ovlp_matr(Clique_number clique, std::uint32_t least,
-                                      std::vector<Clique_overlap>& row) {
+void Premerge_overlaps::Extend_ovlp_matr(Clique_number clique, std::uint32_t least,
+                                         std::vector<Clique_overlap>& row) {
     For_each_sharing(after_, clique, least, [&](Clique_number other, std::uint32_t shared) {
         if (clique >= n_exact_ || other >= n_exact_) {
             row.push_back({other, shared});
@@ -57,11 +57,11 @@ void Stale_overlaps::Extend_ovlp_matr(Clique_number clique, std::uint32_t least,
     });
 }
 
-bool Stale_overlaps::Is_overwritten(Clique_number a, Clique_number b) const {
+bool Premerge_overlaps::Is_overwritten(Clique_number a, Clique_number b) const {
     return (a >= n_exact_ || b >= n_exact_) && Shared(*after_.cliques, a, b) > 0;
 }
 
-std::uint32_t Stale_overlaps::Shared(Set_list const& cliques, Clique_number a, Clique_number b) {
+std::uint32_t Premerge_overlaps::Shared(Set_list const& cliques, Clique_number a, Clique_number b) {
     Node_set const first = cliques[a];
     Node_set const second = cliques[b];
     std::uint32_t shared = 0;
@@ -81,8 +81,8 @@ std::uint32_t Stale_overlaps::Shared(Set_list const& cliques, Clique_number a, C
 // Takes the cliques of one side that share `least` nodes or more, and at least one, with the
 // clique. Each of them holds one of any size - least + 1 of its nodes: the rarest ones are asked.
 template <class Take>
-void Stale_overlaps::For_each_sharing(Side const& side, Clique_number clique, std::uint32_t least,
-                                      Take const& take) {
+void Premerge_overlaps::For_each_sharing(Side const& side, Clique_number clique,
+                                         std::uint32_t least, Take const& take) {
     Node_set const nodes = (*side.cliques)[clique];
     std::uint32_t const needed = std::max(least, 1U);
     if (nodes.size() < needed) {

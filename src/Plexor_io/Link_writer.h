@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Link_lines: the lines of text of the links that communities hold: both names, in the direction in
-// which the links have the pair.
-#ifndef PLEXOR_LINK_LINES_H
-#define PLEXOR_LINK_LINES_H
+// Link_writer: the lines of text of the links that communities hold: both names, in the direction
+// in which the links have the pair.
+#ifndef PLEXOR_LINK_WRITER_H
+#define PLEXOR_LINK_WRITER_H
 
-#include "Coms_funcs/Pair_table.h"
+#include "Coms_funcs/Edge_numbering.h"
 #include "Plexor_io/Name_labels.h"
 #include "Plexor_io/Text_sink.h"
 #include "graph/Types.h"
@@ -14,12 +14,12 @@
 
 namespace cpm {
 
-class Link_lines {
+class Link_writer {
 public:
     /// The pairs and the labels must outlive this object. A line has the smaller index first if the
     /// links have both directions, the larger one first if they have none (two nodes of an
     /// approximated clique).
-    Link_lines(Pair_table const& pairs, Index_links const& links, Name_labels const& labels);
+    Link_writer(Edge_numbering const& pairs, Index_links const& links, Name_labels const& labels);
 
     /// The lines of the pairs of these numbers, in this order.
     void Put(std::span<Link_number const> numbers, Text_sink& text);
@@ -34,7 +34,7 @@ private:
         text.Replace_last('\n'); // the blank behind the name
     }
 
-    Pair_table const& pairs_;
+    Edge_numbering const& pairs_;
     Name_labels const& labels_;
     Flat_array<Node> firsts_;          ///< by number: the smaller index; made when first needed
     Flat_array<std::uint64_t> turned_; ///< a bit a number: the larger index comes first; empty if

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The overlap index when its sliced lists need more room than they may have: large cliques of few
 // nodes, whose lists are all long and asked all the time.
-#include "Coms_funcs/Overlap_index.h"
+#include "Coms_funcs/Adjacent_cliques.h"
 
 #include "support/Random_numbers.h"
 
@@ -44,14 +44,14 @@ Network Random_halves(std::uint32_t seed) {
 
 // What each clique in turn finds among those that none before it has found.
 std::vector<std::vector<Clique_number>> By_counting(Network const& network,
-                                                    std::uint32_t least_shared) {
-    std::vector<bool> claimed(n_cliques, false);
+                                                    std::uint32_t min_shared) {
+    std::vector<bool> visited(n_cliques, false);
     std::vector<std::vector<Clique_number>> found(n_cliques);
     for (Clique_number from = 0; from < n_cliques; ++from) {
         for (Clique_number c = 0; c < n_cliques; ++c) {
             auto const shared = std::popcount(network.masks[c] & network.masks[from]);
-            if (!claimed[c] && shared >= static_cast<int>(least_shared)) {
-                claimed[c] = true;
+            if (!visited[c] && shared >= static_cast<int>(min_shared)) {
+                visited[c] = true;
                 found[from].push_back(c);
             }
         }
@@ -62,22 +62,22 @@ std::vector<std::vector<Clique_number>> By_counting(Network const& network,
 // With 1,024 classes of nodes a sliced list takes 128 bytes a clique. At 24 shared nodes each
 // clique is in ten lists, 1,280 bytes in all; a clique of 33 nodes makes room for 264. What does
 // not fit makes all lists give way, and come back, many times over.
-TEST(Overlap_index_room, Lists_that_give_way_to_others_lose_no_partner) {
+TEST(Adjacent_cliques_room, Lists_that_give_way_to_others_lose_no_partner) {
     Network const network = Random_halves(83);
-    Overlap_index index(network.cliques, n_nodes);
+    Adjacent_cliques index(network.cliques, n_nodes);
     std::size_t n_others = 0;
-    for (std::uint32_t const least_shared : {25U, 24U}) {
-        auto const expected = By_counting(network, least_shared);
-        index.Start_level(least_shared, least_shared);
+    for (std::uint32_t const min_shared : {25U, 24U}) {
+        auto const expected = By_counting(network, min_shared);
+        index.Start_level(min_shared, min_shared);
         for (Clique_number from = 0; from < n_cliques; ++from) {
-            Flat_array<Partner> partners;
-            index.Claim_partners({from, Overlap_index::all_new}, partners);
+            Flat_array<Adjacent_clique> adjacent;
+            index.Visit_adjacent({from, Adjacent_cliques::all_new}, adjacent);
             std::vector<Clique_number> found;
-            for (Partner const& partner : partners) {
-                found.push_back(partner.clique);
-                n_others += partner.clique == from ? 0 : 1;
+            for (Adjacent_clique const& one : adjacent) {
+                found.push_back(one.clique);
+                n_others += one.clique == from ? 0 : 1;
             }
-            ASSERT_EQ(found, expected[from]) << "asked by " << from << " at " << least_shared;
+            ASSERT_EQ(found, expected[from]) << "asked by " << from << " at " << min_shared;
         }
     }
     EXPECT_GT(n_others, 1000U);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Coms_funcs/Pair_table.h"
+#include "Coms_funcs/Edge_numbering.h"
 
 #include "graph/Link_order.h"
 #include "support/Errors.h"
@@ -34,8 +34,8 @@ List_of_lists<Clique_number> Cliques_of_nodes(Node n_nodes, Set_list const& cliq
 
 } // namespace
 
-Pair_table::Pair_table(Index_links const& links, Node n_nodes, Set_list const& cliques,
-                       std::size_t n_exact) {
+Edge_numbering::Edge_numbering(Index_links const& links, Node n_nodes, Set_list const& cliques,
+                               std::size_t n_exact) {
     Flat_array<Node_pair> pairs = links.pairs;
     bool const undirected =
         std::ranges::all_of(pairs, [](Node_pair const& pair) { return pair.first < pair.second; });
@@ -49,38 +49,38 @@ Pair_table::Pair_table(Index_links const& links, Node n_nodes, Set_list const& c
     bool const all_exact = n_exact >= cliques.size();
     List_of_lists<Clique_number> const approximated =
         all_exact ? List_of_lists<Clique_number>() : Cliques_of_nodes(n_nodes, cliques, n_exact);
-    seconds_.Reserve(pairs.size());
+    larger_.Reserve(pairs.size());
     std::size_t next = 0;
     Flat_array<Node> seen_for(n_nodes + 1, 0); // the node whose row holds this one already
     for (Node first = 0; first <= n_nodes; ++first) {
-        starts_.push_back(static_cast<Link_number>(seconds_.size()));
+        offsets_.push_back(static_cast<Link_number>(larger_.size()));
         for (; next < pairs.size() && pairs[next].first == first; ++next) {
             seen_for[pairs[next].second] = first;
-            seconds_.push_back(pairs[next].second);
+            larger_.push_back(pairs[next].second);
         }
         if (!all_exact) {
-            std::size_t const row = starts_.back();
+            std::size_t const row = offsets_.back();
             for (Clique_number const c : approximated[first]) {
                 for (Node const second : cliques[c]) {
                     if (second > first && seen_for[second] != first) {
                         seen_for[second] = first;
-                        seconds_.push_back(second);
+                        larger_.push_back(second);
                     }
                 }
             }
-            std::sort(seconds_.begin() + row, seconds_.end());
+            std::sort(larger_.begin() + row, larger_.end());
         }
-        if (seconds_.size() > std::numeric_limits<Link_number>::max()) {
+        if (larger_.size() > std::numeric_limits<Link_number>::max()) {
             throw Xerror_msg("ERROR: the network has more than 4294967295 links.");
         }
     }
-    starts_.push_back(static_cast<Link_number>(seconds_.size()));
+    offsets_.push_back(static_cast<Link_number>(larger_.size()));
 }
 
-void Pair_table::Append_numbers(Node first, Node_set others,
-                                std::vector<Link_number>& numbers) const {
+void Edge_numbering::Append_numbers(Node first, Node_set others,
+                                    std::vector<Link_number>& numbers) const {
     constexpr std::size_t steps_of_a_search = 8;
-    Node_set const row = Seconds(first);
+    Node_set const row = Larger_neighbours(first);
     if (row.size() / steps_of_a_search > others.size()) {
         for (Node const other : others) {
             numbers.push_back(Number(first, other));
@@ -89,7 +89,7 @@ void Pair_table::Append_numbers(Node first, Node_set others,
     }
     Link_number number = First_number(first);
     for (Node const other : others) {
-        while (seconds_[number] != other) {
+        while (larger_[number] != other) {
             ++number;
         }
         numbers.push_back(number);

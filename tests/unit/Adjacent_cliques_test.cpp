@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Coms_funcs/Overlap_index.h"
+#include "Coms_funcs/Adjacent_cliques.h"
 
 #include "support/Graph_makers.h"
 
@@ -17,33 +17,33 @@ std::uint32_t Shared(Node_set a, Node_set b) {
     return static_cast<std::uint32_t>(shared.size());
 }
 
-// All pairs, one by one. Claims as the index does.
+// All pairs, one by one. Visits as the index does.
 class By_pairs {
 public:
-    By_pairs(Set_list const& cliques, Overlap_index const& index)
+    By_pairs(Set_list const& cliques, Adjacent_cliques const& index)
         : cliques_(cliques), index_(index) {}
 
-    void Start_level(std::uint32_t least_shared, std::uint32_t least_size) {
-        least_shared_ = least_shared;
-        claimed_.clear();
+    void Start_level(std::uint32_t min_shared, std::uint32_t min_size) {
+        min_shared_ = min_shared;
+        visited_.clear();
         for (Clique_number c = 0; c < cliques_.size(); ++c) {
-            claimed_.push_back(cliques_[c].size() < least_size); // out of play
+            visited_.push_back(cliques_[c].size() < min_size); // out of play
         }
     }
-    bool Is_claimed(Clique_number c) const { return claimed_[c]; }
-    std::size_t Next_unclaimed(std::size_t from) const {
-        auto const begin = claimed_.begin() + static_cast<std::ptrdiff_t>(from);
-        return static_cast<std::size_t>(std::find(begin, claimed_.end(), false) - claimed_.begin());
+    bool Is_visited(Clique_number c) const { return visited_[c]; }
+    std::size_t Next_unvisited(std::size_t from) const {
+        auto const begin = visited_.begin() + static_cast<std::ptrdiff_t>(from);
+        return static_cast<std::size_t>(std::find(begin, visited_.end(), false) - visited_.begin());
     }
-    Flat_array<Partner> Claim_partners(Clique_number from) {
-        Flat_array<Partner> partners;
+    Flat_array<Adjacent_clique> Visit_adjacent(Clique_number from) {
+        Flat_array<Adjacent_clique> adjacent;
         for (Clique_number c = 0; c < cliques_.size(); ++c) {
-            if (!claimed_[c] && Shared(cliques_[from], cliques_[c]) >= least_shared_) {
-                claimed_[c] = true;
-                partners.push_back({c, New_nodes(from, c)});
+            if (!visited_[c] && Shared(cliques_[from], cliques_[c]) >= min_shared_) {
+                visited_[c] = true;
+                adjacent.push_back({c, New_nodes(from, c)});
             }
         }
-        return partners;
+        return adjacent;
     }
 
 private:
@@ -53,7 +53,7 @@ private:
             return 0;
         }
         if (ranked.size() > 64) {
-            return Overlap_index::all_new;
+            return Adjacent_cliques::all_new;
         }
         std::uint64_t bits = 0;
         for (std::size_t i = 0; i < ranked.size(); ++i) {
@@ -64,82 +64,83 @@ private:
     }
 
     Set_list const& cliques_;
-    Overlap_index const& index_;
-    std::uint32_t least_shared_ = 0;
-    std::vector<bool> claimed_;
+    Adjacent_cliques const& index_;
+    std::uint32_t min_shared_ = 0;
+    std::vector<bool> visited_;
 };
 
-std::vector<std::pair<Clique_number, std::uint64_t>> Plain(Flat_array<Partner> const& partners) {
+std::vector<std::pair<Clique_number, std::uint64_t>>
+Plain(Flat_array<Adjacent_clique> const& adjacent) {
     std::vector<std::pair<Clique_number, std::uint64_t>> plain;
-    for (Partner const& partner : partners) {
-        plain.push_back({partner.clique, partner.new_nodes});
+    for (Adjacent_clique const& one : adjacent) {
+        plain.push_back({one.clique, one.new_nodes});
     }
     return plain;
 }
 
-std::vector<Clique_number> Partners_of(Overlap_index& index, Clique_number from) {
-    Flat_array<Partner> partners;
-    index.Claim_partners({from, Overlap_index::all_new}, partners);
+std::vector<Clique_number> Adjacent_to(Adjacent_cliques& index, Clique_number from) {
+    Flat_array<Adjacent_clique> adjacent;
+    index.Visit_adjacent({from, Adjacent_cliques::all_new}, adjacent);
     std::vector<Clique_number> cliques;
-    for (Partner const& partner : partners) {
-        cliques.push_back(partner.clique);
+    for (Adjacent_clique const& one : adjacent) {
+        cliques.push_back(one.clique);
     }
     return cliques;
 }
 
 using Numbers = std::vector<Clique_number>;
 
-TEST(Overlap_index, Nodes_are_ranked_rarest_first_then_by_index) {
+TEST(Adjacent_cliques, Nodes_are_ranked_rarest_first_then_by_index) {
     Set_list const cliques{{1, 2, 3}, {2, 3, 4}, {3, 4, 5}};
-    Overlap_index const index(cliques, 6);
+    Adjacent_cliques const index(cliques, 6);
     EXPECT_EQ(To_vector(index.Ranked(0)), (std::vector<Node>{1, 2, 3}));
     EXPECT_EQ(To_vector(index.Ranked(1)), (std::vector<Node>{2, 4, 3}));
     EXPECT_EQ(To_vector(index.Ranked(2)), (std::vector<Node>{5, 4, 3}));
     EXPECT_EQ(index.Number_of_nodes(), 6U);
 }
 
-TEST(Overlap_index, Partners_share_enough_nodes_and_come_ascending) {
+TEST(Adjacent_cliques, Partners_share_enough_nodes_and_come_ascending) {
     Set_list const cliques{{2, 3, 4}, {3, 4, 5}, {1, 2, 3}, {4, 5, 6}};
-    Overlap_index index(cliques, 6);
+    Adjacent_cliques index(cliques, 6);
     index.Start_level(2, 3);
-    EXPECT_EQ(Partners_of(index, 0), (Numbers{0, 1, 2}));
-    EXPECT_EQ(Partners_of(index, 1), (Numbers{3})) << "the others are claimed";
-    EXPECT_EQ(Partners_of(index, 1), Numbers());
+    EXPECT_EQ(Adjacent_to(index, 0), (Numbers{0, 1, 2}));
+    EXPECT_EQ(Adjacent_to(index, 1), (Numbers{3})) << "the others are visited";
+    EXPECT_EQ(Adjacent_to(index, 1), Numbers());
     index.Start_level(1, 3);
-    EXPECT_EQ(Partners_of(index, 3), (Numbers{0, 1, 3})) << "no clique is claimed at a new level";
+    EXPECT_EQ(Adjacent_to(index, 3), (Numbers{0, 1, 3})) << "no clique is visited at a new level";
     index.Start_level(3, 3);
-    EXPECT_EQ(Partners_of(index, 3), (Numbers{3})) << "and levels may go up again";
+    EXPECT_EQ(Adjacent_to(index, 3), (Numbers{3})) << "and levels may go up again";
 }
 
-TEST(Overlap_index, Partners_are_appended) {
+TEST(Adjacent_cliques, Partners_are_appended) {
     Set_list const cliques{{1, 2, 3}, {2, 3, 4}};
-    Overlap_index index(cliques, 4);
+    Adjacent_cliques index(cliques, 4);
     index.Start_level(2, 3);
-    Flat_array<Partner> partners;
-    partners.push_back({9, 5});
-    index.Claim_partners({1, Overlap_index::all_new}, partners);
-    EXPECT_EQ(Plain(partners),
+    Flat_array<Adjacent_clique> adjacent;
+    adjacent.push_back({9, 5});
+    index.Visit_adjacent({1, Adjacent_cliques::all_new}, adjacent);
+    EXPECT_EQ(Plain(adjacent),
               (std::vector<std::pair<Clique_number, std::uint64_t>>{{9, 5}, {0, 1}, {1, 0}}));
-    EXPECT_TRUE(index.Is_claimed(0));
-    EXPECT_TRUE(index.Is_claimed(1));
+    EXPECT_TRUE(index.Is_visited(0));
+    EXPECT_TRUE(index.Is_visited(1));
 }
 
-TEST(Overlap_index, Small_cliques_are_out_of_play) {
+TEST(Adjacent_cliques, Small_cliques_are_out_of_play) {
     Set_list const cliques{{1, 2, 3}, {1, 2, 3, 4}, {2, 3, 4, 5}};
-    Overlap_index index(cliques, 5);
+    Adjacent_cliques index(cliques, 5);
     index.Start_level(3, 4);
-    EXPECT_EQ(Partners_of(index, 1), (Numbers{1, 2}));
-    EXPECT_TRUE(index.Is_claimed(0));
-    EXPECT_EQ(index.Next_unclaimed(0), 3U) << "the other two are claimed";
+    EXPECT_EQ(Adjacent_to(index, 1), (Numbers{1, 2}));
+    EXPECT_TRUE(index.Is_visited(0));
+    EXPECT_EQ(index.Next_unvisited(0), 3U) << "the other two are visited";
     index.Start_level(3, 3);
-    EXPECT_EQ(index.Next_unclaimed(1), 1U);
-    EXPECT_EQ(Partners_of(index, 1), (Numbers{0, 1, 2}));
+    EXPECT_EQ(index.Next_unvisited(1), 1U);
+    EXPECT_EQ(Adjacent_to(index, 1), (Numbers{0, 1, 2}));
     index.Start_level(2, 4);
-    EXPECT_EQ(Partners_of(index, 1), (Numbers{1, 2})) << "out of play again";
+    EXPECT_EQ(Adjacent_to(index, 1), (Numbers{1, 2})) << "out of play again";
 }
 
 // From the largest clique to a smaller one and back: neither may rule the other out unseen.
-TEST(Overlap_index, Cliques_of_any_size_find_each_other) {
+TEST(Adjacent_cliques, Cliques_of_any_size_find_each_other) {
     for (Node const large : {63U, 64U, 65U, 254U, 255U, 256U, 400U}) {
         std::vector<Node> first;
         for (Node node = 1; node <= large; ++node) {
@@ -150,13 +151,13 @@ TEST(Overlap_index, Cliques_of_any_size_find_each_other) {
         Set_list cliques;
         cliques.Add(first);
         cliques.Add(second);
-        Overlap_index index(cliques, large + 1);
+        Adjacent_cliques index(cliques, large + 1);
         index.Start_level(60, 61);
-        EXPECT_EQ(Partners_of(index, 0), (Numbers{0, 1})) << large;
+        EXPECT_EQ(Adjacent_to(index, 0), (Numbers{0, 1})) << large;
         index.Start_level(60, 61);
-        EXPECT_EQ(Partners_of(index, 1), (Numbers{0, 1})) << large;
+        EXPECT_EQ(Adjacent_to(index, 1), (Numbers{0, 1})) << large;
         index.Start_level(61, 61);
-        EXPECT_EQ(Partners_of(index, 0), (Numbers{0})) << large;
+        EXPECT_EQ(Adjacent_to(index, 0), (Numbers{0})) << large;
     }
 }
 
@@ -182,60 +183,60 @@ Set_list Random_sets(std::size_t count, Node n, Node largest, Random_numbers& ra
     return sets;
 }
 
-void Compare_level(Overlap_index& index, By_pairs& by_pairs, Set_list const& cliques,
+void Compare_level(Adjacent_cliques& index, By_pairs& by_pairs, Set_list const& cliques,
                    Random_numbers& random) {
     // Some in any order, with nothing known of them.
     for (std::uint32_t left = random.Below(6); left > 0; --left) {
         Clique_number const from = random.Below(static_cast<std::uint32_t>(cliques.size()));
-        Flat_array<Partner> partners;
-        index.Claim_partners({from, Overlap_index::all_new}, partners);
-        ASSERT_EQ(Plain(partners), Plain(by_pairs.Claim_partners(from))) << "from " << from;
+        Flat_array<Adjacent_clique> adjacent;
+        index.Visit_adjacent({from, Adjacent_cliques::all_new}, adjacent);
+        ASSERT_EQ(Plain(adjacent), Plain(by_pairs.Visit_adjacent(from))) << "from " << from;
     }
     // And the way percolation goes, with what is known.
     for (Clique_number c = 0; c < cliques.size(); ++c) {
-        ASSERT_EQ(index.Next_unclaimed(c), by_pairs.Next_unclaimed(c));
-        Flat_array<Partner> open;
-        if (!index.Is_claimed(c)) {
-            open.push_back({c, Overlap_index::all_new});
+        ASSERT_EQ(index.Next_unvisited(c), by_pairs.Next_unvisited(c));
+        Flat_array<Adjacent_clique> open;
+        if (!index.Is_visited(c)) {
+            open.push_back({c, Adjacent_cliques::all_new});
         }
         while (!open.empty()) {
-            Partner const from = open.back();
+            Adjacent_clique const from = open.back();
             open.pop_back();
-            Flat_array<Partner> partners;
-            index.Claim_partners(from, partners);
-            ASSERT_EQ(Plain(partners), Plain(by_pairs.Claim_partners(from.clique)));
-            open.Append(partners);
+            Flat_array<Adjacent_clique> adjacent;
+            index.Visit_adjacent(from, adjacent);
+            ASSERT_EQ(Plain(adjacent), Plain(by_pairs.Visit_adjacent(from.clique)));
+            open.Append(adjacent);
         }
-        ASSERT_EQ(index.Is_claimed(c), by_pairs.Is_claimed(c));
+        ASSERT_EQ(index.Is_visited(c), by_pairs.Is_visited(c));
     }
-    ASSERT_EQ(index.Next_unclaimed(cliques.size()), cliques.size());
+    ASSERT_EQ(index.Next_unvisited(cliques.size()), cliques.size());
 }
 
 void Compare_levels(Set_list const& cliques, Node n, std::uint32_t largest,
                     Random_numbers& random) {
-    Overlap_index index(cliques, n);
+    Adjacent_cliques index(cliques, n);
     By_pairs by_pairs(cliques, index);
-    for (std::uint32_t least_size = largest + 2; least_size > 1; --least_size) {
-        std::uint32_t const least_shared = least_size - 1;
-        std::uint32_t const size = random.Percent(50) ? least_size : least_shared;
-        if (least_size < 12 || random.Percent(10)) {
-            index.Start_level(least_shared, size);
-            by_pairs.Start_level(least_shared, size);
+    for (std::uint32_t min_size = largest + 2; min_size > 1; --min_size) {
+        std::uint32_t const min_shared = min_size - 1;
+        std::uint32_t const size = random.Percent(50) ? min_size : min_shared;
+        if (min_size < 12 || random.Percent(10)) {
+            index.Start_level(min_shared, size);
+            by_pairs.Start_level(min_shared, size);
             ASSERT_NO_FATAL_FAILURE(Compare_level(index, by_pairs, cliques, random))
-                << "least size " << size << ", least shared " << least_shared;
+                << "least size " << size << ", least shared " << min_shared;
         }
     }
     for (int again = 0; again < 6; ++again) {
-        std::uint32_t const least_shared = 1 + random.Below(largest);
-        std::uint32_t const least_size = least_shared + random.Below(3);
-        index.Start_level(least_shared, least_size);
-        by_pairs.Start_level(least_shared, least_size);
+        std::uint32_t const min_shared = 1 + random.Below(largest);
+        std::uint32_t const min_size = min_shared + random.Below(3);
+        index.Start_level(min_shared, min_size);
+        by_pairs.Start_level(min_shared, min_size);
         ASSERT_NO_FATAL_FAILURE(Compare_level(index, by_pairs, cliques, random))
-            << "out of turn: " << least_size << ", " << least_shared;
+            << "out of turn: " << min_size << ", " << min_shared;
     }
 }
 
-TEST(Overlap_index, Random_lists_agree_with_all_pairs) {
+TEST(Adjacent_cliques, Random_lists_agree_with_all_pairs) {
     Random_numbers random(71);
     for (int round = 0; round < 150; ++round) {
         Node const n = 3 + random.Below(30);
@@ -245,7 +246,7 @@ TEST(Overlap_index, Random_lists_agree_with_all_pairs) {
     }
 }
 
-TEST(Overlap_index, Large_cliques_agree_with_all_pairs) {
+TEST(Adjacent_cliques, Large_cliques_agree_with_all_pairs) {
     Random_numbers random(73);
     for (std::uint32_t const largest : {63U, 66U, 90U, 253U, 256U, 300U}) {
         Node const n = largest + 20;
@@ -265,32 +266,32 @@ TEST(Overlap_index, Large_cliques_agree_with_all_pairs) {
     }
 }
 
-TEST(Overlap_index, A_list_walked_many_times_forgets_claimed_cliques_only) {
+TEST(Adjacent_cliques, A_list_walked_many_times_forgets_claimed_cliques_only) {
     // Node 1 is in all cliques, so that its list is walked over and over.
     Set_list cliques;
     for (Node i = 0; i < 600; ++i) {
         cliques.Add(std::vector<Node>{1, 2 + i, 3 + i});
     }
-    Overlap_index index(cliques, 602);
+    Adjacent_cliques index(cliques, 602);
     By_pairs by_pairs(cliques, index);
     Random_numbers random(79);
-    for (std::uint32_t const least_shared : {3U, 2U, 1U, 2U}) {
-        index.Start_level(least_shared, 3);
-        by_pairs.Start_level(least_shared, 3);
+    for (std::uint32_t const min_shared : {3U, 2U, 1U, 2U}) {
+        index.Start_level(min_shared, 3);
+        by_pairs.Start_level(min_shared, 3);
         ASSERT_NO_FATAL_FAILURE(Compare_level(index, by_pairs, cliques, random));
     }
 }
 
-TEST(Overlap_index, A_level_upwards_forgets_the_one_before) {
+TEST(Adjacent_cliques, A_level_upwards_forgets_the_one_before) {
     Set_list const cliques{{1, 2, 3}, {3, 4, 5, 6}};
-    Overlap_index index(cliques, 6);
+    Adjacent_cliques index(cliques, 6);
     index.Start_level(2, 3);
     index.Start_level(3, 4);
-    EXPECT_TRUE(Partners_of(index, 0).empty()) << "out of play, and nobody shares three nodes";
+    EXPECT_TRUE(Adjacent_to(index, 0).empty()) << "out of play, and nobody shares three nodes";
 }
 
-// Long lists that are asked again and again, with so few partners that they stay long.
-TEST(Overlap_index, Finds_partners_in_long_lists) {
+// Long lists that are asked again and again, with so few adjacent that they stay long.
+TEST(Adjacent_cliques, Finds_partners_in_long_lists) {
     std::mt19937 random(3);
     constexpr std::size_t n_cliques = 6000;
     constexpr Node n_nodes = 24;
@@ -310,31 +311,31 @@ TEST(Overlap_index, Finds_partners_in_long_lists) {
         cliques.Close_list();
         masks.push_back(mask);
     }
-    Overlap_index index(cliques, n_nodes);
-    std::size_t n_partners = 0;
-    for (std::uint32_t const least_shared : {7U, 6U}) {
-        index.Start_level(least_shared, least_shared + 1);
-        std::vector<bool> claimed(n_cliques, false);
+    Adjacent_cliques index(cliques, n_nodes);
+    std::size_t n_adjacent = 0;
+    for (std::uint32_t const min_shared : {7U, 6U}) {
+        index.Start_level(min_shared, min_shared + 1);
+        std::vector<bool> visited(n_cliques, false);
         for (Clique_number from = 0; from < n_cliques; ++from) {
             std::vector<Clique_number> expected;
             for (Clique_number c = 0; c < n_cliques; ++c) {
-                if (!claimed[c] && std::popcount(masks[c]) > static_cast<int>(least_shared) &&
-                    std::popcount(masks[c] & masks[from]) >= static_cast<int>(least_shared)) {
-                    claimed[c] = true;
+                if (!visited[c] && std::popcount(masks[c]) > static_cast<int>(min_shared) &&
+                    std::popcount(masks[c] & masks[from]) >= static_cast<int>(min_shared)) {
+                    visited[c] = true;
                     expected.push_back(c);
                 }
             }
-            Flat_array<Partner> partners;
-            index.Claim_partners({from, Overlap_index::all_new}, partners);
+            Flat_array<Adjacent_clique> adjacent;
+            index.Visit_adjacent({from, Adjacent_cliques::all_new}, adjacent);
             std::vector<Clique_number> found;
-            for (Partner const& partner : partners) {
-                found.push_back(partner.clique);
+            for (Adjacent_clique const& one : adjacent) {
+                found.push_back(one.clique);
             }
-            ASSERT_EQ(found, expected) << "asked by " << from << " at " << least_shared;
-            n_partners += found.size();
+            ASSERT_EQ(found, expected) << "asked by " << from << " at " << min_shared;
+            n_adjacent += found.size();
         }
     }
-    EXPECT_GT(n_partners, n_cliques);
+    EXPECT_GT(n_adjacent, n_cliques);
 }
 
 } // namespace

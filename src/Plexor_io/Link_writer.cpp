@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "Plexor_io/Link_lines.h"
+#include "Plexor_io/Link_writer.h"
 
 namespace cpm {
 
-Link_lines::Link_lines(Pair_table const& pairs, Index_links const& links, Name_labels const& labels)
+Link_writer::Link_writer(Edge_numbering const& pairs, Index_links const& links,
+                         Name_labels const& labels)
     : pairs_(pairs), labels_(labels) {
     // Both the pairs and the links are ascending, so one look at each is enough.
     std::size_t next = 0;
@@ -14,8 +15,8 @@ Link_lines::Link_lines(Pair_table const& pairs, Index_links const& links, Name_l
         return next < links.size() && links.pairs[next] == pair;
     };
     std::size_t number = 0;
-    for (Node first = 0; first < pairs.Firsts_end(); ++first) {
-        for (Node const second : pairs.Seconds(first)) {
+    for (Node first = 0; first < pairs.Smaller_ends_end(); ++first) {
+        for (Node const second : pairs.Larger_neighbours(first)) {
             if (!is_link({first, second})) {
                 turned_.Resize(pairs.size() / 64 + 1, 0);
                 turned_[number / 64] |= std::uint64_t{1} << (number % 64);
@@ -26,20 +27,20 @@ Link_lines::Link_lines(Pair_table const& pairs, Index_links const& links, Name_l
 }
 
 // Where all communities are single cliques nobody asks for links by their numbers.
-void Link_lines::List_firsts() {
+void Link_writer::List_firsts() {
     firsts_.Reserve(pairs_.size());
-    for (Node first = 0; first < pairs_.Firsts_end(); ++first) {
-        firsts_.Resize(firsts_.size() + pairs_.Seconds(first).size(), first);
+    for (Node first = 0; first < pairs_.Smaller_ends_end(); ++first) {
+        firsts_.Resize(firsts_.size() + pairs_.Larger_neighbours(first).size(), first);
     }
 }
 
-void Link_lines::Put(std::span<Link_number const> numbers, Text_sink& text) {
+void Link_writer::Put(std::span<Link_number const> numbers, Text_sink& text) {
     if (firsts_.empty()) {
         List_firsts();
     }
     for (Link_number const number : numbers) {
         Node const first = firsts_[number];
-        Node const second = pairs_.Second(number);
+        Node const second = pairs_.Larger_end(number);
         if (!turned_.empty() && (turned_[number / 64] >> (number % 64) & 1) != 0) {
             Put_line(second, first, text);
         } else {
@@ -48,7 +49,7 @@ void Link_lines::Put(std::span<Link_number const> numbers, Text_sink& text) {
     }
 }
 
-void Link_lines::Put_all_pairs(Node_set nodes, Text_sink& text) {
+void Link_writer::Put_all_pairs(Node_set nodes, Text_sink& text) {
     for (std::size_t i = 0; i + 1 < nodes.size(); ++i) {
         Node_set const others = nodes.subspan(i + 1);
         if (!turned_.empty()) {

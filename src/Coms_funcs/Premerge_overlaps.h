@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Stale_overlaps: the clique overlap matrix in the rare state in which it does not fit its cliques.
+// Premerge_overlaps: the clique overlap matrix in the rare state in which it does not fit its
+// cliques.
 //
 // A time-limited search leaves the rows of the exact cliques it has found. When approximated
 // cliques are merged in, exact cliques that lie inside one of them are dropped, and those behind
@@ -8,8 +9,8 @@
 // cliques that once stood at these two positions, and so is one of an approximated clique that now
 // shares nothing. Deliberate: communities are found from the rows as they are. Pinned by
 // Stale_overlaps_test.cpp and the time-limited directed runs against the plain model.
-#ifndef PLEXOR_STALE_OVERLAPS_H
-#define PLEXOR_STALE_OVERLAPS_H
+#ifndef PLEXOR_PREMERGE_OVERLAPS_H
+#define PLEXOR_PREMERGE_OVERLAPS_H
 
 #include "graph/Types.h"
 
@@ -24,12 +25,12 @@ struct Clique_overlap {
     friend auto operator<=>(Clique_overlap const&, Clique_overlap const&) = default;
 };
 
-class Stale_overlaps {
+class Premerge_overlaps {
 public:
     /// The cliques before the merge and those after it, of which the first `n_exact` are exact.
     /// Both must outlive this object.
-    Stale_overlaps(Set_list const& before, Set_list const& cliques, std::size_t n_exact,
-                   Node n_nodes);
+    Premerge_overlaps(Set_list const& before, Set_list const& cliques, std::size_t n_exact,
+                      Node n_nodes);
 
     /// Leaves in `row` the entries of the clique's row that are `least` or more, ascending by
     /// clique. Entries of positions behind the last clique are passed over.

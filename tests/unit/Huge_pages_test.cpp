@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "support/Large_pages.h"
+#include "support/Huge_pages.h"
 
 #include <cstdint>
 #include <fstream>
@@ -11,12 +11,12 @@
 namespace cpm::test {
 namespace {
 
-constexpr std::size_t large_page = std::size_t{1} << 21;
+constexpr std::size_t huge_page = std::size_t{1} << 21;
 
 // Memory of its own that begins at a large page.
 class Area {
 public:
-    explicit Area(std::size_t size) : size_(size + large_page) {
+    explicit Area(std::size_t size) : size_(size + huge_page) {
         memory_ =
             ::mmap(nullptr, size_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     }
@@ -24,8 +24,7 @@ public:
     Area& operator=(Area const&) = delete;
     ~Area() { ::munmap(memory_, size_); }
     char* Begin() const {
-        return static_cast<char*>(memory_) +
-               -reinterpret_cast<std::uintptr_t>(memory_) % large_page;
+        return static_cast<char*>(memory_) + -reinterpret_cast<std::uintptr_t>(memory_) % huge_page;
     }
 
 private:
@@ -52,7 +51,7 @@ bool Is_wanted(char const* byte) {
     return false;
 }
 
-class Large_pages : public testing::Test {
+class Huge_pages : public testing::Test {
 protected:
     void SetUp() override {
         if (!std::ifstream("/sys/kernel/mm/transparent_hugepage/enabled")) {
@@ -61,31 +60,31 @@ protected:
     }
 };
 
-TEST_F(Large_pages, An_array_gets_them_with_all_pages_that_it_lies_in) {
-    Area const area(4 * large_page);
-    char* const begin = area.Begin() + large_page;
-    Ask_for_large_pages(begin + 16, large_page);
+TEST_F(Huge_pages, An_array_gets_them_with_all_pages_that_it_lies_in) {
+    Area const area(4 * huge_page);
+    char* const begin = area.Begin() + huge_page;
+    Ask_for_huge_pages(begin + 16, huge_page);
     EXPECT_FALSE(Is_wanted(begin - 1)) << "before its first page";
     EXPECT_TRUE(Is_wanted(begin)) << "in its first page";
-    EXPECT_TRUE(Is_wanted(begin + large_page + 4095)) << "in its last page";
-    EXPECT_FALSE(Is_wanted(begin + large_page + 4096)) << "behind its last page";
+    EXPECT_TRUE(Is_wanted(begin + huge_page + 4095)) << "in its last page";
+    EXPECT_FALSE(Is_wanted(begin + huge_page + 4096)) << "behind its last page";
 }
 
-TEST_F(Large_pages, A_smaller_array_is_left_alone) {
-    Area const area(large_page);
-    Ask_for_large_pages(area.Begin(), large_page - 1);
-    Ask_for_large_pages(area.Begin(), 0);
+TEST_F(Huge_pages, A_smaller_array_is_left_alone) {
+    Area const area(huge_page);
+    Ask_for_huge_pages(area.Begin(), huge_page - 1);
+    Ask_for_huge_pages(area.Begin(), 0);
     EXPECT_FALSE(Is_wanted(area.Begin()));
 }
 
 // Memory that is wanted in two ways cannot be moved as a whole: it would be copied.
-TEST_F(Large_pages, An_array_with_memory_of_its_own_still_grows_without_a_copy) {
-    Area const area(4 * large_page);
+TEST_F(Huge_pages, An_array_with_memory_of_its_own_still_grows_without_a_copy) {
+    Area const area(4 * huge_page);
     char* const begin = area.Begin();
-    Ask_for_large_pages(begin + 16, 2 * large_page - 16);
-    void* const moved = ::mremap(begin, 2 * large_page, 8 * large_page, MREMAP_MAYMOVE);
+    Ask_for_huge_pages(begin + 16, 2 * huge_page - 16);
+    void* const moved = ::mremap(begin, 2 * huge_page, 8 * huge_page, MREMAP_MAYMOVE);
     ASSERT_NE(moved, MAP_FAILED);
-    ::munmap(moved, 8 * large_page);
+    ::munmap(moved, 8 * huge_page);
 }
 
 } // namespace

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Coms_funcs/Pair_table.h"
+#include "Coms_funcs/Edge_numbering.h"
 
 #include "support/Graph_makers.h"
 
@@ -18,11 +18,11 @@ Index_links To_links(Pairs const& pairs) {
 }
 
 // All pairs of the table, by number.
-Pairs All(Pair_table const& table) {
+Pairs All(Edge_numbering const& table) {
     Pairs pairs;
-    for (Node first = 0; first < table.Firsts_end(); ++first) {
+    for (Node first = 0; first < table.Smaller_ends_end(); ++first) {
         EXPECT_EQ(table.First_number(first), pairs.size());
-        for (Node const second : table.Seconds(first)) {
+        for (Node const second : table.Larger_neighbours(first)) {
             pairs.push_back({first, second});
         }
     }
@@ -34,38 +34,38 @@ Pairs All(Pair_table const& table) {
     return pairs;
 }
 
-TEST(Pair_table, Undirected_pairs_are_numbered_as_the_links_are) {
+TEST(Edge_numbering, Undirected_pairs_are_numbered_as_the_links_are) {
     Pairs const pairs{{1, 2}, {1, 5}, {2, 3}, {4, 5}};
-    Pair_table const table(To_links(pairs), 5, {}, 0);
+    Edge_numbering const table(To_links(pairs), 5, {}, 0);
     EXPECT_EQ(All(table), pairs);
-    EXPECT_EQ(table.Firsts_end(), 6U);
-    EXPECT_EQ(To_vector(table.Seconds(1)), (std::vector<Node>{2, 5}));
-    EXPECT_EQ(To_vector(table.Seconds(3)), std::vector<Node>());
-    EXPECT_EQ(To_vector(table.Seconds(5)), std::vector<Node>());
+    EXPECT_EQ(table.Smaller_ends_end(), 6U);
+    EXPECT_EQ(To_vector(table.Larger_neighbours(1)), (std::vector<Node>{2, 5}));
+    EXPECT_EQ(To_vector(table.Larger_neighbours(3)), std::vector<Node>());
+    EXPECT_EQ(To_vector(table.Larger_neighbours(5)), std::vector<Node>());
 }
 
-TEST(Pair_table, Directed_links_lose_their_direction) {
-    EXPECT_EQ(All(Pair_table(To_links({{1, 2}, {2, 1}, {3, 1}, {3, 2}, {4, 3}}), 4, {}, 0)),
+TEST(Edge_numbering, Directed_links_lose_their_direction) {
+    EXPECT_EQ(All(Edge_numbering(To_links({{1, 2}, {2, 1}, {3, 1}, {3, 2}, {4, 3}}), 4, {}, 0)),
               (Pairs{{1, 2}, {1, 3}, {2, 3}, {3, 4}}));
 }
 
-TEST(Pair_table, Pairs_inside_approximated_cliques_are_added) {
+TEST(Edge_numbering, Pairs_inside_approximated_cliques_are_added) {
     Set_list const cliques{{1, 2, 3}, {2, 4, 5}, {1, 4, 5}};
     Index_links const links = To_links({{1, 2}, {1, 3}, {2, 3}, {4, 5}});
-    EXPECT_EQ(All(Pair_table(links, 5, cliques, 3)), (Pairs{{1, 2}, {1, 3}, {2, 3}, {4, 5}}));
-    EXPECT_EQ(All(Pair_table(links, 5, cliques, 2)),
+    EXPECT_EQ(All(Edge_numbering(links, 5, cliques, 3)), (Pairs{{1, 2}, {1, 3}, {2, 3}, {4, 5}}));
+    EXPECT_EQ(All(Edge_numbering(links, 5, cliques, 2)),
               (Pairs{{1, 2}, {1, 3}, {1, 4}, {1, 5}, {2, 3}, {4, 5}}));
-    EXPECT_EQ(All(Pair_table(links, 5, cliques, 1)),
+    EXPECT_EQ(All(Edge_numbering(links, 5, cliques, 1)),
               (Pairs{{1, 2}, {1, 3}, {1, 4}, {1, 5}, {2, 3}, {2, 4}, {2, 5}, {4, 5}}));
 }
 
-TEST(Pair_table, No_links_make_an_empty_table) {
-    EXPECT_EQ(All(Pair_table(Index_links(), 0, {}, 0)), Pairs());
-    EXPECT_EQ(Pair_table().size(), 0U);
-    EXPECT_EQ(Pair_table().Firsts_end(), 0U);
+TEST(Edge_numbering, No_links_make_an_empty_table) {
+    EXPECT_EQ(All(Edge_numbering(Index_links(), 0, {}, 0)), Pairs());
+    EXPECT_EQ(Edge_numbering().size(), 0U);
+    EXPECT_EQ(Edge_numbering().Smaller_ends_end(), 0U);
 }
 
-TEST(Pair_table, Random_tables_agree_with_a_set) {
+TEST(Edge_numbering, Random_tables_agree_with_a_set) {
     Random_numbers random(83);
     for (int round = 0; round < 300; ++round) {
         Node const n = 2 + random.Below(25);
@@ -100,7 +100,8 @@ TEST(Pair_table, Random_tables_agree_with_a_set) {
                 }
             }
         }
-        Pair_table const table(To_links(Pairs(links.begin(), links.end())), n, cliques, n_exact);
+        Edge_numbering const table(To_links(Pairs(links.begin(), links.end())), n, cliques,
+                                   n_exact);
         ASSERT_EQ(All(table), Pairs(expected.begin(), expected.end())) << "round " << round;
     }
 }
