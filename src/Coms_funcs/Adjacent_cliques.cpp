@@ -11,7 +11,7 @@
 //          against the plain model.
 #include "Coms_funcs/Adjacent_cliques.h"
 
-#include "support/Bit_counting.h"
+#include "support/Cpu_dispatch.h"
 
 #include <algorithm>
 #include <bit>

@@ -6,7 +6,7 @@
 // Tested   Bit_slices_test.cpp (against counting).
 #include "Coms_funcs/Bit_slices.h"
 
-#include "support/Bit_counting.h"
+#include "support/Cpu_dispatch.h"
 
 #include <algorithm>
 #include <bit>

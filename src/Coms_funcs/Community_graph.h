@@ -76,7 +76,6 @@ private:
     void Prepare(Communities const& coms);
     std::size_t Number_nodes();
     void Fill_row(std::uint32_t community);
-    void Sort_touched(std::uint32_t community);
     void Count_row(std::uint32_t community);
     void Count_pairs(std::uint32_t community, std::span<Overlap const> row, Pair_kind kind);
 

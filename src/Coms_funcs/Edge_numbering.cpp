@@ -3,39 +3,19 @@
 
 #include "graph/Link_order.h"
 #include "support/Errors.h"
+#include "support/Grouping.h"
 
+#include <cassert>
 #include <limits>
 
 namespace cpm {
 
-namespace {
-
-// The approximated cliques that hold a node, for each node.
-List_of_lists<Clique_number> Cliques_of_nodes(Node n_nodes, Set_list const& cliques,
-                                              std::size_t n_exact) {
-    Flat_array<Node_pair> pairs; // (node, clique)
-    for (std::size_t c = n_exact; c < cliques.size(); ++c) {
-        for (Node const node : cliques[c]) {
-            pairs.push_back({node, static_cast<Clique_number>(c)});
-        }
-    }
-    Flat_array<double> no_weights;
-    Sort_and_merge(pairs, no_weights, std::max(n_nodes + 1, static_cast<Node>(cliques.size())));
-    List_of_lists<Clique_number> lists;
-    std::size_t next = 0;
-    for (Node node = 0; node <= n_nodes; ++node) {
-        for (; next < pairs.size() && pairs[next].first == node; ++next) {
-            lists.Append(pairs[next].second);
-        }
-        lists.Close_list();
-    }
-    return lists;
-}
-
-} // namespace
-
 Edge_numbering::Edge_numbering(Index_links const& links, Node n_nodes, Set_list const& cliques,
                                std::size_t n_exact) {
+    assert(std::ranges::all_of(links.pairs, [&](Node_pair const& pair) {
+        return pair.first != pair.second && std::max(pair.first, pair.second) <= n_nodes;
+    }));
+    assert(std::ranges::all_of(cliques.Flat(), [&](Node node) { return node <= n_nodes; }));
     Flat_array<Node_pair> pairs = links.pairs;
     bool const undirected =
         std::ranges::all_of(pairs, [](Node_pair const& pair) { return pair.first < pair.second; });
@@ -47,8 +27,10 @@ Edge_numbering::Edge_numbering(Index_links const& links, Node n_nodes, Set_list 
         Sort_and_merge(pairs, no_weights, n_nodes + 1);
     }
     bool const all_exact = n_exact >= cliques.size();
-    List_of_lists<Clique_number> const approximated =
-        all_exact ? List_of_lists<Clique_number>() : Cliques_of_nodes(n_nodes, cliques, n_exact);
+    // The approximated cliques that hold a node, for each node.
+    auto const approximated =
+        all_exact ? Groups<Clique_number>()
+                  : Groups<Clique_number>::Of_members(cliques, n_exact, std::size_t{n_nodes} + 1);
     larger_.Reserve(pairs.size());
     std::size_t next = 0;
     Flat_array<Node> seen_for(n_nodes + 1, 0); // the node whose row holds this one already
@@ -92,6 +74,7 @@ void Edge_numbering::Append_numbers(Node first, Node_set others,
         while (larger_[number] != other) {
             ++number;
         }
+        assert(number < offsets_[first + 1]);
         numbers.push_back(number);
     }
 }

@@ -7,6 +7,7 @@
 
 #include "graph/Types.h"
 
+#include <cassert>
 #include <vector>
 
 namespace cpm {
@@ -33,6 +34,7 @@ public:
     /// The number of a pair that the table holds, given in either order.
     Link_number Number(Node a, Node b) const {
         // A binary search without branches to mispredict: the pair is there.
+        assert(a != b);
         Node const first = std::min(a, b);
         Node const second = std::max(a, b);
         Node const* row = larger_.data() + offsets_[first];
@@ -42,6 +44,7 @@ public:
             row += row[half] <= second ? half : 0;
             size -= half;
         }
+        assert(*row == second);
         return static_cast<Link_number>(row - larger_.data());
     }
     /// Appends the numbers of the pairs of the node with each of the others, which are larger and

@@ -7,39 +7,25 @@ namespace cpm {
 
 Premerge_overlaps::Premerge_overlaps(Set_list const& before, Set_list const& cliques,
                                      std::size_t n_exact, Node n_nodes)
-    : before_(Make_side(before, n_nodes)), after_(Make_side(cliques, n_nodes)), n_exact_(n_exact),
-      seen_for_(std::max(before.size(), cliques.size()), 0) {}
+    : before_{&before, Groups<Clique_number>::Of_members(before, 0, std::size_t{n_nodes} + 1)},
+      after_{&cliques, Groups<Clique_number>::Of_members(cliques, 0, std::size_t{n_nodes} + 1)},
+      n_exact_(n_exact), seen_for_(std::max(before.size(), cliques.size()), 0) {}
 
-Premerge_overlaps::Side Premerge_overlaps::Make_side(Set_list const& cliques, Node n_nodes) {
-    std::vector<std::vector<Clique_number>> holders(n_nodes + 1);
-    for (std::size_t c = 0; c < cliques.size(); ++c) {
-        for (Node const node : cliques[c]) {
-            holders[node].push_back(static_cast<Clique_number>(c));
-        }
-    }
-    Side side;
-    side.cliques = &cliques;
-    for (auto const& of_node : holders) {
-        side.holders.Add(of_node);
-    }
-    return side;
-}
-
-void Premerge_overlaps::Row(Clique_number clique, std::uint32_t least,
+void Premerge_overlaps::Row(Clique_number clique, std::uint32_t min_shared,
                             std::vector<Clique_overlap>& row) {
     row.clear();
-    Old_entries(clique, least, row);
-    Extend_ovlp_matr(clique, least, row);
+    Old_entries(clique, min_shared, row);
+    Extend_ovlp_matr(clique, min_shared, row);
     std::sort(row.begin(), row.end());
 }
 
 // The entries of the rows before the merge that nothing has been written over.
-void Premerge_overlaps::Old_entries(Clique_number clique, std::uint32_t least,
+void Premerge_overlaps::Old_entries(Clique_number clique, std::uint32_t min_shared,
                                     std::vector<Clique_overlap>& row) {
     if (clique >= before_.cliques->size()) {
         return;
     }
-    For_each_sharing(before_, clique, least, [&](Clique_number other, std::uint32_t shared) {
+    For_each_sharing(before_, clique, min_shared, [&](Clique_number other, std::uint32_t shared) {
         if (other < after_.cliques->size() && !Is_overwritten(clique, other)) {
             row.push_back({other, shared});
         }
@@ -48,9 +34,9 @@ void Premerge_overlaps::Old_entries(Clique_number clique, std::uint32_t least,
 
 // The entries that are written when approximated cliques are added: those of an approximated clique
 // with any clique it shares nodes with, and its own size.
-void Premerge_overlaps::Extend_ovlp_matr(Clique_number clique, std::uint32_t least,
+void Premerge_overlaps::Extend_ovlp_matr(Clique_number clique, std::uint32_t min_shared,
                                          std::vector<Clique_overlap>& row) {
-    For_each_sharing(after_, clique, least, [&](Clique_number other, std::uint32_t shared) {
+    For_each_sharing(after_, clique, min_shared, [&](Clique_number other, std::uint32_t shared) {
         if (clique >= n_exact_ || other >= n_exact_) {
             row.push_back({other, shared});
         }
@@ -78,13 +64,13 @@ std::uint32_t Premerge_overlaps::Shared(Set_list const& cliques, Clique_number a
     return shared;
 }
 
-// Takes the cliques of one side that share `least` nodes or more, and at least one, with the
-// clique. Each of them holds one of any size - least + 1 of its nodes: the rarest ones are asked.
+// Takes the cliques of one side that share `min_shared` nodes or more, and at least one, with the
+// clique. Each of them holds one of any size - min_shared + 1 of its nodes: take the rarest.
 template <class Take>
 void Premerge_overlaps::For_each_sharing(Side const& side, Clique_number clique,
-                                         std::uint32_t least, Take const& take) {
+                                         std::uint32_t min_shared, Take const& take) {
     Node_set const nodes = (*side.cliques)[clique];
-    std::uint32_t const needed = std::max(least, 1U);
+    std::uint32_t const needed = std::max(min_shared, 1U);
     if (nodes.size() < needed) {
         return;
     }

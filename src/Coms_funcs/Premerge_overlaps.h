@@ -8,11 +8,12 @@
 // approximated cliques over and behind them. So an entry of two exact cliques is that of the
 // cliques that once stood at these two positions, and so is one of an approximated clique that now
 // shares nothing. Deliberate: communities are found from the rows as they are. Pinned by
-// Stale_overlaps_test.cpp and the time-limited directed runs against the plain model.
+// Premerge_overlaps_test.cpp and the time-limited directed runs against the plain model.
 #ifndef PLEXOR_PREMERGE_OVERLAPS_H
 #define PLEXOR_PREMERGE_OVERLAPS_H
 
 #include "graph/Types.h"
+#include "support/Grouping.h"
 
 #include <vector>
 
@@ -32,23 +33,23 @@ public:
     Premerge_overlaps(Set_list const& before, Set_list const& cliques, std::size_t n_exact,
                       Node n_nodes);
 
-    /// Leaves in `row` the entries of the clique's row that are `least` or more, ascending by
+    /// Leaves in `row` the entries of the clique's row that are `min_shared` or more, ascending by
     /// clique. Entries of positions behind the last clique are passed over.
-    void Row(Clique_number clique, std::uint32_t least, std::vector<Clique_overlap>& row);
+    void Row(Clique_number clique, std::uint32_t min_shared, std::vector<Clique_overlap>& row);
 
 private:
     // A clique list with the cliques of each node.
     struct Side {
         Set_list const* cliques = nullptr;
-        List_of_lists<Clique_number> holders; ///< by node
+        Groups<Clique_number> holders; ///< by node
     };
 
-    static Side Make_side(Set_list const& cliques, Node n_nodes);
-    void Extend_ovlp_matr(Clique_number clique, std::uint32_t least,
+    void Extend_ovlp_matr(Clique_number clique, std::uint32_t min_shared,
                           std::vector<Clique_overlap>& row);
-    void Old_entries(Clique_number clique, std::uint32_t least, std::vector<Clique_overlap>& row);
+    void Old_entries(Clique_number clique, std::uint32_t min_shared,
+                     std::vector<Clique_overlap>& row);
     template <class Take>
-    void For_each_sharing(Side const& side, Clique_number clique, std::uint32_t least,
+    void For_each_sharing(Side const& side, Clique_number clique, std::uint32_t min_shared,
                           Take const& take);
     static std::uint32_t Shared(Set_list const& cliques, Clique_number a, Clique_number b);
     bool Is_overwritten(Clique_number a, Clique_number b) const;

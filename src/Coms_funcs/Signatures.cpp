@@ -2,14 +2,14 @@
 // Takes    a list's signatures and what one clique asks of them.
 // Leaves   the places worth a second look.
 // Cost     a signature: about a nanosecond one by one; with AVX-512 what it takes to load it.
-// Tested   Signatures_test.cpp (each walk against the definition).
+// Tested   Signatures_test.cpp (each scan against the definition).
 #include "Coms_funcs/Signatures.h"
 
-#include "support/Bit_counting.h"
+#include "support/Cpu_dispatch.h"
 
 #include <bit>
 
-#if defined(__x86_64__)
+#if PLEXOR_VECTOR_CODE
 #include <immintrin.h>
 #endif
 
@@ -57,7 +57,7 @@ std::size_t Scan_portable(Signature const* signatures, std::size_t count,
     return found;
 }
 
-#if defined(__x86_64__)
+#if PLEXOR_VECTOR_CODE
 
 __attribute__((target("avx2"))) inline __m256i Four_times(Signature word) {
     return _mm256_set1_epi64x(static_cast<long long>(word));
@@ -145,17 +145,16 @@ Scan_avx512(Signature const* signatures, std::size_t count, Signature_query cons
 } // namespace
 
 std::vector<Signature_scan> All_scans() {
-    std::vector<Signature_scan> walks{Scan_portable};
-#if defined(__x86_64__)
-    if (__builtin_cpu_supports("avx2")) {
-        walks.push_back(Scan_avx2);
+    std::vector<Signature_scan> scans{Scan_portable};
+#if PLEXOR_VECTOR_CODE
+    if (Cpu_has_avx2()) {
+        scans.push_back(Scan_avx2);
     }
-    if (__builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512vpopcntdq") &&
-        __builtin_cpu_supports("popcnt")) {
-        walks.push_back(Scan_avx512);
+    if (Cpu_has_avx512_popcount()) {
+        scans.push_back(Scan_avx512);
     }
 #endif
-    return walks;
+    return scans;
 }
 
 Signature_scan Fastest_scan() {

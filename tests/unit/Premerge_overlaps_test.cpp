@@ -59,37 +59,37 @@ Row Row_of(Matrix const& matrix, Clique_number clique, std::uint32_t least, std:
     return row;
 }
 
-Row Row_of(Premerge_overlaps& stale, Clique_number clique, std::uint32_t least) {
+Row Row_of(Premerge_overlaps& premerge, Clique_number clique, std::uint32_t least) {
     Row row{{77, 77}}; // what was there before goes
-    stale.Row(clique, least, row);
+    premerge.Row(clique, least, row);
     return row;
 }
 
 TEST(Premerge_overlaps, A_kept_clique_has_the_row_of_the_position_it_has_moved_to) {
     Set_list const before{{1, 2, 3}, {3, 4, 5, 6}, {5, 6, 7}};
     Set_list const after{{3, 4, 5, 6}, {5, 6, 7}, {1, 2, 3, 8}}; // the first was dropped
-    Premerge_overlaps stale(before, after, 2, 8);
-    EXPECT_EQ(Row_of(stale, 0, 1), (Row{{0, 3}, {1, 1}, {2, 1}})) << "that of {1, 2, 3}";
-    EXPECT_EQ(Row_of(stale, 1, 1), (Row{{0, 1}, {1, 4}, {2, 2}}))
+    Premerge_overlaps premerge(before, after, 2, 8);
+    EXPECT_EQ(Row_of(premerge, 0, 1), (Row{{0, 3}, {1, 1}, {2, 1}})) << "that of {1, 2, 3}";
+    EXPECT_EQ(Row_of(premerge, 1, 1), (Row{{0, 1}, {1, 4}, {2, 2}}))
         << "the last entry is that of {5, 6, 7}, as {1, 2, 3, 8} shares nothing with it";
-    EXPECT_EQ(Row_of(stale, 2, 1), (Row{{0, 1}, {1, 2}, {2, 4}})) << "its own size is new";
+    EXPECT_EQ(Row_of(premerge, 2, 1), (Row{{0, 1}, {1, 2}, {2, 4}})) << "its own size is new";
 }
 
 TEST(Premerge_overlaps, Entries_that_are_too_small_are_left_out) {
     Set_list const before{{1, 2, 3}, {2, 3, 4}, {4, 5, 6}};
     Set_list const after{{2, 3, 4}, {4, 5, 6}, {1, 2, 3, 7}};
-    Premerge_overlaps stale(before, after, 2, 7);
-    EXPECT_EQ(Row_of(stale, 0, 0), (Row{{0, 3}, {1, 2}, {2, 2}}));
-    EXPECT_EQ(Row_of(stale, 0, 3), (Row{{0, 3}}));
-    EXPECT_EQ(Row_of(stale, 0, 4), Row());
+    Premerge_overlaps premerge(before, after, 2, 7);
+    EXPECT_EQ(Row_of(premerge, 0, 0), (Row{{0, 3}, {1, 2}, {2, 2}}));
+    EXPECT_EQ(Row_of(premerge, 0, 3), (Row{{0, 3}}));
+    EXPECT_EQ(Row_of(premerge, 0, 4), Row());
 }
 
 TEST(Premerge_overlaps, Positions_behind_the_last_clique_are_passed_over) {
     Set_list const before{{1, 2, 3}, {1, 2, 4}, {1, 2, 5}, {1, 2, 6}};
     Set_list const after{{1, 2, 6}, {1, 2, 3, 4, 5}}; // three were dropped, one was added
-    Premerge_overlaps stale(before, after, 1, 6);
-    EXPECT_EQ(Row_of(stale, 0, 1), (Row{{0, 3}, {1, 2}}));
-    EXPECT_EQ(Row_of(stale, 1, 1), (Row{{0, 2}, {1, 5}}));
+    Premerge_overlaps premerge(before, after, 1, 6);
+    EXPECT_EQ(Row_of(premerge, 0, 1), (Row{{0, 3}, {1, 2}}));
+    EXPECT_EQ(Row_of(premerge, 1, 1), (Row{{0, 2}, {1, 5}}));
 }
 
 Set_list Random_sets(std::size_t count, Node n, Random_numbers& random) {
@@ -122,10 +122,10 @@ TEST(Premerge_overlaps, Random_lists_agree_with_a_stored_matrix) {
         }
         Matrix matrix = Rows_of(before);
         Extend(matrix, after, n_exact);
-        Premerge_overlaps stale(before, after, n_exact, n);
+        Premerge_overlaps premerge(before, after, n_exact, n);
         for (std::uint32_t const least : {0U, 1U, 2U, 3U, 5U}) {
             for (Clique_number c = 0; c < after.size(); ++c) {
-                ASSERT_EQ(Row_of(stale, c, least), Row_of(matrix, c, least, after.size()))
+                ASSERT_EQ(Row_of(premerge, c, least), Row_of(matrix, c, least, after.size()))
                     << "round " << round << ", clique " << c << ", at least " << least;
             }
         }
@@ -141,9 +141,9 @@ TEST(Premerge_overlaps, Fitting_overlaps_are_those_of_the_cliques) {
         after.Add(more[c]);
     }
     Matrix const matrix = Rows_of(after);
-    Premerge_overlaps stale(before, after, before.size(), 12);
+    Premerge_overlaps premerge(before, after, before.size(), 12);
     for (Clique_number c = 0; c < after.size(); ++c) {
-        EXPECT_EQ(Row_of(stale, c, 1), Row_of(matrix, c, 1, after.size()));
+        EXPECT_EQ(Row_of(premerge, c, 1), Row_of(matrix, c, 1, after.size()));
     }
 }
 

@@ -57,7 +57,7 @@ std::vector<std::uint32_t> By_definition(std::vector<Signature> const& signature
     return places;
 }
 
-TEST(Signature_scan, Each_finds_what_can_belong_to_a_partner) {
+TEST(Signature_scan, Each_finds_what_can_belong_to_an_adjacent_clique) {
     std::mt19937_64 random(20);
     std::size_t n_found = 0;
     std::size_t n_walked = 0;
