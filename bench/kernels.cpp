@@ -119,7 +119,7 @@ struct Prepared {
             largest = std::max(largest, static_cast<std::uint32_t>(cliques[c].size()));
         }
         n_nodes = static_cast<Node>(names.size() - 1);
-        pairs = Edge_numbering(links, n_nodes, cliques, cliques.size());
+        edges = Edge_numbering(links, n_nodes, cliques, cliques.size());
         labels.emplace(names);
     }
 
@@ -130,7 +130,7 @@ struct Prepared {
     Names_map names;
     std::optional<Name_labels> labels;
     Set_list cliques;
-    Edge_numbering pairs;
+    Edge_numbering edges;
     std::uint32_t largest = 0;
     Node n_nodes = 0;
 };
@@ -191,7 +191,8 @@ void Clique_search(benchmark::State& state) {
 void Setting_up_adjacent_cliques(benchmark::State& state) {
     Prepared& network = Network_of(state);
     for (auto _ : state) {
-        Adjacent_cliques index(network.cliques, network.n_nodes);
+        Ranked_cliques const ranked(network.cliques, network.n_nodes);
+        Adjacent_cliques index(ranked);
         index.Start_level(2, 3);
         benchmark::DoNotOptimize(index.Is_visited(0));
     }
@@ -201,15 +202,15 @@ void Setting_up_adjacent_cliques(benchmark::State& state) {
 // Every clique asked once for its unvisited adjacent at k = 4, in the order of their numbers.
 void Visiting_adjacent_cliques(benchmark::State& state) {
     Prepared& network = Network_of(state);
-    Adjacent_cliques index(network.cliques, network.n_nodes);
+    Ranked_cliques const ranked(network.cliques, network.n_nodes);
+    Adjacent_cliques index(ranked);
     Flat_array<Adjacent_clique> adjacent;
     for (auto _ : state) {
         index.Start_level(3, 4);
         adjacent.clear();
         for (std::size_t c = 0; c < network.cliques.size(); ++c) {
             if (network.cliques[c].size() >= 4) {
-                index.Visit_adjacent({static_cast<Clique_number>(c), Adjacent_cliques::all_new},
-                                     adjacent);
+                index.Visit_adjacent({static_cast<Clique_number>(c), all_new}, adjacent);
             }
         }
     }
@@ -222,7 +223,7 @@ void Percolating_all_k(benchmark::State& state) {
     Communities coms;
     for (auto _ : state) {
         Percolation percolation(network.cliques, network.cliques.size(), network.n_nodes,
-                                network.pairs);
+                                network.edges);
         n_communities = 0;
         for (std::uint32_t k = network.largest; k > 2; --k) {
             percolation.Coms_from_appr_ovlp_matr(coms, k);
@@ -235,8 +236,8 @@ void Percolating_all_k(benchmark::State& state) {
 // The communities at k = 3 with everything that writing them needs.
 struct Lowest_level {
     explicit Lowest_level(Prepared& network)
-        : percolation(network.cliques, network.cliques.size(), network.n_nodes, network.pairs),
-          lines(network.pairs, network.links, *network.labels) {
+        : percolation(network.cliques, network.cliques.size(), network.n_nodes, network.edges),
+          lines(network.edges, network.links, *network.labels) {
         percolation.Coms_from_appr_ovlp_matr(coms, 3);
     }
     Percolation percolation;
@@ -249,14 +250,12 @@ void Links_of_communities(benchmark::State& state) {
     Prepared& network = Network_of(state);
     Lowest_level level(network);
     Text text;
-    Link_visitor const put_lines{
-        .numbers = [&](std::span<Link_number const> numbers) { level.lines.Put(numbers, text); },
-        .all_pairs = [&](Node_set nodes) { level.lines.Put_all_pairs(nodes, text); }};
+    Links_to_text lines(level.lines, text);
     std::int64_t bytes = 0;
     for (auto _ : state) {
         for (std::size_t i = 0; i < level.coms.size(); ++i) {
             text.Clear();
-            level.coms.links(i, put_lines);
+            level.coms.Visit_links(i, lines);
             benchmark::DoNotOptimize(text.View().data());
             bytes += static_cast<std::int64_t>(text.View().size());
         }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Takes    sets by the classes of their nodes; questions.
+// Takes    sets by the buckets of their nodes; queries.
 // Leaves   the sets that do not lack too many of the nodes asked for.
-// Cost     a bit a class and set. A walk: a row of bits for every 512 sets and node looked at;
+// Cost     a bit a bucket and set. A scan: a row of bits for every 512 sets and node looked at;
 //          these are few where most sets lack more than allowed of the first nodes already.
 // Tested   Bit_slices_test.cpp (against counting).
 #include "Coms_funcs/Bit_slices.h"
@@ -35,7 +35,7 @@ using Wide = std::uint64_t __attribute__((vector_size(sizeof(Bits))));
 
 // For each set of a block the number of nodes that it lacks, in binary digits, one row a digit, so
 // that one operation counts for all sets. The counters begin so high that they overflow when a set
-// lacks one node too many; that closes it for this walk.
+// lacks one node too many; that rules it out for this scan.
 template <unsigned digits>
 [[gnu::always_inline]] inline void Rule_out_missing(Bits const* rows, std::size_t row_length,
                                                     Slice_query const& query, Wide& open) {
@@ -115,15 +115,15 @@ Bit_slices::Bit_slices(std::uint32_t n_sets, std::size_t n_buckets)
     }
 }
 
-void Bit_slices::Walk(Slice_query const& query, std::vector<std::uint32_t>& found) const {
+void Bit_slices::Scan(Slice_query const& query, std::vector<std::uint32_t>& found) const {
     Bits open;
     for (std::size_t block = 0; block < n_blocks_; ++block) {
         Scan_block(bits_.data() + block, n_blocks_, n_buckets_, query, open);
         for (std::size_t w = 0; w < open.size(); ++w) {
-            for (std::uint64_t rest = open[w]; rest != 0; rest &= rest - 1) {
-                found.push_back(static_cast<std::uint32_t>(block * block_length + w * 64) +
-                                static_cast<std::uint32_t>(std::countr_zero(rest)));
-            }
+            For_each_bit(open[w], [&](std::size_t bit) {
+                found.push_back(
+                    static_cast<std::uint32_t>(block * block_length + w * word_bits + bit));
+            });
         }
     }
 }

@@ -1,25 +1,26 @@
 // SPDX-License-Identifier: MIT
-// Bit_slice_cache: long lists of node sets, turned by a quarter: for each bucket of nodes there is
-// a row of bits, one for each set of the list, that says whether the set has a node of the class. A
-// walk that looks for sets which lack few of some nodes deals with 512 sets in one stroke, and
-// after a handful of rows it mostly knows that none of them is what it looks for.
+// Bit_slices: a long list of node sets as a bit-sliced signature file, which is the list
+// transposed: a bit row per bucket of nodes, a column per set, that says whether the set has a node
+// of the bucket. A scan for sets that lack few of some nodes deals with a block of 512 sets in one
+// stroke, and after a handful of rows it mostly knows that none of them is what it looks for.
 #ifndef PLEXOR_BIT_SLICES_H
 #define PLEXOR_BIT_SLICES_H
 
 #include "graph/Types.h"
+#include "support/Bits.h"
 
 #include <array>
 #include <vector>
 
 namespace cpm {
 
-/// A bucket of nodes, numbered from 0 on.
+/// A bucket that nodes are hashed to, numbered from 0 on.
 using Node_bucket = std::uint16_t;
 
 /// What is asked of a list: the sets that lack at most `max_missing` of some nodes and, unless
-/// `needed` is empty, have a node of one of the classes in it.
+/// `needed` is empty, have a node of one of the buckets in it.
 struct Slice_query {
-    std::span<Node_bucket const> nodes; ///< their classes, best those first that few sets have
+    std::span<Node_bucket const> nodes; ///< their buckets, best those first that few sets have
     std::span<Node_bucket const> needed;
     std::uint32_t max_missing = 0;
 };
@@ -28,7 +29,7 @@ class Bit_slices {
 public:
     static constexpr std::size_t block_length = 512;
     /// The bits of a row that belong to one block of the list: 512 sets.
-    using Bits = std::array<std::uint64_t, block_length / 64>;
+    using Bits = std::array<std::uint64_t, block_length / word_bits>;
 
     Bit_slices() = default;
     /// Sets without nodes, all of which can be found.
@@ -39,31 +40,30 @@ public:
         return (n_buckets + 1) * N_blocks(n_sets) * sizeof(Bits);
     }
     std::uint64_t Bytes() const { return bits_.size() * sizeof(Bits); }
-    /// The set has a node of the class.
+    /// The set has a node of the bucket.
     void Add(std::uint32_t set, Node_bucket bucket) { Word(bucket, set) |= Bit(set); }
     /// The set is not to be found any more.
     void Close(std::uint32_t set) { Word(n_buckets_, set) &= ~Bit(set); }
     /// Appends to `found` the numbers of all sets that are asked for, ascending, and of some others
-    /// (a class is not a node).
-    void Walk(Slice_query const& query, std::vector<std::uint32_t>& found) const;
+    /// (a bucket is not a node).
+    void Scan(Slice_query const& query, std::vector<std::uint32_t>& found) const;
 
 private:
     static std::uint64_t N_blocks(std::uint64_t n_sets) {
         return (n_sets + block_length - 1) / block_length;
     }
-    static std::uint64_t Bit(std::uint32_t set) { return std::uint64_t{1} << (set % 64); }
     std::uint64_t& Word(std::size_t row, std::uint32_t set) {
-        return bits_[row * n_blocks_ + set / block_length][set % block_length / 64];
+        return bits_[row * n_blocks_ + set / block_length][set % block_length / word_bits];
     }
 
     std::size_t n_blocks_ = 0;
     std::size_t n_buckets_ = 0;
-    /// Row by row: what a walk reads of a row lies side by side. Behind those of the classes there
-    /// is one that says which sets can be found.
+    /// Row by row: what a scan reads of a row lies side by side. Behind the rows of the buckets
+    /// there is one that says which sets can be found.
     std::vector<Bits> bits_;
 };
 
-/// As many lists as there is room for.
+/// The slices of as many lists as there is room for.
 class Bit_slice_cache {
 public:
     /// The numbers of lists are below `n_lists`.

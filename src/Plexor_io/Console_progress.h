@@ -29,13 +29,21 @@ public:
     void Approximation_done(std::uint64_t n_exact, std::uint64_t n_approximated) override;
     void Level_began(std::uint32_t k, std::uint32_t largest) override;
     void Level_found() override;
+    void K_clique_search_began(std::uint32_t k, double intensity) override;
+    void K_clique_search_at(std::uint32_t to_do, std::uint32_t total) override;
+    void K_clique_search_done(std::uint32_t n_k_cliques) override;
+    void K_cliques_joining_began(std::uint32_t k, double intensity) override;
+    void K_cliques_joining_at(std::uint32_t to_do, std::uint32_t total) override;
 
 private:
+    void Set_titles(std::string_view title, std::uint32_t k, std::string_view title2,
+                    double intensity);
     std::string_view Cliques() const { return search_.directed ? "directed cliques" : "cliques"; }
 
     Console& console_;
     Clique_search search_;
-    Text title_; ///< of the reports of the search
+    Text title_;  ///< of the reports of the search
+    Text title2_; ///< its second line, where there is one
 };
 
 namespace Coms_report_sub {

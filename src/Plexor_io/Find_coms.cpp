@@ -14,8 +14,8 @@ namespace cpm {
 
 Coms_finder::Coms_finder(Coms_input input, Run_files& files, Progress& progress)
     : input_(std::move(input)), files_(files), progress_(progress),
-      pairs_(input_.links, input_.n_nodes, input_.found.cliques, input_.found.n_exact),
-      link_lines_(pairs_, input_.links, input_.labels) {
+      edges_(input_.links, input_.n_nodes, input_.found.cliques, input_.found.n_exact),
+      link_writer_(edges_, input_.links, input_.labels) {
     Found_cliques const& found = input_.found;
     if (input_.run.intensity) {
         return;
@@ -27,7 +27,7 @@ Coms_finder::Coms_finder(Coms_input input, Run_files& files, Progress& progress)
                                                         found.n_exact, input_.n_nodes);
     }
     percolation_ = std::make_unique<Percolation>(found.cliques, found.n_exact, input_.n_nodes,
-                                                 pairs_, found.nested, premerge_.get());
+                                                 edges_, found.nested, premerge_.get());
 }
 
 void Coms_finder::Find_coms(std::uint32_t k) {
@@ -49,14 +49,14 @@ void Coms_finder::From_k_cliques(std::uint32_t k) {
     Run_settings const& run = input_.run;
     K_clique_list k_cliques;
     Generate_k_cls_from_cls(input_.found.cliques, input_.links, k_cliques, k,
-                            run.intensity_threshold, files_.console);
+                            run.intensity_threshold, progress_);
     files_.console.Put_line("__________________________");
     files_.console.Put_line(" Writing k-clques to disk.");
     Kiir_k_cliques_PX(k_cliques, input_.labels, {files_, k});
-    Intensity_coms_from_k_cliques(k_cliques, coms_, input_.links, run.intensity_threshold,
-                                  files_.console);
+    Intensity_coms_from_k_cliques(std::move(k_cliques), coms_, input_.links,
+                                  run.intensity_threshold, progress_);
     Write(k);
-    coms_ = Communities(); // their links are looked up in the k-cliques
+    coms_ = Communities(); // which holds the k-cliques
 }
 
 void Coms_finder::Write(std::uint32_t k) {
@@ -66,7 +66,7 @@ void Coms_finder::Write(std::uint32_t k) {
     if (!input_.run.intensity) {
         Kiir_coms_cliques_PX(coms_, input_.found.n_exact, files);
     }
-    Kiir_com_links_PX(coms_, link_lines_, files);
+    Kiir_com_links_PX(coms_, link_writer_, files);
     files_.console.Put_line(" done.");
 
     Prepare_community_graph(coms_, graph_);

@@ -54,8 +54,8 @@ private:
     Coms_input input_;
     Run_files& files_;
     Progress& progress_;
-    Edge_numbering pairs_;
-    Link_writer link_lines_;
+    Edge_numbering edges_;
+    Link_writer link_writer_;
     std::unique_ptr<Premerge_overlaps> premerge_; ///< in the rare state that needs them
     std::unique_ptr<Percolation> percolation_;    ///< none in intensity runs
     Communities coms_;                            ///< of the k under way

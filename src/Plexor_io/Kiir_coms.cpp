@@ -49,13 +49,11 @@ void Kiir_com_links_PX(Communities const& coms, Link_writer& lines, Level_files 
     Text_file file(files.File(files.run.Flag_before('_') + "communities_links"), files.run);
     Put_header("links inside the ", files, file);
     file.Put('\n');
-    Link_visitor const put_lines{
-        .numbers = [&](std::span<Link_number const> numbers) { lines.Put(numbers, file); },
-        .all_pairs = [&](Node_set nodes) { lines.Put_all_pairs(nodes, file); }};
+    Links_to_text links(lines, file);
     for (std::size_t i = 0; i < coms.size(); ++i) {
         file.Put_number(i, i >= coms.n_exact);
         file.Put(":\n");
-        coms.links(i, put_lines);
+        coms.Visit_links(i, links);
     }
 }
 

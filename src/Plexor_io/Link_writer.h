@@ -8,6 +8,7 @@
 #include "Plexor_io/Name_labels.h"
 #include "Plexor_io/Text_sink.h"
 #include "graph/Types.h"
+#include "support/Bits.h"
 
 #include <span>
 #include <vector>
@@ -16,10 +17,10 @@ namespace cpm {
 
 class Link_writer {
 public:
-    /// The pairs and the labels must outlive this object. A line has the smaller index first if the
+    /// The edges and the labels must outlive this object. A line has the smaller index first if the
     /// links have both directions, the larger one first if they have none (two nodes of an
     /// approximated clique).
-    Link_writer(Edge_numbering const& pairs, Index_links const& links, Name_labels const& labels);
+    Link_writer(Edge_numbering const& edges, Index_links const& links, Name_labels const& labels);
 
     /// The lines of the pairs of these numbers, in this order.
     void Put(std::span<Link_number const> numbers, Text_sink& text);
@@ -34,12 +35,24 @@ private:
         text.Replace_last('\n'); // the blank behind the name
     }
 
-    Edge_numbering const& pairs_;
+    Edge_numbering const& edges_;
     Name_labels const& labels_;
-    Flat_array<Node> firsts_;          ///< by number: the smaller index; made when first needed
-    Flat_array<std::uint64_t> turned_; ///< a bit a number: the larger index comes first; empty if
-                                       ///< it never does
+    Flat_array<Node> firsts_;            ///< by number: the smaller index; made when first needed
+    Flat_array<std::uint64_t> reversed_; ///< a bit a number: the larger index comes first; empty if
+                                         ///< it never does
     std::vector<Link_number> row_;
+};
+
+/// Writes the links that it is handed as lines of text. Both must outlive it.
+class Links_to_text : public Link_visitor {
+public:
+    Links_to_text(Link_writer& lines, Text_sink& text) : lines_(lines), text_(text) {}
+    void Numbers(std::span<Link_number const> numbers) override { lines_.Put(numbers, text_); }
+    void All_pairs(Node_set nodes) override { lines_.Put_all_pairs(nodes, text_); }
+
+private:
+    Link_writer& lines_;
+    Text_sink& text_;
 };
 
 } // namespace cpm

@@ -10,8 +10,8 @@
 #include <compare>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <initializer_list>
+#include <memory>
 #include <span>
 #include <string_view>
 
@@ -156,20 +156,33 @@ struct Index_links {
 /// Takes the links of one community, in the order in which they are written, in as many pieces as
 /// suit: the links of all communities together are often much more than the cliques they come from,
 /// so nobody holds them.
-struct Link_visitor {
-    std::function<void(std::span<Link_number const>)> numbers; ///< numbers of the Edge_numbering
-    std::function<void(Node_set)> all_pairs;                   ///< the pairs of a clique's nodes
+class Link_visitor {
+public:
+    virtual ~Link_visitor() = default;
+    virtual void Numbers(std::span<Link_number const> numbers) = 0; ///< of the Edge_numbering
+    virtual void All_pairs(Node_set nodes) = 0;                     ///< the pairs of these nodes
 };
-using Community_links = std::function<void(std::size_t community, Link_visitor const& take)>;
+
+/// What the links of the communities of one k are made from.
+class Community_links {
+public:
+    virtual ~Community_links() = default;
+    /// Hands out the links of a community of these nodes.
+    virtual void Visit(std::size_t community, Node_set nodes, Link_visitor& visitor) const = 0;
+};
 
 /// The communities found at one k. Position i everywhere belongs to community i; the exact
-/// communities come first.
+/// communities come first. A value that owns what it holds: it stays as it is when the next k is
+/// worked on.
 struct Communities {
     Set_list nodes;
     List_of_lists<Clique_number> cliques; ///< in the order they joined; empty in intensity runs
-    Community_links links;                ///< stays valid until the next k is worked on
-    std::uint32_t n_exact = 0;            ///< how many of them hold no approximated clique
+    std::shared_ptr<Community_links const> links; ///< copies share it, as it never changes
+    std::uint32_t n_exact = 0;                    ///< how many of them hold no approximated clique
     std::size_t size() const { return nodes.size(); }
+    void Visit_links(std::size_t community, Link_visitor& visitor) const {
+        links->Visit(community, nodes[community], visitor);
+    }
 };
 
 } // namespace cpm

@@ -53,6 +53,16 @@ public:
     /// `largest` is the size of the largest clique, where the levels begin.
     virtual void Level_began(std::uint32_t /*k*/, std::uint32_t /*largest*/) {}
     virtual void Level_found() {}
+
+    // --- k-cliques above an intensity: first found in the cliques, then joined to communities. ---
+
+    virtual void K_clique_search_began(std::uint32_t /*k*/, double /*intensity*/) {}
+    /// A clique of k nodes or more comes next. `to_do` of `total` cliques are left, this included.
+    virtual void K_clique_search_at(std::uint32_t /*to_do*/, std::uint32_t /*total*/) {}
+    virtual void K_clique_search_done(std::uint32_t /*n_k_cliques*/) {}
+    virtual void K_cliques_joining_began(std::uint32_t /*k*/, double /*intensity*/) {}
+    /// A k-clique comes next. `to_do` of `total` k-cliques are left, this included.
+    virtual void K_cliques_joining_at(std::uint32_t /*to_do*/, std::uint32_t /*total*/) {}
 };
 
 } // namespace cpm

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The overlap index when its sliced lists need more room than they may have: large cliques of few
-// nodes, whose lists are all long and asked all the time.
+// Adjacent cliques when the slices of the lists need more room than they may have: large cliques of
+// few nodes, whose lists are all long and scanned all the time.
 #include "Coms_funcs/Adjacent_cliques.h"
 
 #include "support/Random_numbers.h"
@@ -59,19 +59,20 @@ std::vector<std::vector<Clique_number>> By_counting(Network const& network,
     return found;
 }
 
-// With 1,024 classes of nodes a sliced list takes 128 bytes a clique. At 24 shared nodes each
+// With 1,024 buckets of nodes the slices of a list take 128 bytes a clique. At 24 shared nodes each
 // clique is in ten lists, 1,280 bytes in all; a clique of 33 nodes makes room for 264. What does
 // not fit makes all lists give way, and come back, many times over.
-TEST(Adjacent_cliques_room, Lists_that_give_way_to_others_lose_no_partner) {
+TEST(Adjacent_cliques_room, Lists_that_give_way_to_others_lose_no_adjacent_clique) {
     Network const network = Random_halves(83);
-    Adjacent_cliques index(network.cliques, n_nodes);
+    Ranked_cliques const ranked(network.cliques, n_nodes);
+    Adjacent_cliques index(ranked);
     std::size_t n_others = 0;
     for (std::uint32_t const min_shared : {25U, 24U}) {
         auto const expected = By_counting(network, min_shared);
         index.Start_level(min_shared, min_shared);
         for (Clique_number from = 0; from < n_cliques; ++from) {
             Flat_array<Adjacent_clique> adjacent;
-            index.Visit_adjacent({from, Adjacent_cliques::all_new}, adjacent);
+            index.Visit_adjacent({from, all_new}, adjacent);
             std::vector<Clique_number> found;
             for (Adjacent_clique const& one : adjacent) {
                 found.push_back(one.clique);

@@ -20,14 +20,13 @@ std::uint32_t Shared(Node_set a, Node_set b) {
 // All pairs, one by one. Visits as the index does.
 class By_pairs {
 public:
-    By_pairs(Set_list const& cliques, Adjacent_cliques const& index)
-        : cliques_(cliques), index_(index) {}
+    explicit By_pairs(Ranked_cliques const& ranked) : cliques_(ranked.Cliques()), ranked_(ranked) {}
 
     void Start_level(std::uint32_t min_shared, std::uint32_t min_size) {
         min_shared_ = min_shared;
         visited_.clear();
         for (Clique_number c = 0; c < cliques_.size(); ++c) {
-            visited_.push_back(cliques_[c].size() < min_size); // out of play
+            visited_.push_back(cliques_[c].size() < min_size); // inactive
         }
     }
     bool Is_visited(Clique_number c) const { return visited_[c]; }
@@ -48,12 +47,12 @@ public:
 
 private:
     std::uint64_t New_nodes(Clique_number from, Clique_number clique) const {
-        std::span<Node const> const ranked = index_.Ranked(clique);
+        std::span<Node const> const ranked = ranked_[clique];
         if (from == clique) {
             return 0;
         }
         if (ranked.size() > 64) {
-            return Adjacent_cliques::all_new;
+            return all_new;
         }
         std::uint64_t bits = 0;
         for (std::size_t i = 0; i < ranked.size(); ++i) {
@@ -64,7 +63,7 @@ private:
     }
 
     Set_list const& cliques_;
-    Adjacent_cliques const& index_;
+    Ranked_cliques const& ranked_;
     std::uint32_t min_shared_ = 0;
     std::vector<bool> visited_;
 };
@@ -80,7 +79,7 @@ Plain(Flat_array<Adjacent_clique> const& adjacent) {
 
 std::vector<Clique_number> Adjacent_to(Adjacent_cliques& index, Clique_number from) {
     Flat_array<Adjacent_clique> adjacent;
-    index.Visit_adjacent({from, Adjacent_cliques::all_new}, adjacent);
+    index.Visit_adjacent({from, all_new}, adjacent);
     std::vector<Clique_number> cliques;
     for (Adjacent_clique const& one : adjacent) {
         cliques.push_back(one.clique);
@@ -92,16 +91,17 @@ using Numbers = std::vector<Clique_number>;
 
 TEST(Adjacent_cliques, Nodes_are_ranked_rarest_first_then_by_index) {
     Set_list const cliques{{1, 2, 3}, {2, 3, 4}, {3, 4, 5}};
-    Adjacent_cliques const index(cliques, 6);
-    EXPECT_EQ(To_vector(index.Ranked(0)), (std::vector<Node>{1, 2, 3}));
-    EXPECT_EQ(To_vector(index.Ranked(1)), (std::vector<Node>{2, 4, 3}));
-    EXPECT_EQ(To_vector(index.Ranked(2)), (std::vector<Node>{5, 4, 3}));
-    EXPECT_EQ(index.Number_of_nodes(), 6U);
+    Ranked_cliques const ranked(cliques, 6);
+    EXPECT_EQ(To_vector(ranked[0]), (std::vector<Node>{1, 2, 3}));
+    EXPECT_EQ(To_vector(ranked[1]), (std::vector<Node>{2, 4, 3}));
+    EXPECT_EQ(To_vector(ranked[2]), (std::vector<Node>{5, 4, 3}));
+    EXPECT_EQ(ranked.Number_of_nodes(), 6U);
 }
 
 TEST(Adjacent_cliques, Partners_share_enough_nodes_and_come_ascending) {
     Set_list const cliques{{2, 3, 4}, {3, 4, 5}, {1, 2, 3}, {4, 5, 6}};
-    Adjacent_cliques index(cliques, 6);
+    Ranked_cliques const ranked(cliques, 6);
+    Adjacent_cliques index(ranked);
     index.Start_level(2, 3);
     EXPECT_EQ(Adjacent_to(index, 0), (Numbers{0, 1, 2}));
     EXPECT_EQ(Adjacent_to(index, 1), (Numbers{3})) << "the others are visited";
@@ -114,20 +114,22 @@ TEST(Adjacent_cliques, Partners_share_enough_nodes_and_come_ascending) {
 
 TEST(Adjacent_cliques, Partners_are_appended) {
     Set_list const cliques{{1, 2, 3}, {2, 3, 4}};
-    Adjacent_cliques index(cliques, 4);
+    Ranked_cliques const ranked(cliques, 4);
+    Adjacent_cliques index(ranked);
     index.Start_level(2, 3);
     Flat_array<Adjacent_clique> adjacent;
     adjacent.push_back({9, 5});
-    index.Visit_adjacent({1, Adjacent_cliques::all_new}, adjacent);
+    index.Visit_adjacent({1, all_new}, adjacent);
     EXPECT_EQ(Plain(adjacent),
               (std::vector<std::pair<Clique_number, std::uint64_t>>{{9, 5}, {0, 1}, {1, 0}}));
     EXPECT_TRUE(index.Is_visited(0));
     EXPECT_TRUE(index.Is_visited(1));
 }
 
-TEST(Adjacent_cliques, Small_cliques_are_out_of_play) {
+TEST(Adjacent_cliques, Small_cliques_are_inactive) {
     Set_list const cliques{{1, 2, 3}, {1, 2, 3, 4}, {2, 3, 4, 5}};
-    Adjacent_cliques index(cliques, 5);
+    Ranked_cliques const ranked(cliques, 5);
+    Adjacent_cliques index(ranked);
     index.Start_level(3, 4);
     EXPECT_EQ(Adjacent_to(index, 1), (Numbers{1, 2}));
     EXPECT_TRUE(index.Is_visited(0));
@@ -136,7 +138,7 @@ TEST(Adjacent_cliques, Small_cliques_are_out_of_play) {
     EXPECT_EQ(index.Next_unvisited(1), 1U);
     EXPECT_EQ(Adjacent_to(index, 1), (Numbers{0, 1, 2}));
     index.Start_level(2, 4);
-    EXPECT_EQ(Adjacent_to(index, 1), (Numbers{1, 2})) << "out of play again";
+    EXPECT_EQ(Adjacent_to(index, 1), (Numbers{1, 2})) << "inactive again";
 }
 
 // From the largest clique to a smaller one and back: neither may rule the other out unseen.
@@ -151,7 +153,8 @@ TEST(Adjacent_cliques, Cliques_of_any_size_find_each_other) {
         Set_list cliques;
         cliques.Add(first);
         cliques.Add(second);
-        Adjacent_cliques index(cliques, large + 1);
+        Ranked_cliques const ranked(cliques, large + 1);
+        Adjacent_cliques index(ranked);
         index.Start_level(60, 61);
         EXPECT_EQ(Adjacent_to(index, 0), (Numbers{0, 1})) << large;
         index.Start_level(60, 61);
@@ -189,7 +192,7 @@ void Compare_level(Adjacent_cliques& index, By_pairs& by_pairs, Set_list const& 
     for (std::uint32_t left = random.Below(6); left > 0; --left) {
         Clique_number const from = random.Below(static_cast<std::uint32_t>(cliques.size()));
         Flat_array<Adjacent_clique> adjacent;
-        index.Visit_adjacent({from, Adjacent_cliques::all_new}, adjacent);
+        index.Visit_adjacent({from, all_new}, adjacent);
         ASSERT_EQ(Plain(adjacent), Plain(by_pairs.Visit_adjacent(from))) << "from " << from;
     }
     // And the way percolation goes, with what is known.
@@ -197,7 +200,7 @@ void Compare_level(Adjacent_cliques& index, By_pairs& by_pairs, Set_list const& 
         ASSERT_EQ(index.Next_unvisited(c), by_pairs.Next_unvisited(c));
         Flat_array<Adjacent_clique> open;
         if (!index.Is_visited(c)) {
-            open.push_back({c, Adjacent_cliques::all_new});
+            open.push_back({c, all_new});
         }
         while (!open.empty()) {
             Adjacent_clique const from = open.back();
@@ -214,8 +217,9 @@ void Compare_level(Adjacent_cliques& index, By_pairs& by_pairs, Set_list const& 
 
 void Compare_levels(Set_list const& cliques, Node n, std::uint32_t largest,
                     Random_numbers& random) {
-    Adjacent_cliques index(cliques, n);
-    By_pairs by_pairs(cliques, index);
+    Ranked_cliques const ranked(cliques, n);
+    Adjacent_cliques index(ranked);
+    By_pairs by_pairs(ranked);
     for (std::uint32_t min_size = largest + 2; min_size > 1; --min_size) {
         std::uint32_t const min_shared = min_size - 1;
         std::uint32_t const size = random.Percent(50) ? min_size : min_shared;
@@ -266,14 +270,15 @@ TEST(Adjacent_cliques, Large_cliques_agree_with_all_pairs) {
     }
 }
 
-TEST(Adjacent_cliques, A_list_walked_many_times_forgets_claimed_cliques_only) {
+TEST(Adjacent_cliques, A_list_scanned_many_times_forgets_visited_cliques_only) {
     // Node 1 is in all cliques, so that its list is walked over and over.
     Set_list cliques;
     for (Node i = 0; i < 600; ++i) {
         cliques.Add(std::vector<Node>{1, 2 + i, 3 + i});
     }
-    Adjacent_cliques index(cliques, 602);
-    By_pairs by_pairs(cliques, index);
+    Ranked_cliques const ranked(cliques, 602);
+    Adjacent_cliques index(ranked);
+    By_pairs by_pairs(ranked);
     Random_numbers random(79);
     for (std::uint32_t const min_shared : {3U, 2U, 1U, 2U}) {
         index.Start_level(min_shared, 3);
@@ -284,14 +289,15 @@ TEST(Adjacent_cliques, A_list_walked_many_times_forgets_claimed_cliques_only) {
 
 TEST(Adjacent_cliques, A_level_upwards_forgets_the_one_before) {
     Set_list const cliques{{1, 2, 3}, {3, 4, 5, 6}};
-    Adjacent_cliques index(cliques, 6);
+    Ranked_cliques const ranked(cliques, 6);
+    Adjacent_cliques index(ranked);
     index.Start_level(2, 3);
     index.Start_level(3, 4);
-    EXPECT_TRUE(Adjacent_to(index, 0).empty()) << "out of play, and nobody shares three nodes";
+    EXPECT_TRUE(Adjacent_to(index, 0).empty()) << "inactive, and nobody shares three nodes";
 }
 
 // Long lists that are asked again and again, with so few adjacent that they stay long.
-TEST(Adjacent_cliques, Finds_partners_in_long_lists) {
+TEST(Adjacent_cliques, Finds_adjacent_cliques_in_long_lists) {
     std::mt19937 random(3);
     constexpr std::size_t n_cliques = 6000;
     constexpr Node n_nodes = 24;
@@ -311,7 +317,8 @@ TEST(Adjacent_cliques, Finds_partners_in_long_lists) {
         cliques.Close_list();
         masks.push_back(mask);
     }
-    Adjacent_cliques index(cliques, n_nodes);
+    Ranked_cliques const ranked(cliques, n_nodes);
+    Adjacent_cliques index(ranked);
     std::size_t n_adjacent = 0;
     for (std::uint32_t const min_shared : {7U, 6U}) {
         index.Start_level(min_shared, min_shared + 1);
@@ -326,7 +333,7 @@ TEST(Adjacent_cliques, Finds_partners_in_long_lists) {
                 }
             }
             Flat_array<Adjacent_clique> adjacent;
-            index.Visit_adjacent({from, Adjacent_cliques::all_new}, adjacent);
+            index.Visit_adjacent({from, all_new}, adjacent);
             std::vector<Clique_number> found;
             for (Adjacent_clique const& one : adjacent) {
                 found.push_back(one.clique);

@@ -25,7 +25,7 @@ void Fill(Bit_slices& list, Sets const& sets) {
 Numbers Found(Bit_slices const& list, Buckets const& nodes, Buckets const& needed,
               std::uint32_t max_missing) {
     Numbers found;
-    list.Walk({nodes, needed, max_missing}, found);
+    list.Scan({nodes, needed, max_missing}, found);
     return found;
 }
 
@@ -44,11 +44,11 @@ Numbers By_counting(Sets const& sets, std::vector<bool> const& closed, Buckets c
 }
 
 Buckets Some_buckets(std::mt19937& random, std::size_t count, unsigned range) {
-    Buckets classes(count);
-    for (Node_bucket& one : classes) {
+    Buckets buckets(count);
+    for (Node_bucket& one : buckets) {
         one = static_cast<Node_bucket>(random() % range);
     }
-    return classes;
+    return buckets;
 }
 
 TEST(Bit_slices, Finds_what_counting_finds) {
@@ -58,8 +58,8 @@ TEST(Bit_slices, Finds_what_counting_finds) {
         for (unsigned const range : {12U, 128U}) {
             Sets sets(n_sets);
             for (auto& set : sets) {
-                Buckets const classes = Some_buckets(random, 2 + random() % 30, range);
-                set.insert(classes.begin(), classes.end());
+                Buckets const buckets = Some_buckets(random, 2 + random() % 30, range);
+                set.insert(buckets.begin(), buckets.end());
             }
             Bit_slices list(n_sets, n_buckets);
             Fill(list, sets);

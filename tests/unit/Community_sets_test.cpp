@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <numeric>
 #include <set>
 
 namespace cpm::test {
@@ -35,23 +36,26 @@ struct Network {
     Set_list cliques;
     Node n_nodes;
     Index_links links = Pairs_inside(cliques);
-    Adjacent_cliques index{cliques, n_nodes};
-    Edge_numbering pairs{links, n_nodes, cliques, cliques.size()};
-    Community_sets sets{cliques, index, pairs};
+    Ranked_cliques ranked{cliques, n_nodes};
+    Edge_numbering edges{links, n_nodes, cliques, cliques.size()};
+    Community_sets sets{ranked, edges};
 
     Network(Set_list const& list, Node n) : cliques(list), n_nodes(n) {}
 
     Pairs Links_of(std::size_t community) const {
+        std::vector<std::uint32_t> order(sets.size());
+        std::iota(order.begin(), order.end(), 0U);
         Pairs result;
-        sets.Links(community, test::To_pairs(links.pairs, result));
+        test::To_pairs visitor(links.pairs, result);
+        sets.Links(order)->Visit(community, sets.Nodes(community), visitor);
         return result;
     }
     // The clique, with the nodes that another clique lacks.
     Adjacent_clique Led_by(Clique_number leader, Clique_number clique) const {
-        std::span<Node const> const ranked = index.Ranked(clique);
+        std::span<Node const> const nodes = ranked[clique];
         std::uint64_t bits = 0;
-        for (std::size_t i = 0; i < ranked.size(); ++i) {
-            if (!std::ranges::binary_search(cliques[leader], ranked[i])) {
+        for (std::size_t i = 0; i < nodes.size(); ++i) {
+            if (!std::ranges::binary_search(cliques[leader], nodes[i])) {
                 bits |= std::uint64_t{1} << i;
             }
         }
@@ -76,7 +80,7 @@ struct Network {
 };
 
 Adjacent_clique Whole(Clique_number clique) {
-    return {clique, Adjacent_cliques::all_new};
+    return {clique, all_new};
 }
 
 TEST(Community_sets, A_single_clique_is_its_community) {
@@ -107,6 +111,21 @@ TEST(Community_sets, A_level_takes_over_the_communities_of_the_one_before) {
     ASSERT_EQ(network.sets.size(), 1U);
     EXPECT_EQ(To_vector(network.sets.Nodes(0)), (Node_list{1, 2, 3, 4, 5, 6, 7, 8, 9}));
     EXPECT_EQ(network.Links_of(0), network.Expected_links({0, 1, 2, 3}));
+}
+
+TEST(Community_sets, Links_given_out_stay_when_the_next_level_absorbs_their_community) {
+    Network network({{1, 2, 3, 4}, {2, 3, 4, 5}, {3, 5, 6}}, 6);
+    network.sets.Start_level(true);
+    network.sets.Add_community(std::vector<Adjacent_clique>{Whole(0), network.Led_by(0, 1)});
+    auto const kept = network.sets.Links({0});
+    network.sets.Start_level(true);
+    network.sets.Add_community(
+        std::vector<Adjacent_clique>{Whole(0), network.Led_by(0, 1), network.Led_by(1, 2)});
+    EXPECT_EQ(network.Links_of(0), network.Expected_links({0, 1, 2}));
+    Pairs result;
+    test::To_pairs visitor(network.links.pairs, result);
+    kept->Visit(0, {}, visitor);
+    EXPECT_EQ(result, network.Expected_links({0, 1}));
 }
 
 TEST(Community_sets, A_level_that_does_not_nest_takes_nothing_over) {

@@ -62,6 +62,17 @@ private:
     unsigned n_written_ = 0;
 };
 
+class Two_links : public Community_links {
+    void Visit(std::size_t community, Node_set nodes, Link_visitor& visitor) const override {
+        if (community == 0) {
+            visitor.Numbers(std::vector<Link_number>{0});
+            visitor.Numbers(std::vector<Link_number>{1, 2});
+        } else {
+            visitor.All_pairs(nodes);
+        }
+    }
+};
+
 // Two communities, of which `n_exact` are exact. The links of the first one come in two pieces,
 // those of the second one are all pairs of its nodes.
 Communities Two_communities(std::uint32_t n_exact) {
@@ -69,14 +80,7 @@ Communities Two_communities(std::uint32_t n_exact) {
     coms.nodes = Set_list{{1, 2, 3}, {2, 3, 4}};
     coms.cliques = List_of_lists<Clique_number>{{5, 0, 12345}, {1}};
     coms.n_exact = n_exact;
-    coms.links = [](std::size_t community, Link_visitor const& take) {
-        if (community == 0) {
-            take.numbers(std::vector<Link_number>{0});
-            take.numbers(std::vector<Link_number>{1, 2});
-        } else {
-            take.all_pairs(std::vector<Node>{2, 3, 4});
-        }
-    };
+    coms.links = std::make_shared<Two_links>();
     return coms;
 }
 
