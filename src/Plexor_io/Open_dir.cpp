@@ -18,6 +18,7 @@ constexpr int list_flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
 // O_EXCL follows no link either.
 constexpr int new_file_flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
 constexpr mode_t file_mode = 0666;
+constexpr mode_t dir_mode = 0755;
 
 bool Is_dots(std::string_view name) {
     return name == "." || name == "..";
@@ -79,6 +80,10 @@ bool Open_dir::Holds_nothing() const {
     bool const came_to_the_end = entry == nullptr && errno == 0;
     ::closedir(listing);
     return came_to_the_end;
+}
+
+bool Open_dir::Make_dir(std::string const& name) const {
+    return ::mkdirat(descriptor_, name.c_str(), dir_mode) == 0;
 }
 
 int Open_dir::Make_file(std::string const& name) const {

@@ -27,6 +27,8 @@ public:
     bool Is_at(std::string const& path) const;
     /// True when it can be listed and has no entries but "." and "..".
     bool Holds_nothing() const;
+    /// Makes a directory of this name, with permissions 0755; false when that cannot be done.
+    bool Make_dir(std::string const& name) const;
     /// Makes a new file and opens it for writing. The result is its descriptor, or -1, with the
     /// reason in errno. Whatever has the name already, be it a link to nowhere, is left alone: that
     /// is EEXIST. Never waits, as opening a pipe would.

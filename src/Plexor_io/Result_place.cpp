@@ -75,7 +75,10 @@ Prepared_dir Result_place::Prepare(std::uint32_t k) {
     if (k_path != k_path_ || !k_dir_.Is_at(k_path)) {
         Prepare();
         k_path_ = std::move(k_path);
-        Dir_prepare(k_path_, "keep");
+        // As a rule there is nothing in the way, and one call does it.
+        if (k_path_.size() >= PATH_MAX || !dir_.Make_dir(name)) {
+            Dir_prepare(k_path_, "keep");
+        }
         k_dir_ = Open_dir(dir_, name);
     }
     return {*this, k_dir_, k_path_};
