@@ -2,15 +2,15 @@
 // Result_place: the directory that the files of a run go into, looked at once and held open from
 // then on; the directories of each k in it; and how the word for the kind of run enters the names.
 //
-// Invariant: no file that was there before a run is changed or lost, whatever the path of the
-// output
-//            directory is and whatever other programs do meanwhile.
+// Invariant: no file that was there before a run is changed or lost by it, whatever the path of the
+//            output directory is and whatever other programs do meanwhile.
 // Relies on: a run changes the disk in three ways only. It makes directories; it moves what is in
 //            the way of one aside, to a name that nothing has (Rename_auto()); and it makes new
 //            files (Open_dir::Make_file()), the only ones that it writes into.
 // Breaks if: anything on the way of a run opens a file for writing by another call, or prepares a
-//            directory with another flag than "keep".
-// Pinned by: tests/fuzz/trees, faults/..., golden/... of files in the way
+//            directory with another flag than "keep"; or a file system cannot rename without
+//            replacing and somebody takes the free name at that very moment.
+// Pinned by: fuzz/trees; faults/link_..., faults/pipe_..., faults/file..._in_the_way...
 //
 // Invariant: the files of one run lie together, with nothing else beside them.
 // Relies on: they go into a directory that was found empty while it was held open. Of two runs that

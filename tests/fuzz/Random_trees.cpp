@@ -151,10 +151,11 @@ std::string What_is_wrong(Snapshot const& before, Snapshot const& after, unsigne
     std::set<std::string> old_paths; // where what was there before is now
     for (auto const& [path, entry] : before.tree) {
         std::string now = path;
-        auto const is_here = [&](std::string const& where) {
+        auto const is_here = [&after, &then = entry,
+                              &identity = before.identities.at(path)](std::string const& where) {
             auto const there = after.tree.find(where);
-            return there != after.tree.end() && there->second == entry &&
-                   after.identities.at(where) == before.identities.at(path);
+            return there != after.tree.end() && there->second == then &&
+                   after.identities.at(where) == identity;
         };
         for (unsigned number = 1; !is_here(now) && number < 20; ++number) {
             now = path + std::to_string(number);
@@ -258,13 +259,16 @@ Tree Victim() {
     return tree;
 }
 
+/// So many changes last longer than a run.
+constexpr unsigned most_turns = 3000;
+
 /// Changes what is at and in "out" until it is killed. It never changes the victim itself.
 [[noreturn]] void Meddle(std::string const& cwd, std::uint32_t seed) {
     Dice dice(seed);
     if (::prctl(PR_SET_PDEATHSIG, SIGKILL) != 0 || ::chdir(cwd.c_str()) != 0) {
         ::_exit(1);
     }
-    for (unsigned turn = 0;; ++turn) {
+    for (unsigned turn = 0; turn < most_turns; ++turn) {
         int ignored = 0;
         switch (dice.Below(9)) {
         case 0:
@@ -293,6 +297,7 @@ Tree Victim() {
         }
         static_cast<void>(ignored);
     }
+    ::_exit(0);
 }
 
 // --- All runs. ---
@@ -302,7 +307,7 @@ public:
     Runner(std::string program, std::string directory)
         : program_(std::move(program)), directory_(std::move(directory)), box_(directory_) {
         // In case that one leads up out of the box all the same: not to what is not ours.
-        for (int depth = 0; depth < 120; ++depth) {
+        for (int depth = 0; depth < 30; ++depth) {
             box_ += "/d";
         }
         std::filesystem::create_directories(box_);
