@@ -10,7 +10,7 @@ set(knows_Coms_funcs Coms_funcs Clique_find graph support)
 set(knows_library library plexor Coms_funcs Clique_find graph support)
 set(knows_records records graph support)
 set(knows_Plexor_io Plexor_io Coms_funcs Clique_find graph support)
-set(knows_main Plexor_io support)
+set(knows_main "" Plexor_io support) # main and what it settles for its process
 # The rooms of the library: they neither print nor read nor change the process.
 set(silent_rooms support graph Clique_find Coms_funcs library records)
 set(loud_headers iostream fstream cstdio csignal unistd.h fcntl.h)
