@@ -20,6 +20,13 @@ foreach(licence IN LISTS licences)
     string(REPLACE "plexor:" "${package}:" overrides "${overrides}")
     file(WRITE ${share}/lintian/overrides/${package} "${overrides}")
 endforeach()
+# What CPack's stripping leaves: the names of compilers.
+file(GLOB_RECURSE programs LIST_DIRECTORIES false ${CPACK_TEMPORARY_DIRECTORY}/*)
+list(FILTER programs INCLUDE REGEX "/bin/[^/]*$")
+foreach(program IN LISTS programs)
+    execute_process(COMMAND strip --remove-section=.comment --remove-section=.note ${program}
+        COMMAND_ERROR_IS_FATAL ANY)
+endforeach()
 set(time now)
 if(DEFINED ENV{SOURCE_DATE_EPOCH})
     set(time "@$ENV{SOURCE_DATE_EPOCH}")
