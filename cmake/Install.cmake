@@ -6,8 +6,8 @@ include(GNUInstallDirs)
 
 set(plexor_doc_dir ${CMAKE_INSTALL_DATAROOTDIR}/doc/plexor)
 
-# Manual pages and change logs are packed, as distributions want them, without the time and name that
-# would make two builds differ. Without gzip they are installed as they are.
+# Manual pages and change logs are packed, as distributions want them, without the time and name
+# that would make two builds differ. Without gzip they are installed as they are.
 find_program(PLEXOR_GZIP gzip)
 set(plexor_packed_dir ${PROJECT_BINARY_DIR}/packed)
 file(MAKE_DIRECTORY ${plexor_packed_dir})
@@ -25,7 +25,8 @@ function(plexor_pack file name result)
 endfunction()
 plexor_pack(${PROJECT_SOURCE_DIR}/docs/man/plexor.1 plexor.1 plexor_man_page)
 plexor_pack(${PROJECT_SOURCE_DIR}/CHANGELOG.md changelog plexor_changelog)
-plexor_pack(${PROJECT_SOURCE_DIR}/packaging/debian/changelog changelog.Debian plexor_debian_changelog)
+plexor_pack(${PROJECT_SOURCE_DIR}/packaging/debian/changelog changelog.Debian
+    plexor_debian_changelog)
 
 install(TARGETS plexor RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES ${plexor_man_page} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)

@@ -9,12 +9,12 @@
 A mutant is one changed token or one dropped statement of src/. Which mutants a seed stands for
 depends on the seed and the source alone, and the first 20 of 60 are those of --count 20. Each is
 built and tested in a copy of the source below --work (a folder in the temporary directory), by
-the C++ tests: the fast ones first, then the others, until one fails. Results are kept there, so that a run
-that was interrupted goes on where it was.
+the C++ tests: the fast ones first, then the others, until one fails. Results are kept there, so
+that a run that was interrupted goes on where it was.
 
-A mutant may loop, eat memory or write without end. So tests run in a mount namespace where
-only --work can be written (where the system allows that), with limits for memory, file sizes and processor
-time, and are ended when their folder grows too large.
+A mutant may loop, eat memory or write without end. So tests run in a mount namespace where only
+--work can be written (where the system allows that), with limits for memory, file sizes and
+processor time, and are ended when their folder grows too large.
 
 The file `equivalent` lists survivors that cannot be caught because they behave the same, with the
 reason. The exit status is 1 when others survive.
