@@ -67,16 +67,16 @@ public:
         std::uint64_t end = 0;
         std::uint64_t begin = 0;
         for (std::size_t i = 0; i < size(); ++i) {
-            std::uint64_t const next = starts_[i + 1];
+            std::uint64_t const next = offsets_[i + 1];
             if (keep(i)) {
                 std::copy(members_.data() + begin, members_.data() + next, members_.data() + end);
                 end += next - begin;
-                starts_[++n_kept] = end;
+                offsets_[++n_kept] = end;
             }
             begin = next;
         }
         members_.Resize_uninitialised(end);
-        starts_.Resize_uninitialised(n_kept + 1);
+        offsets_.Resize_uninitialised(n_kept + 1);
     }
     void clear() {
         members_.clear();
