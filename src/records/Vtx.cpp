@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "records/Vtx.h"
 
-#include "Plexor_io/My_int2string.h"
 #include "support/Errors.h"
 
 #include <cassert>
@@ -92,7 +91,7 @@ std::vector<Ordered_nodes> const& Vtx::Inc_neighs_c() const {
 
 std::string Vtx::Name() const {
     bool const own = extras_ != nullptr && extras_->name.has_value();
-    return own ? *extras_->name : int2string(named_after_);
+    return own ? *extras_->name : std::to_string(named_after_);
 }
 
 void Vtx::Set_index(Node index) {
