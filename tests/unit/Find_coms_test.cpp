@@ -137,7 +137,7 @@ TEST(Find_coms, Writes_the_files_of_exact_communities) {
 TEST(Find_coms, Files_of_a_directed_run_say_so) {
     One_run run(two_triangles, their_cliques, 2);
     run.settings.directed = true;
-    run.settings.com_flag = "directed";
+    run.files.com_flag = "directed";
     run.Find(3);
     EXPECT_EQ(run.Files(3),
               (File_names{"directed_communities", "directed_communities_cliques",
@@ -171,7 +171,7 @@ TEST(Find_coms, An_intensity_run_writes_k_cliques_and_neither_cliques_nor_parts)
     run.settings.intensity = true;
     run.settings.intensity_threshold = 1.5;
     run.settings.weighted = true;
-    run.settings.com_flag = "intensity";
+    run.files.com_flag = "intensity";
     run.links.weights.Resize(run.links.size(), 2);
     run.links.weights[0] = 0.5; // 1-2
     run.Find(3);
