@@ -13,10 +13,12 @@ work=${1:-/tmp/plexor-package}
 rm -rf "$work"
 SOURCE_DATE_EPOCH=$(dpkg-parsechangelog -l packaging/debian/changelog -S Timestamp)
 export SOURCE_DATE_EPOCH
-for folder in "$work/one" "$work/another-folder-with-a-longer-name"; do
-    echo "== Building in $folder"
+for folder in "$work/one" "$work/another-folder-with-a-longer-name"; do # before the source changes
     mkdir -p "$folder"
     git ls-files -z | xargs -0 cp --parents -t "$folder"
+done
+for folder in "$work/one" "$work/another-folder-with-a-longer-name"; do
+    echo "== Building in $folder"
     if [ "$folder" != "$work/one" ]; then
         find "$folder" -type f -exec touch --date='3 days ago' {} +
         umask 077
