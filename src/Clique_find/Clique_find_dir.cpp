@@ -27,7 +27,7 @@ void Clique_find_dir(Set_list& cliques, Vtxd_map const& vertices, Progress& prog
     cliques.clear();
     progress.Search_began({.directed = true, .max_time = std::nullopt});
     Dir_links const links(vertices);
-    Clique_find_dir_sub_routines::Dir_node_search search(links, progress);
+    Clique_find_dir_sub_routines::Dir_node_search search(links, cliques, progress);
     auto const total = static_cast<std::uint32_t>(vertices.size());
     std::uint32_t to_do = total;
     for (Node const node : links.Order()) {
@@ -42,8 +42,9 @@ void Clique_find_dir(Set_list& cliques, Vtxd_map const& vertices, Progress& prog
 void Clique_find_dir_time(Set_list& cliques, Vtxd_map const& vertices, std::vector<Node>& core,
                           double max_time, Clock& clock, Progress& progress) {
     using namespace Clique_find_time_sub_routines;
+    cliques.clear();
     Dir_links const links(vertices);
-    Clique_find_dir_sub_routines::Dir_node_search search(links, progress);
+    Clique_find_dir_sub_routines::Dir_node_search search(links, cliques, progress);
     progress.Search_began({.directed = true, .max_time = max_time});
     Search_in_time(cliques, links.Order(), search, max_time, clock, core, progress);
 }

@@ -11,6 +11,7 @@
 #include "Clique_find/Dir_order.h"
 #include "Clique_find/Dir_surroundings.h"
 #include "Clique_find/Gap_walk.h"
+#include "Clique_find/Known_cliques.h"
 #include "Clique_find/Local_cliques.h"
 #include "Clique_find/Time_limited.h"
 #include "graph/Types.h"
@@ -36,7 +37,10 @@ namespace Clique_find_dir_sub_routines {
 /// The cliques of one node after the other; holds the working memory that they share.
 class Dir_node_search : public Clique_find_time_sub_routines::Node_finder {
 public:
-    Dir_node_search(Dir_links const& links, Progress& progress) : pace_(progress), around_(links) {}
+    /// Cliques are appended to the list, those of each node before it is done. It must outlive
+    /// this.
+    Dir_node_search(Dir_links const& links, Set_list const& cliques, Progress& progress)
+        : pace_(progress), known_(cliques, links.Vertices().size()), around_(links, known_) {}
 
     /// Appends the cliques that hold the node and no done node.
     void Main_inc_dir_investigator(Node node, Set_list& cliques);
@@ -46,7 +50,10 @@ public:
     void Find(Node node, Time_budget& budget, Set_list& found) override {
         Main_inc_dir_inv_time(node, budget, found);
     }
-    void Done(Node node) override { around_.Done(node); }
+    void Done(Node node) override {
+        around_.Done(node);
+        known_.Update();
+    }
 
 private:
     bool Find_around(std::size_t most_bytes, Set_list& cliques);
@@ -54,6 +61,7 @@ private:
     void Append_clique(Node_set places, Set_list& cliques);
 
     Pace pace_;
+    Known_cliques known_;
     Dir_surroundings around_;
     Dir_first_check first_check_;
     Local_cliques local_;

@@ -33,20 +33,8 @@ namespace Clique_find_time_sub_routines {
 
 Timed_node_search::Timed_node_search(Node_order const& order, Set_list const& cliques,
                                      Progress& progress)
-    : order_(order), cliques_(cliques), pace_(progress), done_(order.size() + 1, false),
-      largest_(order.size() + 1, 0), candidates_(order), excluded_(order), walk_(order) {}
-
-void Timed_node_search::Done(Node node) {
-    done_[node] = true;
-    for (; n_seen_ < cliques_.size(); ++n_seen_) {
-        for (Node const member : cliques_[n_seen_]) {
-            std::uint32_t& largest = largest_[member];
-            if (largest == 0 || cliques_[largest - 1].size() < cliques_[n_seen_].size()) {
-                largest = static_cast<std::uint32_t>(n_seen_ + 1);
-            }
-        }
-    }
-}
+    : order_(order), pace_(progress), done_(order.size() + 1, false), known_(cliques, order.size()),
+      candidates_(order), excluded_(order), walk_(order) {}
 
 // A node whose cliques show after two steps needs no time: the clock is first read when a third
 // step is due. What was found by then counts even when the time is up at this reading. The rows of
@@ -55,7 +43,7 @@ void Timed_node_search::Clique_find_main_time_part(Node node, Time_budget& budge
                                                    Set_list& found) {
     pace_.Go_on();
     Look_around(node);
-    if (All_in_a_known_clique(node)) {
+    if (known_.One_holds_all(node, candidates_.Nodes())) {
         return;
     }
     bool const third_step = first_check_.Reached(node, candidates_, excluded_, pace_, found);
@@ -106,17 +94,6 @@ void Timed_node_search::Look_around(Node node) {
             excluded_.Add(other);
         }
     });
-}
-
-// Whether one clique that is listed holds the node and all its candidates. Then nothing new can be
-// found here, and no third step is due: what First_check would find out, too, by comparing the
-// candidates with each other.
-bool Timed_node_search::All_in_a_known_clique(Node node) const {
-    if (largest_[node] == 0) {
-        return false;
-    }
-    Node_set const clique = cliques_[largest_[node] - 1];
-    return clique.size() > candidates_.size() && std::ranges::includes(clique, candidates_.Nodes());
 }
 
 // Sets up the node's problem.

@@ -6,6 +6,7 @@
 #include "Clique_find/Ascending_walk.h"
 #include "Clique_find/Clock.h"
 #include "Clique_find/First_check.h"
+#include "Clique_find/Known_cliques.h"
 #include "Clique_find/Local_cliques.h"
 #include "Clique_find/Node_order.h"
 #include "Clique_find/Time_limited.h"
@@ -35,22 +36,22 @@ public:
     void Find(Node node, Time_budget& budget, Set_list& found) override {
         Clique_find_main_time_part(node, budget, found);
     }
-    void Done(Node node) override;
+    void Done(Node node) override {
+        done_[node] = true;
+        known_.Update();
+    }
 
 private:
     void Clique_find_main_time_part(Node node, Time_budget& budget, Set_list& found);
     void Look_around(Node node);
-    bool All_in_a_known_clique(Node node) const;
     bool Find_all(Node node, Set_list& found);
     bool Gather();
     std::size_t Steps_to_look_around(Node node) const;
 
     Node_order const& order_;
-    Set_list const& cliques_;
     Pace pace_;
     std::vector<bool> done_;
-    Flat_array<std::uint32_t> largest_; ///< node -> 1 + the number of its largest clique, or 0
-    std::size_t n_seen_ = 0;            ///< so many cliques are in largest_
+    Known_cliques known_;
     Placed_nodes candidates_;
     Placed_nodes excluded_;
     First_check first_check_;

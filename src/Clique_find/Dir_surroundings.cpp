@@ -13,13 +13,13 @@
 
 namespace cpm {
 
-Dir_surroundings::Dir_surroundings(Dir_links const& links)
-    : all_links_(links), done_(links.Vertices().size() + 1, false),
+Dir_surroundings::Dir_surroundings(Dir_links const& links, Known_cliques const& known)
+    : all_links_(links), known_(known), done_(links.Vertices().size() + 1, false),
       place_(links.Vertices().size() + 1, 0) {}
 
 bool Dir_surroundings::Gather(Node node) {
     Walk_neighbours(node);
-    if (centre_ < 2) {
+    if (centre_ < 2 || known_.One_holds_all(node, {names_.data(), centre_})) {
         return false;
     }
     Walk_links();

@@ -5,6 +5,7 @@
 #define PLEXOR_DIR_SURROUNDINGS_H
 
 #include "Clique_find/Dir_links.h"
+#include "Clique_find/Known_cliques.h"
 #include "graph/Types.h"
 
 #include <cstdint>
@@ -25,14 +26,14 @@ struct Local_link {
 
 class Dir_surroundings {
 public:
-    /// No node is done yet. The links must outlive the surroundings.
-    explicit Dir_surroundings(Dir_links const& links);
+    /// No node is done yet. The links and what is known must outlive the surroundings.
+    Dir_surroundings(Dir_links const& links, Known_cliques const& known);
 
     void Done(Node node) { done_[node] = true; }
 
     /// Looks at the surroundings of a node that is not done. Candidates without a link to another
     /// candidate and excluded nodes with less than two links are left out: a clique has three nodes
-    /// or more. False when no candidates are left then.
+    /// or more. False when no candidates are left then, or one known clique holds all.
     bool Gather(Node node);
 
     Place N_places() const { return static_cast<Place>(names_.size()); }
@@ -61,6 +62,7 @@ private:
     void Renumber(Flat_array<Local_link>& links) const;
 
     Dir_links const& all_links_;
+    Known_cliques const& known_;
     std::vector<bool> done_;
     Flat_array<Place> place_; ///< node -> 1 + its place, or 0
 

@@ -248,6 +248,16 @@ void Extend_rows(Rows& rows, std::vector<Nodes> const& sets, unsigned n_old) {
     }
 }
 
+Cliques Found_at(Graph const& work, Cliques const& known, unsigned node,
+                 std::optional<unsigned> n_checks) {
+    unsigned checks = 0;
+    Attempt attempt{work, {}, [&] { return n_checks && ++checks >= *n_checks; }};
+    std::copy_if(known.begin(), known.end(), std::back_inserter(attempt.known),
+                 [&](Nodes const& clique) { return clique.contains(node); });
+    attempt.Search(node, false);
+    return attempt.found;
+}
+
 Found_cliques Find_cliques(Graph const& graph, std::optional<double> limit, Clock& clock,
                            std::ostream& out, Reached& reached) {
     Graph core = graph;

@@ -89,6 +89,12 @@ struct Found_cliques {
 Found_cliques Find_cliques(Graph const& graph, std::optional<double> limit, Clock& clock,
                            std::ostream& out, Reached& reached);
 
+/// The cliques through `node` among the nodes of `work`, in the order in which they are to be
+/// listed, when cliques of the nodes finished before are known; or what the attempt has found when
+/// it has asked `n_checks` times whether its time is up.
+Cliques Found_at(Graph const& work, Cliques const& known, unsigned node,
+                 std::optional<unsigned> n_checks);
+
 } // namespace cpm::model
 
 #endif

@@ -541,8 +541,8 @@ TEST(Clique_find_dir, Lists_in_the_same_order_when_candidates_fill_more_than_a_w
         Vtxd_map const vertices = Vertices(arcs);
         Dir_links const links(vertices);
         Progress nobody;
-        Clique_find_dir_sub_routines::Dir_node_search search(links, nobody);
         Set_list cliques;
+        Clique_find_dir_sub_routines::Dir_node_search search(links, cliques, nobody);
         for (Node const node : order) {
             search.Main_inc_dir_investigator(node, cliques);
             search.Done(node);

@@ -8,6 +8,7 @@
 #include "support/Test_clocks.h"
 
 #include <algorithm>
+#include <array>
 #include <gtest/gtest.h>
 #include <numeric>
 #include <set>
@@ -223,6 +224,92 @@ TEST(Hard_cores, Parts_with_circles_are_given_up_as_soon_as_the_time_is_up) {
         EXPECT_EQ(result.core, Nodes_up_to(n_of_parts));
         EXPECT_GE(result.cliques.size(), n_of_parts) << "listed by then";
         Expect_stopped(result);
+    }
+}
+
+// Goes on by its step at each reading: so the time decides, and not how much is listed.
+std::size_t Listed_of_parts(Node n_parts_here, Node size, bool directed, double seconds_a_look) {
+    Network network;
+    network.n_nodes = n_parts_here * size;
+    for (Node a = 1; a <= network.n_nodes; ++a) {
+        for (Node b = (a - 1) / size * size + size + 1; b <= network.n_nodes; ++b) {
+            network.arcs.insert({a, b});
+        }
+    }
+    double const max_time = 1 / seconds_a_look;
+    Result const result =
+        directed ? Search_directed(network, max_time, 1000000) : Search(network, max_time, 1000000);
+    EXPECT_EQ(result.core.size(), network.n_nodes);
+    for (std::size_t c = 0; c < result.cliques.size(); ++c) {
+        EXPECT_EQ(result.cliques[c].size(), n_parts_here);
+    }
+    return result.cliques.size();
+}
+
+TEST(Hard_cores, More_time_lists_more_cliques) {
+    for (bool const directed : {false, true}) {
+        for (auto const& [parts, size] : {std::pair<Node, Node>{13, 4}, {18, 3}}) {
+            std::size_t before = 0;
+            for (double const a_look : {0.5, 0.25, 0.1}) {
+                std::size_t const listed = Listed_of_parts(parts, size, directed, a_look);
+                EXPECT_GT(listed, before + before / 4) << parts << " parts, directed: " << directed;
+                before = listed;
+            }
+        }
+    }
+}
+
+// Nodes 1 to 4 are linked with each other. Each of them is linked with a block of its own and half
+// of another one, which nobody finishes: their common clique comes behind all of these.
+TEST(Hard_cores, A_clique_that_comes_late_in_the_order_is_kept) {
+    constexpr Node n_parts_of_block = 5;
+    constexpr Node size = 4;
+    Links links;
+    Node next = 1;
+    std::array<Node, 4> nodes{};
+    std::vector<Node> starts;
+    for (int block = 0; block < 4; ++block) { // 4^5 cliques each; they come first in the order
+        Node const start = next;
+        starts.push_back(start);
+        next += n_parts_of_block * size;
+        for (Node a = start; a < next; ++a) {
+            for (Node b = a + 1; b < next; ++b) {
+                if ((a - start) / size != (b - start) / size) {
+                    links.insert({a, b});
+                }
+            }
+        }
+    }
+    for (Node& node : nodes) {
+        node = next++;
+    }
+    links.merge(Complete(nodes.front(), nodes.back()));
+    for (std::size_t i = 0; i < nodes.size(); ++i) {
+        Node const own = starts[i / 2 * 2];
+        Node const shared = starts[i / 2 * 2 + 1];
+        for (Node k = 0; k < n_parts_of_block * size; ++k) {
+            links.insert({own + k, nodes[i]});
+            if (k < n_parts_of_block * size / 2) {
+                links.insert({shared + k, nodes[i]});
+            }
+        }
+    }
+    // At a look for each step all time is gone at the second look, but enough is left to list all.
+    Node_order const order(To_index_links(links));
+    for (Node const node : nodes) {
+        Set_list const none;
+        Progress nobody;
+        Clique_find_time_sub_routines::Timed_node_search search(order, none, nobody);
+        int readings = 0;
+        Clock_of clock([&] { return ++readings <= 2 ? 0.0 : 1.5; });
+        Time_budget budget(clock, 1, 1);
+        Set_list found;
+        search.Find(node, budget, found);
+        EXPECT_TRUE(budget.Too_slow());
+        EXPECT_GT(found.size(), 1000U);
+        auto const listed = To_vectors(found);
+        EXPECT_NE(std::ranges::find(listed, std::vector<Node>(nodes.begin(), nodes.end())),
+                  listed.end());
     }
 }
 
