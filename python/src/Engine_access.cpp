@@ -89,7 +89,7 @@ void Select(cpm::Link_map& selected, Links_in const& links, Question const& ques
 
 struct Search::Inside {
     Question question;
-    std::mutex mutex; ///< the steps of a level leave their state here
+    std::mutex mutex;          ///< the steps of a level leave their state here
     std::vector<Number> nodes; ///< node of the search -> node on the way in
     cpm::Link_map selected;    ///< by nodes on the way in
     cpm::Index_links links;
@@ -391,9 +391,8 @@ std::vector<Integer> Links_outside_triangles(std::span<Number const> source,
         if (longer.size() < shorter.size()) {
             std::swap(shorter, longer);
         }
-        if (std::ranges::none_of(shorter, [&](Number node) {
-                return std::ranges::binary_search(longer, node);
-            })) {
+        if (std::ranges::none_of(
+                shorter, [&](Number node) { return std::ranges::binary_search(longer, node); })) {
             outside.push_back(static_cast<Integer>(i));
         }
     }
