@@ -22,3 +22,6 @@ set_target_properties(plexor_python PROPERTIES
     OUTPUT_NAME _engine
     LIBRARY_OUTPUT_DIRECTORY ${PLEXOR_PYTHON_DIR}
     CXX_VISIBILITY_PRESET hidden)
+
+# For setup.py: the module alone, into the folder that it makes a package of.
+install(TARGETS plexor_python LIBRARY DESTINATION plexor COMPONENT python_module EXCLUDE_FROM_ALL)

@@ -6,7 +6,7 @@ from __future__ import annotations
 import math
 from collections.abc import Iterable, Iterator, Sequence
 from functools import cached_property
-from typing import Any, overload
+from typing import TYPE_CHECKING, Any, overload
 
 import numpy as np
 
@@ -139,12 +139,12 @@ def find_communities(
     else:
         ks = sorted({_checked_k(one) for one in k}, reverse=True)
     with Reporter(progress) as reporter:
-        result, search = _search(network, question, reporter)
+        result, engine = _search(network, question, reporter)
         if ks is None:
-            ks = list(range(search.largest, 2, -1))
+            ks = list(range(engine.largest, 2, -1))
         for done, one in enumerate(ks):
             reporter("levels", done, len(ks))
-            result._add_level(one, _EngineLevel(search, result, one))
+            result._add_level(one, _EngineLevel(engine, result, one))
     return result[ks[0]] if isinstance(k, (int, np.integer)) else result
 
 
@@ -165,11 +165,11 @@ def levels(
 
 def _walk(network: Network, question: Parameters, progress: Progress) -> Iterator[Level]:
     with Reporter(progress) as reporter:
-        result, search = _search(network, question, reporter)
-        ks = range(search.largest, 2, -1)
+        result, engine = _search(network, question, reporter)
+        ks = range(engine.largest, 2, -1)
         for done, k in enumerate(ks):
             reporter("levels", done, len(ks))
-            yield Level(k, result, _EngineLevel(search, result, k))
+            yield Level(k, result, _EngineLevel(engine, result, k))
 
 
 def _checked_k(k: Any) -> int:
@@ -240,11 +240,17 @@ def _check_weights(network: Network) -> None:
         raise ValueError(f"link {at}, from {link}, has no finite weight: {network.weight[at]}")
 
 
-def _search(
-    network: Network, question: Parameters, reporter: Reporter
-) -> tuple[Result, _engine.Search]:
+_SearchResult = tuple[Result, _engine.Search]
+
+
+def search(network: Network) -> _SearchResult:
+    """A plain search, and the engine's hold of it for what is to follow."""
+    return _search(network, Parameters(), Reporter(False))
+
+
+def _search(network: Network, question: Parameters, reporter: Reporter) -> _SearchResult:
     source, target = network._ends_in_order()
-    search = _engine.Search(
+    engine = _engine.Search(
         source,
         target,
         network.weight if question.weighted else None,
@@ -255,8 +261,7 @@ def _search(
         question.time_limit,
         reporter.cliques(),
     )
-    data = _EngineResult(network, search, question)
-    return Result(question, data, {}), search
+    return Result(question, _EngineResult(network, engine, question), {}), engine
 
 
 class _EngineResult:
@@ -328,4 +333,5 @@ class _EngineLevel:
         }
 
 
-_: type[LevelData] = _EngineLevel
+if TYPE_CHECKING:
+    _level_data: type[LevelData] = _EngineLevel
