@@ -7,6 +7,7 @@
 #include "Coms_funcs/Pair_table.h"
 #include "Coms_funcs/Percolation.h"
 #include "Networks.h"
+#include "Plexor_io/Console_progress.h"
 #include "Plexor_io/Convert_links.h"
 #include "Plexor_io/Kiir_cliques.h"
 #include "Plexor_io/Kiir_com_graph.h"
@@ -44,10 +45,12 @@ public:
     Silent_console(Silent_console const&) = delete;
     Silent_console& operator=(Silent_console const&) = delete;
     Console& Get() { return console_; }
+    Progress& Told() { return progress_; }
 
 private:
     int descriptor_;
     Console console_;
+    Console_progress progress_{console_};
 };
 
 // A directory of its own, gone with the object.
@@ -110,7 +113,7 @@ struct Prepared {
         bench::Write_network(Make(kind), scratch.File("links"));
         Read_unw_links(scratch.File("links"), named);
         Convert_s_links(links, names, named, false);
-        Clique_find(cliques, links, silent.Get());
+        Clique_find(cliques, links, silent.Told());
         for (std::size_t c = 0; c < cliques.size(); ++c) {
             largest = std::max(largest, static_cast<std::uint32_t>(cliques[c].size()));
         }
@@ -177,7 +180,7 @@ void Clique_search(benchmark::State& state) {
     Set_list cliques;
     for (auto _ : state) {
         cliques.clear();
-        Clique_find(cliques, network.links, network.silent.Get());
+        Clique_find(cliques, network.links, network.silent.Told());
     }
     state.counters["cliques"] = Count(cliques.size());
     state.counters["members"] = Count(cliques.Total());

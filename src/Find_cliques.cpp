@@ -10,9 +10,8 @@ namespace cpm {
 
 namespace {
 
-void Approximate(Found_cliques& found, Core const& core, Console& console) {
-    console.Put_line("_____________________________________________");
-    console.Put_line(" Approximating cliques in the remaing core...");
+void Approximate(Found_cliques& found, Core const& core, Progress& progress) {
+    progress.Approximation_began();
     Set_list approx;
     Appr_core_cliques(core, found.cliques, approx);
     Set_list before_merge = found.cliques;
@@ -20,23 +19,18 @@ void Approximate(Found_cliques& found, Core const& core, Console& console) {
     if (dropped) {
         found.before_merge = std::move(before_merge);
     }
-    console.Put_line(" Clique approximation finished,");
-    console.Put(" number of   exact cliques=");
-    console.Put_number(found.n_exact);
-    console.Put(",\n number of approx. cliques=");
-    console.Put_number(found.cliques.size() - found.n_exact);
-    console.Put_line("");
+    progress.Approximation_done(found.n_exact, found.cliques.size() - found.n_exact);
 }
 
 } // namespace
 
 void Find_cliques(Found_cliques& found, Graph const& graph, std::optional<double> max_time_per_node,
-                  Clock const& clock, Console& console) {
+                  Clock& clock, Progress& progress) {
     if (!max_time_per_node) {
         if (graph.directed) {
-            Clique_find_dir(found.cliques, graph.dir_vertices, console);
+            Clique_find_dir(found.cliques, graph.dir_vertices, progress);
         } else {
-            Clique_find(found.cliques, *graph.links, console);
+            Clique_find(found.cliques, *graph.links, progress);
         }
         found.n_exact = found.cliques.size();
         return;
@@ -44,10 +38,10 @@ void Find_cliques(Found_cliques& found, Graph const& graph, std::optional<double
     std::vector<Node> core;
     if (graph.directed) {
         Clique_find_dir_time(found.cliques, graph.dir_vertices, core, *max_time_per_node, clock,
-                             console);
+                             progress);
     } else {
         Clique_find_part_time(found.cliques, graph.vertices, core, *max_time_per_node, clock,
-                              console);
+                              progress);
     }
     found.n_exact = found.cliques.size();
     if (!core.empty()) {
@@ -57,7 +51,7 @@ void Find_cliques(Found_cliques& found, Graph const& graph, std::optional<double
         Approximate(found,
                     graph.directed ? Core_of_nodes(core, graph.dir_vertices)
                                    : Core_of_nodes(core, graph.vertices),
-                    console);
+                    progress);
     }
 }
 

@@ -6,7 +6,7 @@
 #include "Clique_find/Clock.h"
 #include "Types.h"
 #include "Vertex_maps.h"
-#include "support/Console.h"
+#include "support/Progress.h"
 
 #include <optional>
 
@@ -33,7 +33,7 @@ struct Graph {
 /// Finds all maximal cliques of three nodes or more. With a time limit (seconds a node, measured by
 /// the clock) the nodes that take longer are given up, and their cliques approximated.
 void Find_cliques(Found_cliques& found, Graph const& graph, std::optional<double> max_time_per_node,
-                  Clock const& clock, Console& console);
+                  Clock& clock, Progress& progress);
 
 } // namespace cpm
 

@@ -3,6 +3,7 @@
 #include "Clique_find/Appr_core_cliques.h"
 #include "Find_cliques.h"
 #include "Find_coms.h"
+#include "Plexor_io/Console_progress.h"
 #include "Plexor_io/Convert_links.h"
 #include "Plexor_io/Header_text.h"
 #include "Plexor_io/Kiir_cliques.h"
@@ -89,9 +90,11 @@ void Run(int argc, char** argv, Console& console) {
     {
         Graph graph;
         Build_graph(graph, links, run, console);
+        Processor_clock clock;
+        Console_progress progress(console);
         Find_cliques(found, graph,
                      run.time_limit_set ? std::optional<double>(run.time_limit) : std::nullopt,
-                     Processor_seconds, console);
+                     clock, progress);
     }
     console.Put_line("___________________________");
     console.Put_line(" Writing cliques to disk...");

@@ -12,7 +12,7 @@
 // Tested   Intensity_coms_test.cpp, the runs against the plain model.
 #include "Coms_funcs/Intensity_coms.h"
 
-#include "Clique_find/Reports.h"
+#include "Plexor_io/Reports.h"
 
 #include <algorithm>
 #include <bit>

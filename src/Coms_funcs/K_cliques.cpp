@@ -14,7 +14,7 @@
 // Tested   K_cliques_test.cpp, the runs against the plain model.
 #include "Coms_funcs/K_cliques.h"
 
-#include "Clique_find/Reports.h"
+#include "Plexor_io/Reports.h"
 #include "support/Errors.h"
 
 #include <algorithm>
