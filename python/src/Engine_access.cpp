@@ -25,17 +25,35 @@ namespace plexor_access {
 
 namespace {
 
-// Nobody reads the reports of the searches here.
+// Nobody reads the reports of intensity runs here.
 class Silence : public cpm::Console {
 public:
     Silence() : Console(-1) {}
 };
 
-double Thread_seconds() {
-    timespec now{};
-    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
+// Hands on what a search tells.
+class Told : public cpm::Progress {
+public:
+    explicit Told(Watcher& watcher) : watcher_(watcher) {}
+
+    void Tick() override { watcher_.Tick(); }
+    void Node_started(std::uint32_t to_do, std::uint32_t total) override {
+        watcher_.Searching(to_do, total);
+    }
+
+private:
+    Watcher& watcher_;
+};
+
+// The processor time of the thread: other threads of the process may be busy with other things.
+class Thread_clock : public cpm::Clock {
+public:
+    double Now() override {
+        timespec now{};
+        ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+        return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+    }
+};
 
 // The engine's nodes begin at 1, and its offsets have no sign.
 template <class List> Lists Shifted(List const& lists, Number by) {
@@ -106,7 +124,7 @@ struct Search::Inside {
 
     cpm::Node N_nodes() const { return static_cast<cpm::Node>(nodes.size()); }
     void Number_links(std::size_t n_nodes);
-    void Find();
+    void Find(Watcher& watcher);
     void Prepare_levels();
     void Go_to(Number k);
 };
@@ -137,7 +155,7 @@ void Search::Inside::Number_links(std::size_t n_nodes) {
     }
 }
 
-void Search::Inside::Find() {
+void Search::Inside::Find(Watcher& watcher) {
     cpm::Graph graph;
     graph.directed = question.directed;
     if (question.directed) {
@@ -147,7 +165,9 @@ void Search::Inside::Find() {
     } else {
         graph.links = &links;
     }
-    Find_cliques(found, graph, question.time_limit, Thread_seconds, silence);
+    Thread_clock clock;
+    Told progress(watcher);
+    Find_cliques(found, graph, question.time_limit, clock, progress);
 }
 
 void Search::Inside::Prepare_levels() {
@@ -197,7 +217,7 @@ Search::Search(Links_in const& links, Question const& question, Watcher& watcher
     try {
         Select(inside_->selected, links, question);
         inside_->Number_links(links.n_nodes);
-        inside_->Find();
+        inside_->Find(watcher);
     } catch (cpm::Xerror_msg const& error) {
         Throw(error);
     }
