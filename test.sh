@@ -9,11 +9,22 @@ cd "$(dirname "$0")"
 need g++ g++ cmake cmake make make bash bash \
     /usr/include/gtest/gtest.h libgtest-dev /usr/include/gmock/gmock.h libgmock-dev
 
+# Says every 20 seconds that what was said before is still going on, until this shell ends.
+say_still() {
+    while sleep 20 >/dev/null 2>&1 && kill -0 $$ 2>/dev/null; do
+        echo "   ... still: $1 ($(date +%T))"
+    done
+}
+
 run_preset() {
     echo "== $1"
     cmake --preset "$1" >/dev/null
+    say_still "$1" &
+    still=$!
+    trap 'kill "$still" 2>/dev/null || true' EXIT
     cmake --build --preset "$1"
     ctest --preset "$1"
+    kill "$still" 2>/dev/null || true
 }
 
 run_preset test

@@ -13,7 +13,7 @@ find_package(pybind11 2.10 CONFIG REQUIRED)
 
 file(GLOB plexor_python_sources CONFIGURE_DEPENDS python/src/*.cpp)
 pybind11_add_module(plexor_python NO_EXTRAS ${plexor_python_sources})
-target_link_libraries(plexor_python PRIVATE plexor_core)
+target_link_libraries(plexor_python PRIVATE plexor_io)
 # Other modules of the process may hold an engine of their own.
 target_link_options(plexor_python PRIVATE -Wl,--exclude-libs,ALL)
 # pybind11's headers are not held to our warnings.

@@ -25,6 +25,7 @@ if TYPE_CHECKING:
         SetList,
         load,
     )
+    from .running import RunSummary, run
     from .search import Cliques, find_cliques, find_communities, levels
 
     __version__: str
@@ -43,11 +44,13 @@ __all__ = [
     "PlexorError",
     "Result",
     "ResultError",
+    "RunSummary",
     "SetList",
     "find_cliques",
     "find_communities",
     "levels",
     "load",
+    "run",
 ]
 
 # Names are imported when they are first used: results can be read without the compiled module, and
@@ -66,6 +69,7 @@ _MODULES = {
         "SetList",
         "load",
     ),
+    "running": ("RunSummary", "run"),
     "search": ("Cliques", "find_cliques", "find_communities", "levels"),
 }
 _MODULE_OF = {name: module for module, names in _MODULES.items() for name in names}

@@ -76,7 +76,7 @@ def k_clique_communities(graph: PlexorGraph, k: int, cliques: None = None) -> It
 
     result, search = graph.found
     names = result.names
-    for members in SetList(*search.at(int(k))["nodes"]):
+    for members in SetList(*search.at(int(k)).nodes()):
         yield frozenset([names[i] for i in members.tolist()])
 
 

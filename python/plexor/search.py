@@ -144,7 +144,7 @@ def find_communities(
             ks = list(range(engine.largest, 2, -1))
         for done, one in enumerate(ks):
             reporter("levels", done, len(ks))
-            result._add_level(one, _EngineLevel(engine, result, one))
+            result._add_level(one, _EngineLevel(engine.at(one), question.intensity is not None))
     return result[ks[0]] if isinstance(k, (int, np.integer)) else result
 
 
@@ -169,7 +169,7 @@ def _walk(network: Network, question: Parameters, progress: Progress) -> Iterato
         ks = range(engine.largest, 2, -1)
         for done, k in enumerate(ks):
             reporter("levels", done, len(ks))
-            yield Level(k, result, _EngineLevel(engine, result, k))
+            yield Level(k, result, _EngineLevel(engine.at(k), question.intensity is not None))
 
 
 def _checked_k(k: Any) -> int:
@@ -285,48 +285,31 @@ class _EngineResult:
 
 
 class _EngineLevel:
-    """One k of a search. Its communities are found at once, the rest when it is asked for."""
+    """One k of a search. Links, graph and distributions are made when they are asked for."""
 
-    def __init__(self, search: _engine.Search, result: Result, k: int) -> None:
-        self._search = search
-        self._result = result
-        self._k = k
-        found = search.at(k)
-        self._nodes = SetList(*found["nodes"])
-        self._n_exact: int = found["n_exact"]
-        by_intensity = result.parameters.intensity is not None
-        self._cliques = None if by_intensity else SetList(*found["cliques"])
-        self._k_cliques = SetList(*found["k_cliques"]) if by_intensity else None
+    def __init__(self, level: _engine.Level, by_intensity: bool) -> None:
+        self._level = level
+        self._by_intensity = by_intensity
 
     def nodes(self) -> tuple[SetList, int]:
-        return self._nodes, self._n_exact
+        return SetList(*self._level.nodes()), self._level.n_exact
 
     def cliques(self) -> SetList | None:
-        return self._cliques
+        return None if self._by_intensity else SetList(*self._level.cliques())
 
     def k_cliques(self) -> SetList | None:
-        return self._k_cliques
+        return SetList(*self._level.k_cliques()) if self._by_intensity else None
 
     def links(self) -> LinkList:
-        return LinkList(*self._search.links_at(self._k))
+        return LinkList(*self._level.links())
 
     def graph(self) -> CommunityGraph:
-        nodes = self._nodes
-        return CommunityGraph(
-            *_engine.community_graph(
-                nodes.members, nodes.offsets, self._n_exact, len(self._result.names)
-            )
-        )
+        return CommunityGraph(*self._level.graph())
 
     def distributions(self) -> Distributions:
-        parts = ["all"] if self._n_exact == len(self._nodes) else ["merged", "exact", "appr"]
-        nodes = self._nodes
-        counts = {
-            part: _engine.count(
-                nodes.members, nodes.offsets, self._n_exact, len(self._result.names), part
-            )
-            for part in parts
-        }
+        nodes, n_exact = self.nodes()
+        parts = ["all"] if n_exact == len(nodes) else ["merged", "exact", "appr"]
+        counts = {part: self._level.count(part) for part in parts}
         return {
             what: {part: counts[part][what] for part in parts}
             for what in ("membership", "size", "overlap", "degree")

@@ -5,7 +5,7 @@
 
 #include "Clique_find/Local_cliques.h"
 #include "Clique_find/Node_order.h"
-#include "Types.h"
+#include "graph/Types.h"
 #include "support/Progress.h"
 
 #include <vector>

@@ -7,8 +7,8 @@
 #include "Clique_find/First_check.h"
 #include "Clique_find/Local_cliques.h"
 #include "Clique_find/Time_limited.h"
-#include "Types.h"
-#include "Vertex_maps.h"
+#include "graph/Types.h"
+#include "records/Vertex_maps.h"
 #include "support/Progress.h"
 
 #include <vector>

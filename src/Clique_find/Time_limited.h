@@ -6,7 +6,7 @@
 #define PLEXOR_TIME_LIMITED_H
 
 #include "Clique_find/Clock.h"
-#include "Types.h"
+#include "graph/Types.h"
 #include "support/Progress.h"
 
 #include <vector>

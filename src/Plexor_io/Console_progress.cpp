@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Plexor_io/Console_progress.h"
 
+#include "Plexor_io/My_int2string.h"
 #include "Plexor_io/Reports.h"
 
 namespace cpm {
@@ -69,5 +70,74 @@ void Console_progress::Approximation_done(std::uint64_t n_exact, std::uint64_t n
     console_.Put_number(n_approximated);
     console_.Put_line("");
 }
+
+void Console_progress::Level_began(std::uint32_t k, std::uint32_t largest) {
+    Coms_report_sub::Report_com_export(k, largest, console_);
+    console_.Message_done();
+}
+
+void Console_progress::Level_found() {
+    console_.Put_line(" done.");
+}
+
+void Console_progress::Set_titles(std::string_view title, std::uint32_t k, std::string_view title2,
+                                  double intensity) {
+    title_.Clear();
+    title_.Put(title);
+    title_.Put_number(k);
+    title_.Put(',');
+    title2_.Clear();
+    title2_.Put(title2);
+    title2_.Put_fixed(intensity, 6);
+    title2_.Put(':');
+}
+
+void Console_progress::K_clique_search_began(std::uint32_t k, double intensity) {
+    Set_titles(" Generating k-cliques at k=", k,
+               " and a link weight intensity threshold I=", intensity);
+}
+
+void Console_progress::K_clique_search_at(std::uint32_t to_do, std::uint32_t total) {
+    reports::Report_progress(title_.View(), title2_.View(), "cliques", to_do, total, console_);
+    console_.Message_done();
+}
+
+void Console_progress::K_clique_search_done(std::uint32_t n_k_cliques) {
+    reports::Report_clique_search_end(" k-cliques", n_k_cliques, console_);
+    console_.Message_done();
+}
+
+void Console_progress::K_cliques_joining_began(std::uint32_t k, double intensity) {
+    // Deliberate: the last word but one is written so.
+    Set_titles(" Extracting communities from the k-cliques at k=", k,
+               " and a link weight intensity threshlod I=", intensity);
+}
+
+void Console_progress::K_cliques_joining_at(std::uint32_t to_do, std::uint32_t total) {
+    reports::Report_progress(title_.View(), title2_.View(), "k-cliques", to_do, total, console_);
+    console_.Message_done();
+}
+
+namespace Coms_report_sub {
+
+std::size_t Num_width(std::uint32_t n) {
+    return int2string(n).size();
+}
+
+void Report_com_export(std::uint32_t k, std::uint32_t kmax, Text_sink& sink) {
+    constexpr std::size_t width_without_k = 48;
+    constexpr unsigned decimals = 2;
+    // Deliberate: unsigned differences. A k above the largest clique, or a largest clique of less
+    // than two nodes, gives percentages out of all proportion.
+    double const done = 100 * (static_cast<double>(kmax - k) + 0.5) / static_cast<double>(kmax - 2);
+    sink.Put_repeated('_', Num_width(k) + width_without_k);
+    sink.Put("\n Extracting communities at k=");
+    sink.Put_number(k);
+    sink.Put(" (completed ");
+    sink.Put_fixed(done, decimals);
+    sink.Put("%)\n");
+}
+
+} // namespace Coms_report_sub
 
 } // namespace cpm

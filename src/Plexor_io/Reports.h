@@ -4,7 +4,7 @@
 #ifndef PLEXOR_REPORTS_H
 #define PLEXOR_REPORTS_H
 
-#include "support/Text_sink.h"
+#include "Plexor_io/Text_sink.h"
 
 #include <cstdint>
 #include <string_view>

@@ -9,6 +9,10 @@
 
 namespace cpm {
 
+/// What Tick() throws to cancel. No std::exception: nobody between the progress and who waits for
+/// the result takes it for an error.
+struct Cancelled {};
+
 class Progress {
 public:
     Progress() = default;
@@ -43,6 +47,22 @@ public:
 
     virtual void Approximation_began() {}
     virtual void Approximation_done(std::uint64_t /*n_exact*/, std::uint64_t /*n_approximated*/) {}
+
+    // --- The communities of one k, from the cliques. ---
+
+    /// `largest` is the size of the largest clique, where the levels begin.
+    virtual void Level_began(std::uint32_t /*k*/, std::uint32_t /*largest*/) {}
+    virtual void Level_found() {}
+
+    // --- k-cliques above an intensity: first found in the cliques, then joined to communities. ---
+
+    virtual void K_clique_search_began(std::uint32_t /*k*/, double /*intensity*/) {}
+    /// A clique of k nodes or more comes next. `to_do` of `total` cliques are left, this included.
+    virtual void K_clique_search_at(std::uint32_t /*to_do*/, std::uint32_t /*total*/) {}
+    virtual void K_clique_search_done(std::uint32_t /*n_k_cliques*/) {}
+    virtual void K_cliques_joining_began(std::uint32_t /*k*/, double /*intensity*/) {}
+    /// A k-clique comes next. `to_do` of `total` k-cliques are left, this included.
+    virtual void K_cliques_joining_at(std::uint32_t /*to_do*/, std::uint32_t /*total*/) {}
 };
 
 } // namespace cpm

@@ -3,8 +3,8 @@
 #ifndef PLEXOR_CAPTURED_CONSOLE_H
 #define PLEXOR_CAPTURED_CONSOLE_H
 
+#include "Plexor_io/Console.h"
 #include "Plexor_io/Console_progress.h"
-#include "support/Console.h"
 
 #include <array>
 #include <cerrno>

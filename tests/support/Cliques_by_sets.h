@@ -5,9 +5,9 @@
 #define PLEXOR_CLIQUES_BY_SETS_H
 
 #include "Plexor_io/Reports.h"
-#include "Vertex_maps.h"
+#include "Plexor_io/Text_sink.h"
+#include "records/Vertex_maps.h"
 #include "support/Graph_makers.h"
-#include "support/Text_sink.h"
 
 #include <algorithm>
 #include <deque>

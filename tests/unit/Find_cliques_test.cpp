@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Find_cliques.h"
+#include "Clique_find/Find_cliques.h"
 
 #include "Clique_find/Appr_core_cliques.h"
 #include "Clique_find/Clique_find.h"
