@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "Process_setup.h"
 
+#include "Plexor_io/Write_all.h"
 #include "support/Errors.h"
 #include "support/Huge_pages.h"
 
 #include <csignal>
+#include <cstdlib>
+#include <exception>
 #include <fcntl.h>
 #include <malloc.h>
+#include <string_view>
 #include <unistd.h>
 
 namespace cpm {
@@ -34,7 +38,21 @@ void Give_large_arrays_pages_of_their_own() {
     ::mallopt(M_TRIM_THRESHOLD, large); // setting one ends the automatic rise of the other
 }
 
+// An error that cannot be thrown for want of memory gets here, too; then there is none under way.
+void End_without_memory() {
+    if (std::current_exception() != nullptr) {
+        std::abort();
+    }
+    Write_out_of_memory();
+    ::_exit(0);
+}
+
 } // namespace
+
+void Write_out_of_memory() {
+    constexpr std::string_view text = "ERROR: not enough memory to begin.\n";
+    static_cast<void>(Write_all(STDOUT_FILENO, text));
+}
 
 void Set_up_process() {
     // A reader of the reports that goes away must not end the run, and a file that may not grow is
@@ -42,6 +60,7 @@ void Set_up_process() {
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
     Fill_standard_streams();
+    std::set_terminate(End_without_memory);
     Out_of_memory::Install();
     Give_large_arrays_pages_of_their_own();
 }

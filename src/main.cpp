@@ -5,12 +5,17 @@
 #include "Plexor_io/Run.h"
 #include "Process_setup.h"
 
+#include <new>
 #include <unistd.h>
 
 int main(int argc, char** argv) {
     cpm::Set_up_process();
-    cpm::Console console(STDOUT_FILENO);
-    cpm::Console_progress progress(console);
-    cpm::Run_command_line(argc, argv, progress, console);
+    try {
+        cpm::Console console(STDOUT_FILENO);
+        cpm::Console_progress progress(console);
+        cpm::Run_command_line(argc, argv, progress, console);
+    } catch (std::bad_alloc const&) {
+        cpm::Write_out_of_memory();
+    }
     return 0;
 }

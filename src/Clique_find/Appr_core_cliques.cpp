@@ -4,8 +4,9 @@
 // Takes    the core, the exact cliques.
 // Leaves   the clique list with the approximated cliques behind the exact ones.
 // Order    that of the core's nodes; exact cliques stay in theirs.
-// Cost     each set is compared with the sets at its rarest node. Memory: one number a clique
-//          member for the time of the comparison.
+// Cost     each set is compared with the sets at its rarest node; a neighbourhood not with those of
+//          its own members, of which there are many where a core is dense. Memory: one number a
+//          clique member for the time of the comparison.
 // Tested   Appr_core_cliques_test.cpp
 #include "Clique_find/Appr_core_cliques.h"
 
@@ -46,11 +47,23 @@ void Appr_core_cliques(Core const& core, Set_list const& exact, Set_list& approx
     Subset_index const in_candidates(candidates);
     Subset_index const in_exact(exact, &asked);
     Set_list kept;
+    std::vector<std::uint32_t> near(asked.size(), 0); // node -> 1 + its last neighbour looked at
     for (std::uint32_t i = 0; i < candidates.size(); ++i) {
         Node_set const candidate = candidates[i];
-        bool const covered = in_candidates.Any_holder(candidate, [&](std::uint32_t other) {
+        for (Node const node : candidate) {
+            near[node] = i + 1;
+        }
+        auto const comes_first = [&](std::uint32_t other) {
             return candidates[other].size() > candidate.size() || other < i;
-        });
+        };
+        // A neighbour is in this neighbourhood and not in its own, which so does not hold this one.
+        bool const covered =
+            candidate.empty()
+                ? in_candidates.Any_holder(candidate, comes_first)
+                : in_candidates.Any_holder_among(candidate, [&](std::uint32_t other) {
+                      Node const node = core.nodes[other];
+                      return comes_first(other) && (node >= near.size() || near[node] != i + 1);
+                  });
         if (!covered && !in_exact.Any_holder(candidate)) {
             kept.Add(candidate);
         }

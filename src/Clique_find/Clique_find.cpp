@@ -28,7 +28,7 @@ void Clique_find(Set_list& cliques, Index_links const& links, Progress& progress
     progress.Search_began({});
     Node_order const order(links);
     progress.Nodes_sorted();
-    Clique_find_sub_routines::Node_search search(order);
+    Clique_find_sub_routines::Node_search search(order, progress);
     auto const total = static_cast<std::uint32_t>(order.size());
     std::uint32_t to_do = total;
     for (Node const node : order.Nodes()) {
@@ -41,7 +41,8 @@ void Clique_find(Set_list& cliques, Index_links const& links, Progress& progress
 
 namespace Clique_find_sub_routines {
 
-Node_search::Node_search(Node_order const& order) : order_(order), place_(order.size() + 1, 0) {}
+Node_search::Node_search(Node_order const& order, Progress& progress)
+    : order_(order), pace_(progress), place_(order.size() + 1, 0) {}
 
 void Node_search::Clique_find_main_inv(Node node, Set_list& cliques) {
     Node_set const candidates = order_.Later(node);
@@ -56,7 +57,7 @@ void Node_search::Clique_find_main_inv(Node node, Set_list& cliques) {
         order_.Prefetch_place(done);
     }
     if (Gather(node)) {
-        local_.Find();
+        local_.Find(&pace_);
         local_.Append_cliques(node, candidates, least_others, cliques);
     }
     for (Node const candidate : candidates) {
@@ -91,7 +92,9 @@ bool Node_search::Gather_excluded(Node_set excluded, std::size_t n_candidates) {
         if (i + ahead < excluded.size()) {
             order_.Prefetch_neighbours(excluded[i + ahead]);
         }
-        std::span<std::uint32_t const> const places = Places_of(order_.Later(excluded[i]));
+        Node_set const later = order_.Later(excluded[i]);
+        pace_.Spend(later.size());
+        std::span<std::uint32_t const> const places = Places_of(later);
         if (places.size() == n_candidates) {
             return false;
         }
@@ -112,7 +115,9 @@ bool Node_search::Gather_links(Node_set candidates) {
         if (i + ahead < candidates.size()) {
             order_.Prefetch_neighbours(candidates[i + ahead]);
         }
-        for (std::uint32_t const place : Places_of(order_.Later(candidates[i]))) {
+        Node_set const later = order_.Later(candidates[i]);
+        pace_.Spend(later.size());
+        for (std::uint32_t const place : Places_of(later)) {
             local_.Link(i, place - 1);
             any = true;
         }

@@ -22,7 +22,7 @@ namespace Clique_find_sub_routines {
 /// The cliques of one node after the other; holds the working memory that they share.
 class Node_search {
 public:
-    explicit Node_search(Node_order const& order);
+    Node_search(Node_order const& order, Progress& progress);
 
     /// Appends the cliques whose first node is `node`.
     void Clique_find_main_inv(Node node, Set_list& cliques);
@@ -34,6 +34,7 @@ private:
     std::span<std::uint32_t const> Places_of(Node_set nodes);
 
     Node_order const& order_;
+    Pace pace_;
     Local_cliques local_;
     Flat_array<std::uint32_t> place_;   ///< node -> 1 + its place among the candidates, or 0
     std::vector<std::uint32_t> marked_; ///< the places of the nodes looked at

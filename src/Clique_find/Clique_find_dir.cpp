@@ -12,12 +12,14 @@
 #include "Clique_find/Clique_find_dir.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace cpm {
 
 namespace {
 
 constexpr std::size_t least_others = 2; // a clique has three nodes or more
+constexpr std::size_t no_bound = std::numeric_limits<std::size_t>::max();
 
 } // namespace
 
@@ -25,7 +27,7 @@ void Clique_find_dir(Set_list& cliques, Vtxd_map const& vertices, Progress& prog
     cliques.clear();
     progress.Search_began({.directed = true, .max_time = std::nullopt});
     Dir_links const links(vertices);
-    Clique_find_dir_sub_routines::Dir_node_search search(links);
+    Clique_find_dir_sub_routines::Dir_node_search search(links, progress);
     auto const total = static_cast<std::uint32_t>(vertices.size());
     std::uint32_t to_do = total;
     for (Node const node : links.Order()) {
@@ -41,7 +43,7 @@ void Clique_find_dir_time(Set_list& cliques, Vtxd_map const& vertices, std::vect
                           double max_time, Clock& clock, Progress& progress) {
     using namespace Clique_find_time_sub_routines;
     Dir_links const links(vertices);
-    Clique_find_dir_sub_routines::Dir_node_search search(links);
+    Clique_find_dir_sub_routines::Dir_node_search search(links, progress);
     progress.Search_began({.directed = true, .max_time = max_time});
     Search_in_time(cliques, links.Order(), search, max_time, clock, core, progress);
 }
@@ -50,69 +52,112 @@ namespace Clique_find_dir_sub_routines {
 
 void Dir_node_search::Main_inc_dir_investigator(Node node, Set_list& cliques) {
     if (around_.Gather(node)) {
-        Find_around(nullptr, cliques);
+        Find_around(no_bound, cliques);
     }
 }
 
 // The clock is not read for a node whose search by gaps would not read it, and is read where that
 // would read it first: what it had found by then counts when the time is up. From there on the fast
 // search takes over, which finds everything anew.
-void Dir_node_search::Main_inc_dir_inv_time(Node node,
-                                            Clique_find_time_sub_routines::Time_budget& budget,
-                                            Set_list& found) {
+void Dir_node_search::Main_inc_dir_inv_time(Node node, Time_budget& budget, Set_list& found) {
+    pace_.Go_on();
     if (!around_.Gather(node)) {
         return;
     }
-    Local_cliques::Stop_check const time_is_up = [&budget] { return budget.Overrun(); };
-    bool const reads_clock = first_check_.Reached(around_, found);
+    bool const reads_clock = first_check_.Reached(around_, pace_, found);
     if (reads_clock && budget.Overrun()) {
         return;
     }
+    std::swap(found, before_first_look_);
     found.clear();
-    Find_around(reads_clock ? &time_is_up : nullptr, found);
-}
-
-// Appends the cliques around the node, or some of them when it is stopped.
-void Dir_node_search::Find_around(Local_cliques::Stop_check const* stop, Set_list& cliques) {
-    bool const circles = around_.May_have_circles();
-    bool const all_found = circles ? kernel_.Find(around_, stop) : Find_without_circles(stop);
-    Set_list const& sets = circles ? kernel_.Found() : sets_;
-    if (!around_.One_way() || !all_found) {
-        // Every gap is open to every node: sets are met in lexicographic order, as they stand. And
-        // nobody asks for the order of some of the sets, which would take longer than to find them.
-        for (std::size_t i = 0; i < sets.size(); ++i) {
-            Append_clique(sets[i], cliques);
-        }
+    if (!reads_clock) {
+        Find_around(no_bound, found);
         return;
     }
-    for (std::uint32_t const i : order_.Sort(around_, sets)) {
-        Append_clique(sets[i], cliques);
+    pace_.Go_on_within(budget);
+    bool all_found = Find_around(most_bytes_of_an_attempt, found);
+    if (!all_found && !pace_.Is_over()) { // there is time, but the sets need more than the bound
+        all_found = Find_around(no_bound, found);
     }
+    if (all_found) {
+        return;
+    }
+    found = {}; // may be large
+    local_.Forget();
+    kernel_.Forget();
+    pace_.List_within(budget);
+    if (walk_.List(around_, first_check_, before_first_look_.size() + budget.Most_listed(),
+                   pace_)) {
+        for (std::size_t i = 0; i < walk_.Found().size(); ++i) {
+            Append_clique(walk_.Found()[i], found);
+        }
+    } else {
+        std::swap(found, before_first_look_);
+    }
+    walk_.Forget();
+}
+
+// Appends the cliques around the node. False when the time was up before, or when there were more
+// than could be kept: then some of them may be there.
+bool Dir_node_search::Find_around(std::size_t most_bytes, Set_list& cliques) {
+    bool const circles = around_.May_have_circles();
+    bool const all_found =
+        circles ? kernel_.Find(around_, &pace_, most_bytes) : Find_without_circles(most_bytes);
+    if (!all_found) {
+        return false;
+    }
+    Set_list const& sets = circles ? kernel_.Found() : sets_;
+    std::vector<std::uint32_t> const* order = nullptr;
+    if (around_.One_way()) { // else every gap is open to every node: the order is lexicographic
+        order = order_.Sort(around_, sets, &pace_);
+        if (order == nullptr) {
+            return false;
+        }
+    }
+    for (std::size_t i = 0; i < sets.size(); ++i) {
+        Node_set const set = sets[order == nullptr ? i : (*order)[i]];
+        Append_clique(set, cliques);
+        if (pace_.Spend(set.size())) {
+            return false;
+        }
+    }
+    return true;
 }
 
 // Where one-way links close no circle, nodes two by two linked can always be lined up.
-bool Dir_node_search::Find_without_circles(Local_cliques::Stop_check const* stop) {
-    local_.Start(around_.Centre());
+bool Dir_node_search::Find_without_circles(std::size_t most_bytes) {
+    constexpr std::size_t steps_a_link = 4;
+    if (!local_.Start(around_.Centre(), pace_.Is_bounded() ? &pace_ : nullptr)) {
+        return false;
+    }
     for (Local_link const& link : around_.Links()) {
         local_.Link(link.candidate, link.other);
+        if (pace_.Spend(steps_a_link)) {
+            return false;
+        }
     }
     std::span<Local_link const> rest = around_.Excluded_links();
     while (!rest.empty()) {
+        std::size_t const n_rest = rest.size();
         Place const excluded = rest.front().other;
         local_.Start_excluded();
         for (; !rest.empty() && rest.front().other == excluded; rest = rest.subspan(1)) {
             local_.Link_excluded(rest.front().candidate);
         }
         local_.End_excluded(least_others);
+        if (pace_.Spend(steps_a_link * (n_rest - rest.size()) + around_.Centre() / 64)) {
+            return false;
+        }
     }
-    bool const all_found = local_.Find(stop);
+    if (!local_.Find(&pace_, most_bytes)) {
+        return false;
+    }
     while (places_.size() < around_.Centre()) {
         places_.push_back(static_cast<Node>(places_.size()));
     }
     sets_.clear();
-    local_.Append_cliques(around_.Centre(), Node_set(places_).first(around_.Centre()), least_others,
-                          sets_);
-    return all_found;
+    return local_.Append_cliques(around_.Centre(), Node_set(places_).first(around_.Centre()),
+                                 least_others, sets_, &pace_);
 }
 
 void Dir_node_search::Append_clique(Node_set places, Set_list& cliques) {

@@ -10,6 +10,7 @@
 #include "Clique_find/Dir_links.h"
 #include "Clique_find/Dir_order.h"
 #include "Clique_find/Dir_surroundings.h"
+#include "Clique_find/Gap_walk.h"
 #include "Clique_find/Local_cliques.h"
 #include "Clique_find/Time_limited.h"
 #include "graph/Types.h"
@@ -35,33 +36,34 @@ namespace Clique_find_dir_sub_routines {
 /// The cliques of one node after the other; holds the working memory that they share.
 class Dir_node_search : public Clique_find_time_sub_routines::Node_finder {
 public:
-    explicit Dir_node_search(Dir_links const& links) : around_(links) {}
+    Dir_node_search(Dir_links const& links, Progress& progress) : pace_(progress), around_(links) {}
 
     /// Appends the cliques that hold the node and no done node.
     void Main_inc_dir_investigator(Node node, Set_list& cliques);
     /// The same within a time.
-    void Main_inc_dir_inv_time(Node node, Clique_find_time_sub_routines::Time_budget& budget,
-                               Set_list& found);
+    void Main_inc_dir_inv_time(Node node, Time_budget& budget, Set_list& found);
 
-    void Find(Node node, Clique_find_time_sub_routines::Time_budget& budget,
-              Set_list& found) override {
+    void Find(Node node, Time_budget& budget, Set_list& found) override {
         Main_inc_dir_inv_time(node, budget, found);
     }
     void Done(Node node) override { around_.Done(node); }
 
 private:
-    void Find_around(Local_cliques::Stop_check const* stop, Set_list& cliques);
-    bool Find_without_circles(Local_cliques::Stop_check const* stop);
+    bool Find_around(std::size_t most_bytes, Set_list& cliques);
+    bool Find_without_circles(std::size_t most_bytes);
     void Append_clique(Node_set places, Set_list& cliques);
 
+    Pace pace_;
     Dir_surroundings around_;
     Dir_first_check first_check_;
     Local_cliques local_;
     Dir_kernel kernel_;
     Dir_order order_;
+    Gap_walk walk_;
     std::vector<Node> places_; ///< 0, 1, 2, ...
     Set_list sets_;
     std::vector<Node> clique_;
+    Set_list before_first_look_;
 };
 
 } // namespace Clique_find_dir_sub_routines

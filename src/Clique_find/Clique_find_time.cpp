@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: MIT
-// Takes    the vertex map, a time for each node, a clock.
-// Leaves   cliques of the nodes that were done in time, and what was found of the others; the nodes
-//          that were not done.
+// Takes    the network, a time for each node, a clock.
+// Leaves   cliques of the nodes that were done in time, and the beginning of those of the others;
+//          the nodes that were not done.
 // Order    nodes as in the exact search, those that overran again at the end; at a node
 //          lexicographic.
 // Cost     as the exact search, within the time; a done neighbour of high degree costs no more than
 //          a binary search for each candidate. A node whose time is up at the first look at the
-//          clock costs what First_check does.
+//          clock costs what First_check does, and an attempt never more than twice its time.
 // Tested   Clique_find_time_test.cpp with clocks that count, the runs against the plain model.
 #include "Clique_find/Clique_find_time.h"
+
+#include <algorithm>
 
 namespace cpm {
 
@@ -18,38 +20,78 @@ constexpr std::size_t least_others = 2; // a clique has three nodes or more
 
 } // namespace
 
-void Clique_find_part_time(Set_list& cliques, Vtx_map const& vertices, std::vector<Node>& core,
+void Clique_find_part_time(Set_list& cliques, Node_order const& order, std::vector<Node>& core,
                            double max_time, Clock& clock, Progress& progress) {
     using namespace Clique_find_time_sub_routines;
-    std::vector<Node> order;
-    Sort_Vtx_map(order, vertices);
-    Timed_node_search search(vertices);
+    cliques.clear();
+    Timed_node_search search(order, cliques, progress);
     progress.Search_began({.directed = false, .max_time = max_time});
-    Search_in_time(cliques, order, search, max_time, clock, core, progress);
+    Search_in_time(cliques, order.Nodes(), search, max_time, clock, core, progress);
 }
 
 namespace Clique_find_time_sub_routines {
 
-Timed_node_search::Timed_node_search(Vtx_map const& vertices)
-    : vertices_(vertices), done_(vertices.size() + 1, false), candidates_(vertices),
-      excluded_(vertices) {}
+Timed_node_search::Timed_node_search(Node_order const& order, Set_list const& cliques,
+                                     Progress& progress)
+    : order_(order), cliques_(cliques), pace_(progress), done_(order.size() + 1, false),
+      largest_(order.size() + 1, 0), candidates_(order), excluded_(order), walk_(order) {}
+
+void Timed_node_search::Done(Node node) {
+    done_[node] = true;
+    for (; n_seen_ < cliques_.size(); ++n_seen_) {
+        for (Node const member : cliques_[n_seen_]) {
+            std::uint32_t& largest = largest_[member];
+            if (largest == 0 || cliques_[largest - 1].size() < cliques_[n_seen_].size()) {
+                largest = static_cast<std::uint32_t>(n_seen_ + 1);
+            }
+        }
+    }
+}
 
 // A node whose cliques show after two steps needs no time: the clock is first read when a third
 // step is due. What was found by then counts even when the time is up at this reading. The rows of
 // bits come only after it: a hub whose time is up has no need of them, and they are large.
 void Timed_node_search::Clique_find_main_time_part(Node node, Time_budget& budget,
                                                    Set_list& found) {
+    pace_.Go_on();
     Look_around(node);
-    bool const third_step = first_check_.Reached(node, candidates_, excluded_, found);
+    if (All_in_a_known_clique(node)) {
+        return;
+    }
+    bool const third_step = first_check_.Reached(node, candidates_, excluded_, pace_, found);
     if (!third_step || budget.Overrun()) {
         return;
     }
-    Gather();
-    Local_cliques::Stop_check const time_is_up = [&] { return budget.Overrun(); };
-    if (local_.Find(&time_is_up)) {
-        found.clear(); // the cliques found so far are among all of them, in their places
+    // The cliques found so far are among all of them, in their places.
+    std::swap(found, before_first_look_);
+    found.clear();
+    pace_.Go_on_within(budget);
+    if (Find_all(node, found)) {
+        return;
     }
-    local_.Append_cliques(node, candidates_.Nodes(), least_others, found);
+    budget.Overrun();
+    std::swap(found, before_first_look_);
+    before_first_look_ = {}; // may be large
+    local_.Forget();
+    pace_.List_within(budget);
+    walk_.List({node, candidates_, excluded_}, first_check_.Reached_at(),
+               found.size() + budget.Most_listed(), pace_, found);
+}
+
+// The cliques of a node that takes too long would fill the memory, only to be thrown away. When
+// they need so much, the search goes on without keeping them; when there is time for that, it is
+// done once more.
+bool Timed_node_search::Find_all(Node node, Set_list& found) {
+    if (!Gather()) {
+        return false;
+    }
+    if (!local_.Find(&pace_, most_bytes_of_an_attempt)) {
+        bool const once_more = !pace_.Is_over() && !local_.All_kept();
+        if (!once_more || !local_.Find(&pace_)) {
+            return false;
+        }
+    }
+    return local_.Append_cliques(node, candidates_.Nodes(), least_others, found, &pace_);
 }
 
 // Tells the candidates and the excluded nodes among the neighbours. A done neighbour can only
@@ -57,28 +99,50 @@ void Timed_node_search::Clique_find_main_time_part(Node node, Time_budget& budge
 void Timed_node_search::Look_around(Node node) {
     candidates_.clear();
     excluded_.clear();
-    for (Node const other : vertices_[node - 1].Neighs_c()) {
+    order_.For_each_neighbour_above(node, 0, [&](Node other) {
         if (!done_[other]) {
             candidates_.Add(other);
-        } else if (vertices_[other - 1].Neighs_c().size() > least_others) {
+        } else if (order_.Degree(other) > least_others) {
             excluded_.Add(other);
         }
+    });
+}
+
+// Whether one clique that is listed holds the node and all its candidates. Then nothing new can be
+// found here, and no third step is due: what First_check would find out, too, by comparing the
+// candidates with each other.
+bool Timed_node_search::All_in_a_known_clique(Node node) const {
+    if (largest_[node] == 0) {
+        return false;
     }
+    Node_set const clique = cliques_[largest_[node] - 1];
+    return clique.size() > candidates_.size() && std::ranges::includes(clique, candidates_.Nodes());
 }
 
 // Sets up the node's problem.
-void Timed_node_search::Gather() {
-    local_.Start(candidates_.size());
-    for (std::size_t i = 0; i < candidates_.size(); ++i) {
-        candidates_.For_each_neighbour_of(candidates_[i], i + 1,
-                                          [&](std::size_t j) { local_.Link(i, j); });
+bool Timed_node_search::Gather() {
+    std::size_t const n = candidates_.size();
+    bool in_time = local_.Start(n, &pace_);
+    for (std::size_t i = 0; i < n && in_time; ++i) {
+        std::size_t links = 0;
+        candidates_.For_each_neighbour_of(candidates_[i], i + 1, [&](std::size_t j) {
+            local_.Link(i, j);
+            ++links;
+        });
+        in_time = !pace_.Spend(Steps_to_look_around(candidates_[i]) + links);
     }
-    for (Node const other : excluded_.Nodes()) {
+    for (std::size_t e = 0; e < excluded_.size() && in_time; ++e) {
         local_.Start_excluded();
-        candidates_.For_each_neighbour_of(other, 0,
+        candidates_.For_each_neighbour_of(excluded_[e], 0,
                                           [&](std::size_t j) { local_.Link_excluded(j); });
         local_.End_excluded(least_others);
+        in_time = !pace_.Spend(Steps_to_look_around(excluded_[e]));
     }
+    return in_time;
+}
+
+std::size_t Timed_node_search::Steps_to_look_around(Node node) const {
+    return std::min(order_.Degree(node), 16 * candidates_.size()) + candidates_.size() / 64 + 8;
 }
 
 } // namespace Clique_find_time_sub_routines

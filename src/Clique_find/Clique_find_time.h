@@ -3,12 +3,13 @@
 #ifndef PLEXOR_CLIQUE_FIND_TIME_H
 #define PLEXOR_CLIQUE_FIND_TIME_H
 
+#include "Clique_find/Ascending_walk.h"
 #include "Clique_find/Clock.h"
 #include "Clique_find/First_check.h"
 #include "Clique_find/Local_cliques.h"
+#include "Clique_find/Node_order.h"
 #include "Clique_find/Time_limited.h"
 #include "graph/Types.h"
-#include "records/Vertex_maps.h"
 #include "support/Progress.h"
 
 #include <vector>
@@ -18,33 +19,44 @@ namespace cpm {
 /// Finds maximal cliques of three nodes or more, node by node, each node within `max_time` seconds.
 /// A node that needs longer is tried again when all others have been; when every node left has
 /// overrun in a row the search ends. `core` receives the nodes left then, ascending.
-void Clique_find_part_time(Set_list& cliques, Vtx_map const& vertices, std::vector<Node>& core,
+void Clique_find_part_time(Set_list& cliques, Node_order const& order, std::vector<Node>& core,
                            double max_time, Clock& clock, Progress& progress);
 
 namespace Clique_find_time_sub_routines {
 
 /// Finds the cliques of one node among the nodes not done: by way of First_check up to the first
-/// look at the clock, then by way of Local_cliques.
+/// look at the clock, then by way of Local_cliques; and what is kept of an attempt that has overrun
+/// by way of Ascending_walk.
 class Timed_node_search : public Node_finder {
 public:
-    explicit Timed_node_search(Vtx_map const& vertices);
+    /// The order and the cliques, to which those of each node done are appended, must outlive this.
+    Timed_node_search(Node_order const& order, Set_list const& cliques, Progress& progress);
 
     void Find(Node node, Time_budget& budget, Set_list& found) override {
         Clique_find_main_time_part(node, budget, found);
     }
-    void Done(Node node) override { done_[node] = true; }
+    void Done(Node node) override;
 
 private:
     void Clique_find_main_time_part(Node node, Time_budget& budget, Set_list& found);
     void Look_around(Node node);
-    void Gather();
+    bool All_in_a_known_clique(Node node) const;
+    bool Find_all(Node node, Set_list& found);
+    bool Gather();
+    std::size_t Steps_to_look_around(Node node) const;
 
-    Vtx_map const& vertices_;
+    Node_order const& order_;
+    Set_list const& cliques_;
+    Pace pace_;
     std::vector<bool> done_;
+    Flat_array<std::uint32_t> largest_; ///< node -> 1 + the number of its largest clique, or 0
+    std::size_t n_seen_ = 0;            ///< so many cliques are in largest_
     Placed_nodes candidates_;
     Placed_nodes excluded_;
     First_check first_check_;
     Local_cliques local_;
+    Ascending_walk walk_;
+    Set_list before_first_look_;
 };
 
 } // namespace Clique_find_time_sub_routines

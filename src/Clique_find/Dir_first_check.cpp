@@ -26,7 +26,7 @@ constexpr std::uint8_t n_gaps = 3;
 
 } // namespace
 
-bool Dir_first_check::Reached(Dir_surroundings const& around, Set_list& found) {
+bool Dir_first_check::Reached(Dir_surroundings const& around, Pace& pace, Set_list& found) {
     around_ = &around;
     Set_up(around);
     for (bool const in_front : {true, false}) {
@@ -34,6 +34,8 @@ bool Dir_first_check::Reached(Dir_surroundings const& around, Set_list& found) {
             if ((around.Arcs_with(first) & (in_front ? Arc_from : Arc_to)) == 0) {
                 continue;
             }
+            reached_at_ = {in_front ? 0U : 1U, first, 0, 0};
+            pace.Spend(Neighbours(first).size()); // only for those who wait: nothing stops here
             Tighten_dir(first, in_front);
             Merge_already_full_and_possibs({first}, joining_);
             bool const reached = !joining_.empty() && Mehet_tovabb() && Try_second(first, found);
@@ -165,6 +167,8 @@ bool Dir_first_check::Try_second(Place first, Set_list& found) {
                 continue;
             }
             if (!joining_three_.empty()) {
+                reached_at_.second_gap = i;
+                reached_at_.second = second;
                 return true;
             }
             Iktatjuk_az_uj_vert_clt(first, second, found);

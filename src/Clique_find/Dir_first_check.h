@@ -5,6 +5,7 @@
 
 #include "Clique_find/Circles.h"
 #include "Clique_find/Dir_surroundings.h"
+#include "Clique_find/Time_budget.h"
 #include "graph/Types.h"
 
 #include <cstdint>
@@ -21,19 +22,31 @@ public:
     /// when there is none. Known is what lies in a clique with a done node. Appends to `found` the
     /// sets of three nodes met by then that no candidate may join as they stand and that are not
     /// known.
-    bool Reached(Dir_surroundings const& around, Set_list& found);
+    bool Reached(Dir_surroundings const& around, Pace& pace, Set_list& found);
 
-private:
     struct Neighbour {
         Place place = 0;
         Arcs arcs = 0; ///< seen from the node whose neighbour this is
     };
-    using Gaps = std::uint8_t; ///< gaps of a line of two nodes, a bit each, the front gap lowest
-
-    void Set_up(Dir_surroundings const& around);
+    /// The candidates and excluded nodes that a node is linked with, ascending; those of an
+    /// excluded node are candidates only. They stay until the next call of Reached().
     std::span<Neighbour const> Neighbours(Place place) const {
         return {neighbours_.data() + begins_[place], neighbours_.data() + begins_[place + 1]};
     }
+    /// The line at which the clock is looked at: the gap of the line of the centre alone that its
+    /// first candidate went into, and the gap of that line that its second one went into.
+    struct Line {
+        std::uint32_t first_gap = 0;
+        Place first = 0;
+        std::uint32_t second_gap = 0;
+        Place second = 0;
+    };
+    Line Reached_at() const { return reached_at_; }
+
+private:
+    using Gaps = std::uint8_t; ///< gaps of a line of two nodes, a bit each, the front gap lowest
+
+    void Set_up(Dir_surroundings const& around);
     Arcs Arcs_between(Place a, Place b) const;
     void Tighten_dir(Place first, bool in_front);
     void Tighten_dir(Gaps gap, Place second);
@@ -45,6 +58,7 @@ private:
     void Iktatjuk_az_uj_vert_clt(Place first, Place second, Set_list& found);
 
     Dir_surroundings const* around_ = nullptr;
+    Line reached_at_;
     std::vector<Neighbour> neighbours_; ///< ascending at each place
     std::vector<std::size_t> begins_;
     std::vector<Place> joining_; ///< candidates that may join the line of the centre and one more

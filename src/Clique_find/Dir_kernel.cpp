@@ -24,7 +24,8 @@ namespace {
 using Dir_kernel_sub::Memory;
 using Word = std::uint64_t;
 constexpr std::size_t word_bits = 64;
-constexpr std::size_t branches_between_stop_checks = 256;
+constexpr std::size_t steps_a_link = 4;
+constexpr std::size_t steps_a_branch = 64; // beside those for each word looked at
 
 void Set_bit(Word* set, std::size_t i) {
     set[i / word_bits] |= Word{1} << (i % word_bits);
@@ -47,7 +48,7 @@ Word* Row_in(Memory& memory, Place row, Kind kind) {
 template <std::size_t fixed_words> class Search {
 public:
     explicit Search(Memory& memory) : memory_(memory) {}
-    bool Recurrent_inc_inv_dir(Dir_kernel::Stop_check const* stop);
+    bool Recurrent_inc_inv_dir(Pace* pace);
 
 private:
     // A level's sets. Its candidates can each join the set lined up; the tried ones could, and so
@@ -66,6 +67,12 @@ private:
     std::size_t Common(Word const* a, Word const* b) const;
     template <class Visit> void For_each_bit(Word const* set, Visit visit) const;
 
+    // Of the branch that was opened last. Looking for circles takes some walks over the rows.
+    std::size_t Steps_of_branch() const {
+        Memory::Level const& level = memory_.levels.back();
+        std::size_t const rows = memory_.pivots.size() + memory_.rivals.size() - level.rivals_begin;
+        return steps_a_branch + (level.no_circles ? 1 : 4) * N() * (rows + 16);
+    }
     void Open_root();
     void Tighten_dir(Place placed);
     void Close();
@@ -108,9 +115,7 @@ void Search<fixed_words>::For_each_bit(Word const* set, Visit visit) const {
     }
 }
 
-template <std::size_t fixed_words>
-bool Search<fixed_words>::Recurrent_inc_inv_dir(Dir_kernel::Stop_check const* stop) {
-    std::size_t branches = 0;
+template <std::size_t fixed_words> bool Search<fixed_words>::Recurrent_inc_inv_dir(Pace* pace) {
     Open_root();
     bool opened = true;
     while (true) {
@@ -121,7 +126,7 @@ bool Search<fixed_words>::Recurrent_inc_inv_dir(Dir_kernel::Stop_check const* st
             } else if (Mehet_tovabb()) {
                 memory_.level_sets.resize(n_level_sets * N() * (Depth() + 2));
             }
-            if (stop != nullptr && ++branches % branches_between_stop_checks == 0 && (*stop)()) {
+            if (pace != nullptr && pace->Spend(Steps_of_branch())) {
                 return false;
             }
         }
@@ -385,29 +390,52 @@ template <std::size_t fixed_words> void Search<fixed_words>::Iktatjuk_az_uj_vert
     if (depth < 2 || has_rivals || !Empty(Set_of(depth, tried))) {
         return;
     }
+    std::size_t const bytes = (depth + 1) * sizeof(Place) + sizeof(std::uint64_t);
+    if (memory_.room < bytes) {
+        memory_.all_kept = false;
+        return;
+    }
+    memory_.room -= bytes;
     For_each_bit(memory_.lined_up.data(), [this](Place i) { memory_.found.Append(i); });
     memory_.found.Close_list();
 }
 
 } // namespace
 
-bool Dir_kernel::Find(Dir_surroundings const& around, Stop_check const* stop) {
-    Set_up(around);
+bool Dir_kernel::Find(Dir_surroundings const& around, Pace* pace, std::size_t most_bytes) {
+    memory_.found.clear();
+    memory_.room = most_bytes;
+    memory_.all_kept = true;
+    if (!Set_up(around, pace)) {
+        return false;
+    }
+    bool finished = false;
     switch (memory_.n_words) {
     case 1:
-        return Search<1>(memory_).Recurrent_inc_inv_dir(stop);
+        finished = Search<1>(memory_).Recurrent_inc_inv_dir(pace);
+        break;
     case 2:
-        return Search<2>(memory_).Recurrent_inc_inv_dir(stop);
+        finished = Search<2>(memory_).Recurrent_inc_inv_dir(pace);
+        break;
     default:
-        return Search<0>(memory_).Recurrent_inc_inv_dir(stop);
+        finished = Search<0>(memory_).Recurrent_inc_inv_dir(pace);
     }
+    return finished && memory_.all_kept;
 }
 
-void Dir_kernel::Set_up(Dir_surroundings const& around) {
-    memory_.found.clear();
+bool Dir_kernel::Set_up(Dir_surroundings const& around, Pace* pace) {
+    auto const in_time = [pace](std::size_t steps) {
+        return pace == nullptr || !pace->Spend(steps);
+    };
     memory_.centre = around.Centre();
     memory_.n_words = memory_.centre / word_bits + 1;
-    memory_.rows.assign(n_kinds * around.N_places() * memory_.n_words, 0);
+    memory_.rows.clear();
+    for (std::size_t i = 1; i <= around.N_places(); ++i) { // the rows of a hub take long to clear
+        memory_.rows.Resize(n_kinds * i * memory_.n_words, 0);
+        if (!in_time(n_kinds * memory_.n_words)) {
+            return false;
+        }
+    }
     auto const set_link = [this](Place a, Place b, Arcs seen_from_a) {
         Set_bit(Row_in(memory_, a, linked), b);
         if (seen_from_a != Arc_both) {
@@ -425,10 +453,17 @@ void Dir_kernel::Set_up(Dir_surroundings const& around) {
     for (Local_link const& link : around.Links()) {
         set_link(link.candidate, link.other, link.arcs);
         set_link(link.other, link.candidate, Reversed(link.arcs));
+        if (!in_time(steps_a_link)) {
+            return false;
+        }
     }
     for (Local_link const& link : around.Excluded_links()) {
         set_link(link.other, link.candidate, Reversed(link.arcs));
+        if (!in_time(steps_a_link)) {
+            return false;
+        }
     }
+    return true;
 }
 
 } // namespace cpm

@@ -6,10 +6,11 @@
 #define PLEXOR_DIR_KERNEL_H
 
 #include "Clique_find/Dir_surroundings.h"
-#include "Clique_find/Local_cliques.h"
+#include "Clique_find/Time_budget.h"
 #include "graph/Types.h"
 
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 namespace cpm {
@@ -22,7 +23,7 @@ struct Memory {
     std::size_t n_words = 0;
     /// Three sets of bits a place: with which candidates and whether with the centre the node is
     /// linked at all, to which of them it has a one-way link, and from which.
-    std::vector<std::uint64_t> rows;
+    Flat_array<std::uint64_t> rows;
     std::vector<std::uint64_t> lined_up; ///< the centre, and the candidates placed so far
     std::vector<std::uint64_t> level_sets;
     std::vector<std::uint64_t> work;
@@ -42,23 +43,28 @@ struct Memory {
     };
     std::vector<Pivot> pivots;
     Set_list found;
+    std::size_t room = 0; ///< so many bytes of sets may still be kept
+    bool all_kept = true;
 };
 
 } // namespace Dir_kernel_sub
 
 class Dir_kernel {
 public:
-    using Stop_check = Local_cliques::Stop_check;
-
     /// Finds every set of the centre and two candidates or more that can be lined up, and that no
-    /// other candidate and no excluded node can join. False when `stop` ended the search, and then
-    /// only some of them have been found.
-    bool Find(Dir_surroundings const& around, Stop_check const* stop);
+    /// other candidate and no excluded node can join. False when the pace ended the search, or when
+    /// they need more than `most_bytes`: then the search goes on to its end to see whether there is
+    /// time for that, and All_kept() is false.
+    bool Find(Dir_surroundings const& around, Pace* pace,
+              std::size_t most_bytes = std::numeric_limits<std::size_t>::max());
+    bool All_kept() const { return memory_.all_kept; }
+    /// Gives back the memory that sets found have needed.
+    void Forget() { memory_.found = {}; }
     /// The sets, each by ascending places, in no particular order.
     Set_list const& Found() const { return memory_.found; }
 
 private:
-    void Set_up(Dir_surroundings const& around);
+    bool Set_up(Dir_surroundings const& around, Pace* pace);
 
     Dir_kernel_sub::Memory memory_;
 };

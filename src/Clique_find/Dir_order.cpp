@@ -44,22 +44,30 @@ constexpr std::uint64_t Bit(std::size_t i) {
 
 } // namespace
 
-std::vector<std::uint32_t> const& Dir_order::Sort(Dir_surroundings const& around,
-                                                  Set_list const& sets) {
+std::vector<std::uint32_t> const* Dir_order::Sort(Dir_surroundings const& around,
+                                                  Set_list const& sets, Pace* pace) {
     order_.resize(sets.size());
     std::iota(order_.begin(), order_.end(), 0U);
     if (sets.size() < 2) {
-        return order_;
+        return &order_;
     }
     Set_up(around);
     first_lines_.clear();
     for (std::size_t i = 0; i < sets.size(); ++i) {
-        Add_first_line(sets[i]);
+        Node_set const set = sets[i];
+        others_.assign(n_words_, 0);
+        for (Place const place : set.first(set.size() - 1)) {
+            others_[place / word_bits] |= Bit(place);
+        }
+        first_lines_.Add(first_line_.Find(set.back(), others_, to_.data(), n_words_));
+        if (pace != nullptr && pace->Spend(2 * set.size() * (n_words_ + 4))) {
+            return nullptr;
+        }
     }
-    std::sort(order_.begin(), order_.end(), [this](std::uint32_t a, std::uint32_t b) {
+    auto const less = [this](std::uint32_t a, std::uint32_t b) {
         return std::ranges::lexicographical_compare(first_lines_[a], first_lines_[b]);
-    });
-    return order_;
+    };
+    return Sort_within(order_.begin(), order_.end(), less, pace) ? &order_ : nullptr;
 }
 
 void Dir_order::Set_up(Dir_surroundings const& around) {
@@ -81,13 +89,15 @@ void Dir_order::Set_up(Dir_surroundings const& around) {
     }
 }
 
-void Dir_order::Add_first_line(Node_set set) {
-    group_.assign(n_words_, 0);
-    for (Place const i : set.first(set.size() - 1)) {
-        group_[i / word_bits] |= Bit(i);
-    }
+std::vector<std::uint64_t> const& First_line::Find(Place centre, Words const& others,
+                                                   Word const* to, std::size_t stride) {
+    to_ = to;
+    stride_ = stride;
+    n_words_ = others.size();
+    steps_.clear();
+    group_ = others;
     n_groups_ = 0;
-    Take_reached(set.back(), group_, Open_group()); // the line is the centre alone
+    Take_reached(centre, group_, Open_group()); // the line is the centre alone
     std::uint32_t gap = 0;
     Place_in_gap(gap, group_);
     // The groups are those of the line's nodes in their order, the first one's on top.
@@ -95,28 +105,28 @@ void Dir_order::Add_first_line(Node_set set) {
         group_.swap(groups_[--n_groups_]);
         Place_in_gap(++gap, group_);
     }
-    first_lines_.Close_list();
+    return steps_;
 }
 
 // Puts a group into its gap. The order of the nodes placed is the reverse of the order of placing.
-void Dir_order::Place_in_gap(std::uint32_t gap, Words& group) {
+void First_line::Place_in_gap(std::uint32_t gap, Words& group) {
     for (std::size_t w = 0; w < n_words_; ++w) {
         while (group[w] != 0) {
             auto const bit = static_cast<std::size_t>(std::countr_zero(group[w]));
             group[w] &= group[w] - 1;
             auto const node = static_cast<Place>(w * word_bits + bit);
-            first_lines_.Append(std::uint64_t{gap} << 32 | node);
+            steps_.push_back(Step(gap, node));
             Take_reached(node, group, Open_group());
         }
     }
 }
 
 // Moves what can be reached from a node by way of the group alone out of the group.
-void Dir_order::Take_reached(Place begin, Words& group, Words& reached) {
+void First_line::Take_reached(Place begin, Words& group, Words& reached) {
     reached.assign(n_words_, 0);
     to_walk_.assign(1, begin);
     while (!to_walk_.empty()) {
-        Word const* const row = to_.data() + to_walk_.back() * n_words_;
+        Word const* const row = to_ + to_walk_.back() * stride_;
         to_walk_.pop_back();
         for (std::size_t w = 0; w < n_words_; ++w) {
             Word const taken = row[w] & group[w];
@@ -130,7 +140,7 @@ void Dir_order::Take_reached(Place begin, Words& group, Words& reached) {
     }
 }
 
-Dir_order::Words& Dir_order::Open_group() {
+First_line::Words& First_line::Open_group() {
     if (n_groups_ == groups_.size()) {
         groups_.emplace_back();
     }

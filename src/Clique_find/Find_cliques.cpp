@@ -24,13 +24,11 @@ void Approximate(Found_cliques& found, Core const& core, Progress& progress) {
 
 } // namespace
 
-Graph Graph_of_links(Index_links const& links, bool directed, bool timed) {
+Graph Graph_of_links(Index_links const& links, bool directed) {
     Graph graph;
     graph.directed = directed;
     if (directed) {
         Dir_vtx_map_from_link_map(graph.dir_vertices, links);
-    } else if (timed) {
-        Vtx_map_from_link_map(graph.vertices, links);
     } else {
         graph.links = &links;
     }
@@ -52,19 +50,20 @@ void Find_cliques(Found_cliques& found, Graph const& graph, std::optional<double
     if (graph.directed) {
         Clique_find_dir_time(found.cliques, graph.dir_vertices, core, *max_time_per_node, clock,
                              progress);
-    } else {
-        Clique_find_part_time(found.cliques, graph.vertices, core, *max_time_per_node, clock,
-                              progress);
+        found.n_exact = found.cliques.size();
+        if (!core.empty()) {
+            // A search that was cut short can leave a set that it had yet to find inside another
+            // one.
+            found.nested = true;
+            Approximate(found, Core_of_nodes(core, graph.dir_vertices), progress);
+        }
+        return;
     }
+    Node_order const order(*graph.links);
+    Clique_find_part_time(found.cliques, order, core, *max_time_per_node, clock, progress);
     found.n_exact = found.cliques.size();
     if (!core.empty()) {
-        // A directed search that was cut short can leave a set that it had yet to find inside
-        // another one.
-        found.nested = graph.directed;
-        Approximate(found,
-                    graph.directed ? Core_of_nodes(core, graph.dir_vertices)
-                                   : Core_of_nodes(core, graph.vertices),
-                    progress);
+        Approximate(found, Core_of_nodes(core, order), progress);
     }
 }
 

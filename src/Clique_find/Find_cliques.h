@@ -25,13 +25,12 @@ struct Found_cliques {
 /// The graph of a run, as its search takes it.
 struct Graph {
     Index_links const* links = nullptr; ///< undirected; must outlive the graph
-    Vtx_map vertices;                   ///< undirected, for the search with a time limit
     Vtxd_map dir_vertices;              ///< directed
     bool directed = false;
 };
 
-/// The graph of these links, which must outlive it, for a search with a time limit or one without.
-Graph Graph_of_links(Index_links const& links, bool directed, bool timed);
+/// The graph of these links, which must outlive it.
+Graph Graph_of_links(Index_links const& links, bool directed);
 
 /// Finds all maximal cliques of three nodes or more. With a time limit (seconds a node, measured by
 /// the clock) the nodes that take longer are given up, and their cliques approximated.

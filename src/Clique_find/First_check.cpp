@@ -88,7 +88,7 @@ void First_check::Lists::Close_list(Place candidate) {
 }
 
 bool First_check::Reached(Node centre, Placed_nodes const& candidates, Placed_nodes const& done,
-                          Set_list& found) {
+                          Pace& pace, Set_list& found) {
     centre_ = centre;
     candidates_ = &candidates;
     done_ = &done;
@@ -97,7 +97,7 @@ bool First_check::Reached(Node centre, Placed_nodes const& candidates, Placed_no
     known_with_.assign(candidates.size(), 0);
     n_known_ = 0;
     for (Place first = 0; first < candidates.size(); ++first) {
-        if (Try_first(first, found)) {
+        if (Try_first(first, pace, found)) {
             return true;
         }
     }
@@ -111,7 +111,7 @@ bool First_check::Reached(Node centre, Placed_nodes const& candidates, Placed_no
 //            outside of it.
 // Breaks if: `outside_known_` lacks a candidate that is in no known set with `first`.
 // Pinned by: First_check_test
-bool First_check::Try_first(Place first, Set_list& found) {
+bool First_check::Try_first(Place first, Pace& pace, Set_list& found) {
     Look_behind(first);
     first_known_ = known_with_[first];
     known_before_ = n_known_;
@@ -127,11 +127,13 @@ bool First_check::Try_first(Place first, Set_list& found) {
         } else if (!Any_behind(second, outside)) {
             continue;
         }
+        pace.Spend(behind_[first].size() - i); // only for those who wait: nothing is stopped here
         Tighten(first, i);
         if (!Mehet_tovabb(first, second)) {
             continue;
         }
         if (!joining_.empty()) {
+            reached_at_ = {first, second};
             return true;
         }
         Iktatjuk_az_uj_math_cliquet(first, second, found);

@@ -3,8 +3,9 @@
 #ifndef PLEXOR_FIRST_CHECK_H
 #define PLEXOR_FIRST_CHECK_H
 
+#include "Clique_find/Node_order.h"
+#include "Clique_find/Time_budget.h"
 #include "graph/Types.h"
-#include "records/Vertex_maps.h"
 
 #include <algorithm>
 #include <cassert>
@@ -17,9 +18,9 @@ namespace cpm {
 /// Some nodes of a network, ascending, each known by its place among them.
 class Placed_nodes {
 public:
-    /// The network must outlive this and keep its size.
-    explicit Placed_nodes(Vtx_map const& vertices)
-        : vertices_(vertices), places_(vertices.size() + 1, 0) {}
+    /// The network must outlive this.
+    explicit Placed_nodes(Node_order const& network)
+        : network_(network), places_(network.size() + 1, 0) {}
 
     void clear();
     /// Takes a node larger than all before it.
@@ -39,7 +40,7 @@ public:
     void For_each_neighbour_of(Node node, std::size_t first, Take const& take) const;
 
 private:
-    Vtx_map const& vertices_;
+    Node_order const& network_;
     std::vector<Node> nodes_;
     std::vector<std::uint32_t> places_; ///< node -> 1 + its place, or 0
 };
@@ -47,34 +48,40 @@ private:
 template <class Take>
 void Placed_nodes::For_each_neighbour_of(Node node, std::size_t first, Take const& take) const {
     constexpr std::size_t steps_of_a_search = 16;
-    Node_set const neighbours = vertices_[node - 1].Neighs_c();
-    if (neighbours.size() / steps_of_a_search > nodes_.size() - first) {
+    if (network_.Degree(node) / steps_of_a_search > nodes_.size() - first) {
         for (std::size_t place = first; place < nodes_.size(); ++place) {
-            if (std::ranges::binary_search(neighbours, nodes_[place])) {
+            if (network_.Linked(node, nodes_[place])) {
                 take(place);
             }
         }
         return;
     }
-    auto const begin =
-        first == 0 ? neighbours.begin() : std::ranges::upper_bound(neighbours, nodes_[first - 1]);
-    std::for_each(begin, neighbours.end(), [&](Node neighbour) {
-        if (places_[neighbour] != 0) {
-            take(std::size_t{places_[neighbour]} - 1);
-        }
-    });
+    network_.For_each_neighbour_above(node, first == 0 ? 0 : nodes_[first - 1],
+                                      [&](Node neighbour) {
+                                          if (places_[neighbour] != 0) {
+                                              take(std::size_t{places_[neighbour]} - 1);
+                                          }
+                                      });
 }
 
 class First_check {
 public:
+    /// Two places among the candidates.
+    struct Pair {
+        std::uint32_t first = 0;
+        std::uint32_t second = 0;
+    };
+
     /// Walks the pairs of linked candidates in ascending order, up to the first one that candidates
     /// behind it may join and that, with all that may, is not known. False when there is none.
     /// Known is what lies in a clique with a done node. Appends to `found` the sets of the centre
     /// and a pair met by then that no candidate behind it may join and that are not known.
     /// The candidates are the neighbours of `centre` that are not done; `done` are those that are,
     /// at least all with three neighbours or more.
-    bool Reached(Node centre, Placed_nodes const& candidates, Placed_nodes const& done,
+    bool Reached(Node centre, Placed_nodes const& candidates, Placed_nodes const& done, Pace& pace,
                  Set_list& found);
+    /// The pair at which the last walk ended.
+    Pair Reached_at() const { return reached_at_; }
 
 private:
     using Place = std::uint32_t;
@@ -94,7 +101,7 @@ private:
         std::vector<std::uint32_t> numbers_; ///< candidate -> 1 + its list's number, or 0
     };
 
-    bool Try_first(Place first, Set_list& found);
+    bool Try_first(Place first, Pace& pace, Set_list& found);
     void Look_behind(Place candidate);
     void Look_at_done(Place candidate);
     bool Any_behind(Place candidate, Places places);
@@ -105,6 +112,7 @@ private:
     void Iktatjuk_az_uj_math_cliquet(Place first, Place second, Set_list& found) const;
 
     Node centre_ = 0;
+    Pair reached_at_;
     Placed_nodes const* candidates_ = nullptr;
     Placed_nodes const* done_ = nullptr;
     Lists behind_;    ///< a candidate's neighbours among the candidates behind it

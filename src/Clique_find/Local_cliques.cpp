@@ -22,14 +22,7 @@ namespace cpm {
 
 namespace {
 
-constexpr std::size_t branches_between_stop_checks = 256;
-
-bool Time_for_stop_check(std::size_t& countdown) {
-    if (countdown == 0) {
-        countdown = branches_between_stop_checks;
-    }
-    return --countdown == 0;
-}
+constexpr std::size_t steps_a_branch = 16; // beside those for each word looked at
 
 using Word = std::uint64_t;
 using Local_cliques_sub::Word_problem;
@@ -40,13 +33,22 @@ constexpr Word Bit(std::size_t i) {
     return (Word{1} << 63) >> i;
 }
 
+void Keep(Word_problem& problem, Word clique) {
+    if (problem.room < sizeof(Word)) {
+        problem.all_kept = false;
+        return;
+    }
+    problem.room -= sizeof(Word);
+    problem.found.push_back(clique);
+}
+
 // A branch is a clique R, the candidates P that extend it, and the excluded nodes linked with all
 // of R: bits X for candidates already tried, words of `excluded` (cut down to P) for the others.
 // A clique found in a branch lies in R and P, and holds something of P unless P is empty: so an
 // excluded node without a link into P forbids nothing there, and one linked with all of P forbids
 // everything.
 PLEXOR_COUNTS_BITS
-bool Search_words(Word_problem& problem, Word all, Local_cliques::Stop_check const* stop) {
+bool Search_words(Word_problem& problem, Word all, Pace* pace) {
     struct Branch {
         Word clique = 0;
         Word candidates = 0;
@@ -104,12 +106,13 @@ bool Search_words(Word_problem& problem, Word all, Local_cliques::Stop_check con
             if (hopeless) {
                 branch.to_try = 0;
             } else if (least == size - 1) {
-                problem.found.push_back(branch.clique | set); // all of P is one clique
+                Keep(problem, branch.clique | set); // all of P is one clique
                 branch.to_try = 0;
             } else {
                 branch.to_try = set & ~best_row;
             }
-            if (stop != nullptr && Time_for_stop_check(problem.until_stop_check) && (*stop)()) {
+            if (pace != nullptr && pace->Spend(steps_a_branch + static_cast<std::size_t>(size) +
+                                               branch.excluded_end - branch.excluded_begin)) {
                 return false;
             }
         }
@@ -129,6 +132,10 @@ bool Search_words(Word_problem& problem, Word all, Local_cliques::Stop_check con
         branch.candidates &= ~bit;
         branch.tried |= bit;
         excluded.Resize_uninitialised(branch.excluded_end);
+        if (pace != nullptr &&
+            pace->Spend(steps_a_branch + branch.excluded_end - branch.excluded_begin)) {
+            return false;
+        }
         bool hopeless = candidates == 0 && tried != 0;
         for (std::size_t e = branch.excluded_begin; e < branch.excluded_end && !hopeless; ++e) {
             Word const row = excluded[e];
@@ -144,7 +151,7 @@ bool Search_words(Word_problem& problem, Word all, Local_cliques::Stop_check con
             continue;
         }
         if (candidates == 0) {
-            problem.found.push_back(branch.clique | bit);
+            Keep(problem, branch.clique | bit);
             continue;
         }
         branches[depth + 1] = {branch.clique | bit, candidates,     tried, 0,
@@ -173,15 +180,42 @@ Word const* Most_linked(std::span<Word const* const> rows, Word const* candidate
 }
 } // namespace
 
-void Local_cliques::Start(std::size_t n_candidates) {
+std::uint64_t Local_cliques_sub::First_candidates(std::span<std::uint32_t const> list) {
+    constexpr std::size_t n_first = 4;
+    constexpr unsigned bits_each = 16;
+    // Stands for all from there on. Such candidates cannot be told apart, so nothing that comes
+    // behind one of them counts.
+    constexpr std::uint32_t largest = 0xFFFF;
+    std::uint64_t key = 0;
+    bool beyond = false;
+    for (std::size_t i = 0; i < n_first; ++i) {
+        // A clique that ends here is no beginning of another one: any number will do.
+        std::uint32_t const candidate = i < list.size() ? list[i] : 0;
+        beyond = beyond || candidate >= largest;
+        key = key << bits_each | (beyond ? largest : candidate);
+    }
+    return key;
+}
+
+bool Local_cliques::Start(std::size_t n_candidates, Pace* pace) {
     n_candidates_ = n_candidates;
     n_words_ = (n_candidates + word_bits - 1) / word_bits;
     rows_.clear();
-    rows_.Resize(n_candidates * n_words_, 0);
     excluded_.clear();
+    if (pace == nullptr) {
+        rows_.Resize(n_candidates * n_words_, 0);
+    } else { // the rows of a hub take long to clear
+        for (std::size_t i = 0; i < n_candidates; ++i) {
+            if (pace->Spend(n_words_)) {
+                return false;
+            }
+            rows_.Resize((i + 1) * n_words_, 0);
+        }
+    }
     words_.found.clear();
     wide_found_.clear();
     wide_order_.clear();
+    return true;
 }
 
 void Local_cliques::End_excluded(std::size_t least) {
@@ -195,28 +229,34 @@ void Local_cliques::End_excluded(std::size_t least) {
     }
 }
 
-bool Local_cliques::Find(Stop_check const* stop) {
+bool Local_cliques::Find(Pace* pace, std::size_t most_bytes) {
+    words_.found.clear();
+    wide_found_.clear();
+    wide_order_.clear();
+    words_.room = most_bytes;
+    words_.all_kept = true;
     if (n_candidates_ == 0) {
         return true;
     }
     if (n_words_ > 1) {
-        bool const finished = Search_wide(stop);
-        Order_wide(finished);
-        return finished;
+        return Search_wide(pace) && words_.all_kept && Order_wide(pace);
     }
     std::copy(rows_.begin(), rows_.end(), words_.rows.begin());
     words_.excluded.clear();
     words_.excluded.Append(excluded_);
     Word const all = ~Word{0} << (word_bits - n_candidates_);
-    bool const finished = Search_words(words_, all, stop);
-    if (finished) {
-        std::sort(words_.found.begin(), words_.found.end(), std::greater<>());
-    }
-    return finished;
+    return Search_words(words_, all, pace) && words_.all_kept &&
+           Sort_within(words_.found.begin(), words_.found.end(), std::greater<>(), pace);
 }
 
-void Local_cliques::Append_cliques(Node always, Node_set names, std::size_t least,
-                                   Set_list& cliques) {
+void Local_cliques::Forget() {
+    words_.found.Release();
+    wide_found_ = {};
+    wide_order_ = {};
+}
+
+bool Local_cliques::Append_cliques(Node always, Node_set names, std::size_t least,
+                                   Set_list& cliques, Pace* pace) {
     auto const append = [&](auto const& for_each_candidate) {
         clique_.clear();
         bool placed = false;
@@ -233,26 +273,34 @@ void Local_cliques::Append_cliques(Node always, Node_set names, std::size_t leas
         if (clique_.size() > least) {
             cliques.Add(clique_);
         }
+        return pace == nullptr || !pace->Spend(clique_.size());
     };
     for (Word const set : words_.found) {
-        append([set](auto const& take) {
+        bool const go_on = append([set](auto const& take) {
             for (Word rest = set; rest != 0;) {
                 auto const i = static_cast<std::size_t>(std::countl_zero(rest));
                 rest &= ~Bit(i);
                 take(i);
             }
         });
+        if (!go_on) {
+            return false;
+        }
     }
     for (Wide_place const& place : wide_order_) {
-        append([set = wide_found_[place.number]](auto const& take) {
+        bool const go_on = append([set = wide_found_[place.number]](auto const& take) {
             std::for_each(set.begin(), set.end(), take);
         });
+        if (!go_on) {
+            return false;
+        }
     }
+    return true;
 }
 
 // The same search over rows of several words, until a branch has at most 64 candidates left: what
 // remains is then a narrow problem of its own, in which all excluded nodes are alike.
-bool Local_cliques::Search_wide(Stop_check const* stop) {
+bool Local_cliques::Search_wide(Pace* pace) {
     std::size_t const n = n_words_;
     path_.clear();
     levels_.assign(1, {0, N_excluded()});
@@ -314,7 +362,7 @@ bool Local_cliques::Search_wide(Stop_check const* stop) {
                 Add_wide(Bit(0));
             }
         } else if (size <= word_bits) {
-            finished = Narrow_to_words(next_candidates, size, depth, next, stop);
+            finished = Narrow_to_words(next_candidates, size, depth, next, pace);
         } else {
             for (std::size_t e = level.excluded_begin; e < level.excluded_end; ++e) {
                 if (linked_with_next(level_excluded_[e])) {
@@ -324,9 +372,11 @@ bool Local_cliques::Search_wide(Stop_check const* stop) {
             path_.push_back(static_cast<std::uint32_t>(next));
             levels_.push_back({level.excluded_end, level_excluded_.size()});
             Open_level(++depth);
+            finished = pace == nullptr || !pace->Spend(n * pivots_.size());
         }
-        if (finished && stop != nullptr && Time_for_stop_check(words_.until_stop_check)) {
-            finished = !(*stop)();
+        if (finished && pace != nullptr) {
+            finished =
+                !pace->Spend(steps_a_branch + 4 * n + level.excluded_end - level.excluded_begin);
         }
     }
     return finished;
@@ -362,8 +412,12 @@ void Local_cliques::Open_level(std::size_t depth) {
 
 // Solves what is left behind path + next: the `size` candidates in `set`, at most 64.
 bool Local_cliques::Narrow_to_words(Word const* set, std::size_t size, std::size_t depth,
-                                    std::size_t next, Stop_check const* stop) {
+                                    std::size_t next, Pace* pace) {
     std::size_t const n = n_words_;
+    std::size_t const n_rows = size + levels_[depth].excluded_end - levels_[depth].excluded_begin;
+    if (pace != nullptr && pace->Spend(n_rows * (n + size))) {
+        return false;
+    }
     narrow_.clear();
     narrow_place_.resize(n * word_bits);
     for (std::size_t w = 0; w < n; ++w) {
@@ -403,7 +457,7 @@ bool Local_cliques::Narrow_to_words(Word const* set, std::size_t size, std::size
         words_.rows[i] = Narrowed(Row(narrow_[i]), set);
     }
     words_.found.clear();
-    bool const finished = Search_words(words_, all, stop);
+    bool const finished = Search_words(words_, all, pace);
     path_.push_back(static_cast<std::uint32_t>(next));
     for (Word const found : words_.found) {
         Add_wide(found);
@@ -434,38 +488,31 @@ void Local_cliques::Add_wide(Word narrow_set) {
         rest &= ~Bit(i);
         clique_.push_back(narrow_[i]);
     }
+    // The word of the narrow problem has been counted already.
+    std::size_t const bytes = clique_.size() * sizeof(clique_.front()) + sizeof(std::uint64_t);
+    if (words_.room < bytes) {
+        words_.all_kept = false;
+        return;
+    }
+    words_.room -= bytes;
     std::sort(clique_.begin(), clique_.end());
     wide_found_.Add(clique_);
 }
 
 // Sets the order in which the cliques found are listed. Most pairs of cliques differ in their first
 // candidates, which one number holds: the lists themselves are rarely looked at.
-void Local_cliques::Order_wide(bool sorted) {
-    auto const first_candidates = [&](std::span<std::uint32_t const> list) {
-        constexpr std::size_t n_first = 4;
-        constexpr unsigned bits_each = 16;
-        constexpr std::uint32_t largest = 0xFFFF; // stands for all from there on
-        std::uint64_t key = 0;
-        for (std::size_t i = 0; i < n_first; ++i) {
-            // A clique that ends here is no beginning of another one: any number will do.
-            std::uint32_t const candidate = i < list.size() ? list[i] : 0;
-            key = key << bits_each | std::min(candidate, largest);
-        }
-        return key;
-    };
+bool Local_cliques::Order_wide(Pace* pace) {
     wide_order_.clear();
     for (std::size_t i = 0; i < wide_found_.size(); ++i) {
-        wide_order_.push_back({first_candidates(wide_found_[i]), static_cast<std::uint32_t>(i)});
+        wide_order_.push_back(
+            {Local_cliques_sub::First_candidates(wide_found_[i]), static_cast<std::uint32_t>(i)});
     }
-    if (!sorted) {
-        return;
-    }
-    std::sort(wide_order_.begin(), wide_order_.end(),
-              [&](Wide_place const& a, Wide_place const& b) {
-                  return a.key != b.key ? a.key < b.key
-                                        : std::ranges::lexicographical_compare(
-                                              wide_found_[a.number], wide_found_[b.number]);
-              });
+    auto const less = [&](Wide_place const& a, Wide_place const& b) {
+        return a.key != b.key ? a.key < b.key
+                              : std::ranges::lexicographical_compare(wide_found_[a.number],
+                                                                     wide_found_[b.number]);
+    };
+    return Sort_within(wide_order_.begin(), wide_order_.end(), less, pace);
 }
 
 } // namespace cpm

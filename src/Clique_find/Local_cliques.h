@@ -5,10 +5,11 @@
 #ifndef PLEXOR_LOCAL_CLIQUES_H
 #define PLEXOR_LOCAL_CLIQUES_H
 
+#include "Clique_find/Time_budget.h"
 #include "graph/Types.h"
 
 #include <array>
-#include <functional>
+#include <limits>
 #include <vector>
 
 namespace cpm {
@@ -20,18 +21,21 @@ struct Word_problem {
     std::array<std::uint64_t, 64> rows{};
     Flat_array<std::uint64_t> excluded; ///< first the problem's own, then those of open branches
     Flat_array<std::uint64_t> found;
-    std::size_t until_stop_check = 0;
+    std::size_t room = 0; ///< so many bytes of sets may still be kept
+    bool all_kept = true;
 };
+
+/// The first candidates of a list as a number: of two lists, neither the beginning of the other,
+/// the one with the smaller number comes first. Equal numbers say nothing.
+std::uint64_t First_candidates(std::span<std::uint32_t const> list);
 
 } // namespace Local_cliques_sub
 
 class Local_cliques {
 public:
-    /// Asked now and then during a search; true ends it.
-    using Stop_check = std::function<bool()>;
-
     /// Starts a new problem: candidates 0 to `n_candidates` - 1, no links, no excluded nodes.
-    void Start(std::size_t n_candidates);
+    /// False when the pace ended it.
+    bool Start(std::size_t n_candidates, Pace* pace = nullptr);
     /// Candidates i and j are linked.
     void Link(std::size_t i, std::size_t j) {
         Set_bit(Row(i), j);
@@ -43,13 +47,19 @@ public:
     void Link_excluded(std::size_t i) { Set_bit(excluded_.end() - n_words_, i); }
     void End_excluded(std::size_t least);
 
-    /// Finds the cliques, in lexicographic order; they stay until the next Start(). False when
-    /// `stop` ended the search, and then only some of them have been found, in no particular order.
-    bool Find(Stop_check const* stop = nullptr);
+    /// Finds the cliques, in lexicographic order; they stay until the next Start(). False when the
+    /// pace ended the search, or when they need more than `most_bytes`: then the search goes on to
+    /// its end to see whether there is time for that, and All_kept() is false. None are left then.
+    bool Find(Pace* pace = nullptr,
+              std::size_t most_bytes = std::numeric_limits<std::size_t>::max());
+    bool All_kept() const { return words_.all_kept; }
     /// Appends each clique found, its candidates translated by `names` (ascending, candidate i is
     /// names[i]) and joined by `always`, to the list, in the order of Find().
-    /// Cliques of fewer than `least` candidates are left out.
-    void Append_cliques(Node always, Node_set names, std::size_t least, Set_list& cliques);
+    /// Cliques of fewer than `least` candidates are left out. False when the pace ended it.
+    bool Append_cliques(Node always, Node_set names, std::size_t least, Set_list& cliques,
+                        Pace* pace = nullptr);
+    /// Gives back the memory that cliques found have needed.
+    void Forget();
 
 private:
     // Candidate i is bit 63 - i % 64 of word i / 64: of two cliques, neither inside the other, the
@@ -73,13 +83,13 @@ private:
         std::size_t excluded_end = 0;
     };
 
-    bool Search_wide(Stop_check const* stop);
+    bool Search_wide(Pace* pace);
     void Open_level(std::size_t depth);
     bool Narrow_to_words(Word const* set, std::size_t size, std::size_t depth, std::size_t next,
-                         Stop_check const* stop);
+                         Pace* pace);
     Word Narrowed(Word const* row, Word const* set) const;
     void Add_wide(Word narrow_set);
-    void Order_wide(bool sorted);
+    bool Order_wide(Pace* pace);
 
     std::size_t n_candidates_ = 0;
     std::size_t n_words_ = 0;

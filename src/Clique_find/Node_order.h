@@ -7,6 +7,7 @@
 
 #include "graph/Types.h"
 
+#include <algorithm>
 #include <vector>
 
 namespace cpm {
@@ -26,6 +27,29 @@ public:
     /// The neighbours that come earlier in the order, ascending by index.
     Node_set Earlier(Node node) const {
         return {neighbours_.data() + middles_[node], neighbours_.data() + begins_[node + 1]};
+    }
+
+    std::size_t Degree(Node node) const {
+        return static_cast<std::size_t>(begins_[node + 1] - begins_[node]);
+    }
+    bool Linked(Node a, Node b) const {
+        return std::ranges::binary_search(Later(a), b) || std::ranges::binary_search(Earlier(a), b);
+    }
+    /// Calls visit(neighbour) for each neighbour larger than `least`, ascending by index.
+    template <class Visit>
+    void For_each_neighbour_above(Node node, Node least, Visit const& visit) const {
+        auto const from = [least](Node_set nodes) {
+            return std::span(std::ranges::upper_bound(nodes, least), nodes.end());
+        };
+        Node_set later = from(Later(node));
+        Node_set earlier = from(Earlier(node));
+        while (!later.empty() || !earlier.empty()) {
+            bool const is_later =
+                earlier.empty() || (!later.empty() && later.front() < earlier.front());
+            Node_set& next = is_later ? later : earlier;
+            visit(next.front());
+            next = next.subspan(1);
+        }
     }
 
     /// Fetches the memory of where a node's neighbours are, and, when that has come, of the

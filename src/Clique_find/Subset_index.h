@@ -7,6 +7,7 @@
 
 #include "graph/Types.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -36,6 +37,15 @@ public:
             }
         }
         return false;
+    }
+    /// Whether some set i of which `counts(i)` is true holds all of `part`, which has nodes. It is
+    /// asked for before a set is looked at: it should be quick.
+    template <class Counts> bool Any_holder_among(Node_set part, Counts const& counts) const {
+        Signature const signature = Signature_of(part);
+        std::span<std::uint32_t const> const sets = Sets_of_rarest(part);
+        return std::any_of(sets.begin(), sets.end(), [&](std::uint32_t i) {
+            return (signature & ~signatures_[i]) == 0 && counts(i) && Holds(sets_[i], part);
+        });
     }
     /// Whether some set holds all of `part`.
     bool Any_holder(Node_set part) const {

@@ -6,32 +6,59 @@
 #define PLEXOR_TIME_LIMITED_H
 
 #include "Clique_find/Clock.h"
+#include "Clique_find/Time_budget.h"
 #include "graph/Types.h"
 #include "support/Progress.h"
 
+#include <cstdint>
 #include <vector>
 
 namespace cpm::Clique_find_time_sub_routines {
 
-/// The time that one attempt at a node may take, from the making of the budget on.
-class Time_budget {
+/// What the sets kept of all attempts that have overrun may take: their members, and what tells
+/// them apart. When it is full, attempts end as if their time had been up. Only sets of three nodes
+/// are always kept: up to the first look at the clock nothing else is found.
+constexpr std::size_t most_bytes_pending = std::size_t{1} << 29;
+
+/// The sets found at nodes that took too long, each once.
+class Pending_sets {
 public:
-    /// Reads the clock.
-    Time_budget(Clock& clock, double max_time)
-        : clock_(clock), max_time_(max_time), t_start_((clock.Start(), clock.Now())) {}
-    /// Reads the clock, unless the time is known to be up. True when more than the time is gone.
-    bool Overrun() {
-        too_slow_ = too_slow_ || clock_.Now() - t_start_ > max_time_;
-        return too_slow_;
+    explicit Pending_sets(std::size_t n_nodes, std::size_t most_bytes = most_bytes_pending)
+        : done_(n_nodes + 1, false), most_bytes_(most_bytes) {}
+
+    /// Takes the sets from the first on, as many as there is room for.
+    void Add(Set_list const& found);
+    /// All cliques with the node are known: sets with it need not be kept.
+    void Done(Node node) {
+        done_[node] = true;
+        ++n_done_;
     }
-    /// Whether the time was up at some reading.
-    bool Too_slow() const { return too_slow_; }
+    /// Drops the sets that hold a done node, and gives back all but the sets.
+    void Finish();
+
+    Set_list const& Sets() const { return sets_; }
+    std::size_t Bytes() const { return sets_.Total() * sizeof(Node) + sets_.size() * bytes_a_set; }
 
 private:
-    Clock& clock_;
-    double max_time_;
-    double t_start_;
-    bool too_slow_ = false;
+    // Its end, its hash, and up to four slots.
+    static constexpr std::size_t bytes_a_set =
+        2 * sizeof(std::uint64_t) + 4 * sizeof(std::uint32_t);
+
+    bool Has_room(Node_set set);
+    void Add(Node_set set);
+    void Drop_done();
+    void Fill_slots(std::size_t n_slots);
+    static std::uint64_t Hash(Node_set set);
+
+    Set_list sets_;
+    Flat_array<std::uint64_t> hashes_;   ///< one a set
+    Flat_array<std::uint32_t> slots_{2}; ///< 1 + a set's number, or 0; no more than half full
+    std::vector<bool> done_;
+    std::size_t n_done_ = 0;
+    std::size_t n_dropped_for_room_ = 0; ///< n_done_ when sets were dropped to make room
+    std::size_t most_bytes_;
+    std::size_t bytes_to_drop_at_ = std::size_t{1}
+                                    << 24; ///< when sets of done nodes are looked for
 };
 
 /// Finds the cliques of one node among the nodes that are not done.
@@ -44,10 +71,10 @@ public:
 
     /// Leaves in `found`, which is empty, the cliques of three nodes or more that hold `node` and
     /// no done node and that no node of the network extends, in the order in which they are to be
-    /// listed. When the budget says that the time is up it stops, with some of them found, in any
-    /// order; sets of just three nodes may then also be such that another node extends them.
+    /// listed. When the budget says that the time is up, `found` has those that come first in
+    /// this order; sets of just three nodes may then also be such that another node extends them.
     virtual void Find(Node node, Time_budget& budget, Set_list& found) = 0;
-    /// The node was found within its time.
+    /// The node was found within its time, and its cliques are listed.
     virtual void Done(Node node) = 0;
 };
 

@@ -53,7 +53,7 @@ Edge_numbering::Edge_numbering(Index_links const& links, Node n_nodes, Set_list 
             std::sort(larger_.begin() + row, larger_.end());
         }
         if (larger_.size() > std::numeric_limits<Link_number>::max()) {
-            throw Xerror_msg("ERROR: the network has more than 4294967295 links.");
+            throw Too_large("ERROR: the network has more than 4294967295 links.");
         }
     }
     offsets_.push_back(static_cast<Link_number>(larger_.size()));

@@ -27,6 +27,10 @@ public:
         return {larger_.data() + offsets_[first],
                 static_cast<std::size_t>(offsets_[first + 1] - offsets_[first])};
     }
+    /// The smaller end of the pair of this number: by a search.
+    Node Smaller_end(Link_number number) const {
+        return static_cast<Node>(std::ranges::upper_bound(offsets_, number) - offsets_.begin() - 1);
+    }
     /// The larger end of the pair of this number.
     Node Larger_end(Link_number number) const { return larger_[number]; }
     /// The number of the first pair whose smaller end is `first`; the others follow.

@@ -145,7 +145,7 @@ void K_clique_list::Finish() {
     Sort_and_unite();
     members_.Shrink_to_fit();
     if (size_ >= std::numeric_limits<std::uint32_t>::max()) {
-        throw Xerror_msg("ERROR: there are more than 4294967294 k-cliques at this k.");
+        throw Too_large("ERROR: there are more than 4294967294 k-cliques at this k.");
     }
 }
 

@@ -42,7 +42,7 @@ std::size_t Link_rows::Find(Node first, Node second, std::size_t from) const {
             return found;
         }
     }
-    throw Xerror_msg(missing_link);
+    throw Missing_link(missing_link);
 }
 
 double Link_rows::Log_weight(std::size_t position) const {
@@ -52,7 +52,7 @@ double Link_rows::Log_weight(std::size_t position) const {
 void Get_sub_links_and_min_link_w(Node_set nodes, Link_rows const& rows, Sub_links& sub_links,
                                   double& min_log_w, std::size_t n_known) {
     if (nodes.size() < 2) {
-        throw Xerror_msg(missing_link);
+        throw Missing_link(missing_link);
     }
     sub_links.Resize(nodes.size());
     for (std::size_t a = 0; a + 1 < nodes.size(); ++a) {

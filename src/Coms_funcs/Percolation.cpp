@@ -126,12 +126,14 @@ Percolation::Percolation(std::shared_ptr<Ranked_cliques const> cliques, std::siz
 // Breaks if: a level is started at the same or a larger k without giving up what was carried.
 // Pinned by: Percolation_test (levels in any order), Find_coms_test (one k after the other gives
 //            what each gives alone).
-void Percolation::Coms_from_appr_ovlp_matr(Communities& coms, std::uint32_t k) {
+void Percolation::Coms_from_appr_ovlp_matr(Communities& coms, std::uint32_t k, Progress* progress) {
+    constexpr std::uint32_t cliques_a_tick = 2048;
+    Ticker ticker(progress, cliques_a_tick);
     coms.links.reset(); // so that what nobody else keeps is carried on without a copy
     std::swap(com_cliques_, coms.cliques);
     com_cliques_.clear();
     sets_.Start_level(k < last_k_ && adjacency_->Levels_nest());
-    last_k_ = k;
+    last_k_ = 0; // until this level is whole
     // Deliberate: at k = 0 the least overlap k - 1 is the largest number there is, so nothing is
     // found.
     if (k > 0) {
@@ -139,11 +141,12 @@ void Percolation::Coms_from_appr_ovlp_matr(Communities& coms, std::uint32_t k) {
         adjacency_->Start_level(k);
         for (std::size_t c = adjacency_->Next_unvisited(0); c < cliques.size();
              c = adjacency_->Next_unvisited(c + 1)) {
-            if (cliques[c].size() >= k && Grow_community(static_cast<Clique_number>(c))) {
+            if (cliques[c].size() >= k && Grow_community(static_cast<Clique_number>(c), ticker)) {
                 com_cliques_.Close_list();
             }
         }
     }
+    last_k_ = k;
     List(coms);
 }
 
@@ -156,7 +159,7 @@ void Percolation::Coms_from_appr_ovlp_matr(Communities& coms, std::uint32_t k) {
 // Buys:      no recursion: a chain of cliques can be as long as the list.
 // Breaks if: a clique is visited when it is followed and not when it is brought in.
 // Pinned by: Percolation_test (against recursion; a chain of 300,000 cliques).
-bool Percolation::Grow_community(Clique_number first) {
+bool Percolation::Grow_community(Clique_number first, Ticker& ticker) {
     members_.clear();
     to_follow_.clear();
     adjacency_->Visit_first(first, members_);
@@ -165,6 +168,7 @@ bool Percolation::Grow_community(Clique_number first) {
     }
     Join(0);
     while (!to_follow_.empty()) {
+        ticker.Step();
         Adjacent_clique const next = members_[to_follow_.back()];
         to_follow_.pop_back();
         if (std::size_t const left = to_follow_.size(); left > 3) {

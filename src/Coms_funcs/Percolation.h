@@ -9,6 +9,7 @@
 #include "Coms_funcs/Premerge_overlaps.h"
 #include "Coms_funcs/Ranked_cliques.h"
 #include "graph/Types.h"
+#include "support/Progress.h"
 
 #include <memory>
 #include <vector>
@@ -57,11 +58,12 @@ public:
     /// those without an approximated clique before the others; the cliques of a community in the
     /// order in which they joined: a clique brings in all unvisited cliques adjacent to it,
     /// ascending, before the first of these is looked at, which is then followed to the end before
-    /// the next. What is in `coms` gives its memory.
-    void Coms_from_appr_ovlp_matr(Communities& coms, std::uint32_t k);
+    /// the next. What is in `coms` gives its memory. The progress, where there is one, may cancel:
+    /// the next level is then found as if there had been none before.
+    void Coms_from_appr_ovlp_matr(Communities& coms, std::uint32_t k, Progress* progress = nullptr);
 
 private:
-    bool Grow_community(Clique_number first);
+    bool Grow_community(Clique_number first, Ticker& ticker);
     void Join(std::size_t first_new);
     void List(Communities& coms);
 

@@ -10,7 +10,8 @@ namespace cpm {
 namespace {
 
 constexpr std::size_t buffer_size = std::size_t{1} << 16;
-constexpr std::int64_t flush_interval_ms = 100;
+constexpr std::int64_t moment_ms = 100;
+constexpr int most_in_a_moment = 8;
 
 // The coarse clock is read without a system call and is exact enough for a person's eye.
 std::int64_t Now_ms() {
@@ -21,7 +22,7 @@ std::int64_t Now_ms() {
 
 } // namespace
 
-Console::Console(int descriptor) : descriptor_(descriptor), buffer_(buffer_size), last_flush_(0) {
+Console::Console(int descriptor) : descriptor_(descriptor), buffer_(buffer_size) {
     Set_buffer(buffer_.data(), buffer_.data() + buffer_.size());
 }
 
@@ -30,7 +31,19 @@ Console::~Console() {
 }
 
 void Console::Message_done() {
-    if (Now_ms() - last_flush_ >= flush_interval_ms) {
+    std::int64_t const now = Now_ms();
+    if (now - moment_began_ >= moment_ms) {
+        moment_began_ = now;
+        n_in_moment_ = 0;
+    }
+    if (n_in_moment_ < most_in_a_moment) {
+        ++n_in_moment_;
+        Flush();
+    }
+}
+
+void Console::Tick() {
+    if (Next() != buffer_.data() && Now_ms() - moment_began_ >= moment_ms) {
         Flush();
     }
 }
@@ -40,13 +53,12 @@ void Console::Flush() {
     // Nobody is left to be told about a standard output that fails.
     static_cast<void>(Write_all(descriptor_, text));
     Set_buffer(buffer_.data(), buffer_.data() + buffer_.size());
-    last_flush_ = Now_ms();
 }
 
 void Console::Put_line(std::string_view text) {
     Put(text);
     Put('\n');
-    Message_done();
+    Flush();
 }
 
 void Console::Make_room(std::size_t) {

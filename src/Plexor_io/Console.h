@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Console: standard output through one buffer. Long searches write a report a node; the buffer is
-// passed on a few times a second, so that a person sees it live and a million reports cost nothing.
+// Console: standard output through one buffer. What a step says before it begins is passed on at
+// once: nobody knows how long it will take. Long searches write a report a node; of a flood of
+// these only a few each tenth of a second are, so that a million reports cost nothing.
 #ifndef PLEXOR_CONSOLE_H
 #define PLEXOR_CONSOLE_H
 
@@ -19,12 +20,14 @@ public:
     explicit Console(int descriptor);
     ~Console() override;
 
-    /// A whole message or report stands in the buffer: passes the buffer on if a person watching
-    /// would otherwise have waited.
+    /// A whole message or report stands in the buffer: passes the buffer on, unless that has been
+    /// done often in the last moments. Then Tick() does.
     void Message_done();
+    /// Work goes on and nothing new is said: passes on what has been held back long enough.
+    void Tick();
     void Flush();
 
-    /// The text, an end of line, and Message_done().
+    /// The text and an end of line, passed on at once.
     void Put_line(std::string_view text);
 
 protected:
@@ -33,7 +36,8 @@ protected:
 private:
     int descriptor_;
     std::vector<char> buffer_;
-    std::int64_t last_flush_;
+    std::int64_t moment_began_ = 0;
+    int n_in_moment_ = 0; ///< messages passed on since then
 };
 
 } // namespace cpm

@@ -16,7 +16,7 @@ public:
     /// The console must outlive this.
     explicit Console_progress(Console& console) : console_(console) {}
 
-    void Tick() override { console_.Message_done(); }
+    void Tick() override { console_.Tick(); }
 
     void Search_began(Clique_search const& search) override;
     void Nodes_sorted() override;

@@ -40,7 +40,7 @@ void Coms_finder::Find_coms(std::uint32_t k) {
 
 void Coms_finder::From_overlaps(std::uint32_t k) {
     progress_.Level_began(k, input_.largest_clique);
-    percolation_->Coms_from_appr_ovlp_matr(coms_, k);
+    percolation_->Coms_from_appr_ovlp_matr(coms_, k, &progress_);
     progress_.Level_found();
     Write(k);
 }

@@ -51,7 +51,7 @@ Found_cliques Search(Index_links const& links, Run_settings const& run, Progress
     console.Put_line(" Preparing graph from the links...");
     std::optional<double> const limit =
         run.time_limit_set ? std::optional<double>(run.time_limit) : std::nullopt;
-    Graph const graph = Graph_of_links(links, run.directed, limit.has_value());
+    Graph const graph = Graph_of_links(links, run.directed);
     console.Put_line(" Graph created from the links OK.");
     Found_cliques found;
     Processor_clock clock;
@@ -85,7 +85,7 @@ private:
 };
 
 // All that comes after the command line.
-void Run_from_links(Run_settings run, Input_request const& request, Link_source const& source,
+void Run_from_links(Run_settings& run, Input_request const& request, Link_source const& source,
                     Progress& progress, Console& console, Run_outcome& outcome) {
     Link_map named_links;
     Get_links(run, request, source, named_links);
@@ -109,21 +109,32 @@ void Run_from_links(Run_settings run, Input_request const& request, Link_source 
     Print_banner(console);
 }
 
+// What to try depends on what has been tried. Nothing here needs memory.
+void Put_out_of_memory(Run_settings const& run, Console& console) {
+    console.Put("ERROR: not enough memory for this network. Try ");
+    console.Put(run.weighted ? "stricter weight thresholds" : "a weight threshold");
+    console.Put(" (-w, -W)");
+    console.Put(run.time_limit_set ? "" : ", a time limit for the clique search (-t),");
+    console.Put_line(" or a machine with more memory.");
+}
+
 // Does the stages and turns what ends them into the outcome, in one place.
-template <class Stages> Run_outcome Outcome_of(Console& console, Stages const& stages) {
+template <class Stages>
+Run_outcome Outcome_of(Run_settings const& settings, Console& console, Stages const& stages) {
     using Kind = Run_outcome::Kind;
     Run_outcome outcome;
     auto const end = [&](Kind kind, std::exception const& error) {
         outcome.kind = kind;
+        console.Put_line(error.what());
         outcome.text = error.what();
-        console.Put_line(outcome.text);
     };
     try {
         stages(outcome);
     } catch (Usage_shown const& shown) {
         end(shown.Asked_for() ? Kind::help : Kind::refused, shown);
-    } catch (std::bad_alloc const& error) {
-        end(Kind::out_of_memory, error);
+    } catch (std::bad_alloc const&) {
+        outcome.kind = Kind::out_of_memory;
+        Put_out_of_memory(settings, console);
     } catch (std::exception const& error) {
         end(Kind::failed, error);
     } catch (Cancelled const&) {
@@ -142,20 +153,21 @@ void Begin(Console& console) {
 
 Run_outcome Run(Run_settings const& settings, Input_request const& request,
                 Link_source const& source, Progress& progress, Console& console) {
-    return Outcome_of(console, [&](Run_outcome& outcome) {
+    Run_settings run = settings;
+    return Outcome_of(run, console, [&](Run_outcome& outcome) {
         Begin(console);
-        Run_from_links(settings, request, source, progress, console, outcome);
+        Run_from_links(run, request, source, progress, console, outcome);
     });
 }
 
 Run_outcome Run_command_line(int argc, char const* const* argv, Progress& progress,
                              Console& console) {
-    return Outcome_of(console, [&](Run_outcome& outcome) {
+    Run_settings run;
+    return Outcome_of(run, console, [&](Run_outcome& outcome) {
         Begin(console);
-        Run_settings settings;
         Input_request request;
-        Take_command_line(argc, argv, settings, request, console);
-        Run_from_links(settings, request, Links_of_file(request), progress, console, outcome);
+        Take_command_line(argc, argv, run, request, console);
+        Run_from_links(run, request, Links_of_file(request), progress, console, outcome);
     });
 }
 

@@ -65,7 +65,7 @@ Node Name_interner::Number(std::string_view name, std::uint64_t key) {
     }
     // One number is left free: node indices start at 1.
     if (names_.size() >= std::numeric_limits<Node>::max() - 1) {
-        throw Xerror_msg("ERROR: the link file names more nodes than can be numbered.");
+        throw Too_large("ERROR: the link file names more nodes than can be numbered.");
     }
     Node const number = static_cast<Node>(names_.size());
     slots_[place] = {key, number};

@@ -60,6 +60,24 @@ public:
     void Append(std::span<T const> values) { members_.Append(values); }
     void Close_list() { offsets_.push_back(members_.size()); }
 
+    /// Keeps the lists of which `keep(number)` is true, in their order; it is asked for each once,
+    /// ascending, while the list is still where it was.
+    template <class Keep> void Keep_if(Keep const& keep) {
+        std::size_t n_kept = 0;
+        std::uint64_t end = 0;
+        std::uint64_t begin = 0;
+        for (std::size_t i = 0; i < size(); ++i) {
+            std::uint64_t const next = offsets_[i + 1];
+            if (keep(i)) {
+                std::copy(members_.data() + begin, members_.data() + next, members_.data() + end);
+                end += next - begin;
+                offsets_[++n_kept] = end;
+            }
+            begin = next;
+        }
+        members_.Resize_uninitialised(end);
+        offsets_.Resize_uninitialised(n_kept + 1);
+    }
     void clear() {
         members_.clear();
         offsets_.clear();

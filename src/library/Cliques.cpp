@@ -3,6 +3,7 @@
 
 #include "Clique_find/Appr_core_cliques.h"
 #include "library/Library_data.h"
+#include "library/Public_errors.h"
 #include "library/Told.h"
 
 #include <plexor/Error.h>
@@ -17,8 +18,7 @@ void Search(cpm::Found_cliques& found, detail::Graph_data const& graph,
             Search_options const& options) {
     detail::Told_progress progress(options.progress);
     detail::Told_clock clock(options.clock);
-    cpm::Graph const searched =
-        cpm::Graph_of_links(graph.links, graph.directed, options.time_limit.has_value());
+    cpm::Graph const searched = cpm::Graph_of_links(graph.links, graph.directed);
     cpm::Find_cliques(found, searched, options.time_limit, clock, progress);
 }
 
@@ -30,7 +30,7 @@ Cliques Find_cliques(Graph const& graph, Search_options const& options) {
     }
     auto data = std::make_shared<detail::Clique_data>();
     data->graph = graph.Data();
-    Search(data->found, *data->graph, options);
+    detail::Rethrow_as_public([&] { Search(data->found, *data->graph, options); });
     data->largest = cpm::Max_clique_size_in_cl_vec(data->found.cliques);
     return Cliques(std::move(data));
 }

@@ -5,6 +5,7 @@
 #include "graph/Link_collector.h"
 #include "graph/Link_order.h"
 #include "library/Library_data.h"
+#include "library/Public_errors.h"
 
 #include <plexor/Error.h>
 
@@ -118,23 +119,25 @@ Graph Graph::From_names(std::span<Named_edge const> edges, std::span<double cons
                         Graph_options const& options) {
     using cpm::Link_collector;
     Link_filter const stays(edges.size(), weights, options);
-    Link_collector collector(!weights.empty());
-    auto const keyed = [](std::string_view name) {
-        return Link_collector::Keyed(name, name.size());
-    };
-    for (std::size_t i = 0; i < edges.size(); ++i) {
-        auto const& [source, target] = edges[i];
-        if (source != target && stays(i)) {
-            collector.Add(keyed(source), keyed(target), stays.Weight(i));
+    return detail::Rethrow_as_public([&] {
+        Link_collector collector(!weights.empty());
+        auto const keyed = [](std::string_view name) {
+            return Link_collector::Keyed(name, name.size());
+        };
+        for (std::size_t i = 0; i < edges.size(); ++i) {
+            auto const& [source, target] = edges[i];
+            if (source != target && stays(i)) {
+                collector.Add(keyed(source), keyed(target), stays.Weight(i));
+            }
         }
-    }
-    cpm::Link_map links;
-    collector.Finish(links);
-    auto data = std::make_shared<detail::Graph_data>();
-    cpm::Convert_s_links(data->links, data->names, links, options.directed);
-    data->n_nodes = static_cast<Node>(data->names.size() - 1);
-    data->directed = options.directed;
-    return Graph(std::move(data));
+        cpm::Link_map links;
+        collector.Finish(links);
+        auto data = std::make_shared<detail::Graph_data>();
+        cpm::Convert_s_links(data->links, data->names, links, options.directed);
+        data->n_nodes = static_cast<Node>(data->names.size() - 1);
+        data->directed = options.directed;
+        return Graph(std::move(data));
+    });
 }
 
 Graph::Graph(std::shared_ptr<detail::Graph_data const> data) : data_(std::move(data)) {}

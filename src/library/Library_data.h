@@ -4,6 +4,7 @@
 #define PLEXOR_LIBRARY_DATA_H
 
 #include "Clique_find/Find_cliques.h"
+#include "Coms_funcs/Edge_numbering.h"
 #include "graph/Types.h"
 
 #include <plexor/Cliques.h>
@@ -26,6 +27,19 @@ struct Clique_data {
     cpm::Found_cliques found;
     std::shared_ptr<Graph_data const> graph;
     std::uint32_t largest = 0;
+};
+
+/// What the levels of one graph share, and keep for as long as one of them is there.
+struct Level_base {
+    std::shared_ptr<Graph_data const> graph;
+    std::shared_ptr<Clique_data const> cliques;
+    cpm::Edge_numbering edges;
+};
+
+struct Level_data {
+    std::shared_ptr<Level_base const> base;
+    std::uint32_t k = 0;
+    cpm::Communities coms;
 };
 
 } // namespace plexor::detail

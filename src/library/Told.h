@@ -21,6 +21,12 @@ public:
             throw Cancelled();
         }
     }
+    void Level_began(std::uint32_t k, std::uint32_t) override {
+        if (to_ != nullptr) {
+            to_->Level_started(k);
+        }
+        Tick();
+    }
     void Node_started(std::uint32_t to_do, std::uint32_t total) override {
         if (to_ != nullptr) {
             to_->Searching(to_do, total);

@@ -16,6 +16,18 @@ public:
     explicit Xerror_msg(std::string const& message) : std::logic_error(message) {}
 };
 
+/// There is more of something than its numbers can tell apart.
+class Too_large : public Xerror_msg {
+public:
+    using Xerror_msg::Xerror_msg;
+};
+
+/// A set of nodes is asked for the weight of a link that is not there.
+class Missing_link : public Xerror_msg {
+public:
+    using Xerror_msg::Xerror_msg;
+};
+
 /// The link file could be opened but not read.
 class Xep_read_file : public std::logic_error {
 public:

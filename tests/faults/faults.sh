@@ -478,6 +478,37 @@ case_too_little_memory() {
     [ "$reached" -ge 3 ] || fail "the limits were hardly reached"
 }
 
+# Where the program starts at all (the loader has room for its libraries), it says what is wrong.
+case_too_little_memory_to_begin() {
+    counts_aside
+    can_limit_memory
+    reached=0
+    for kilobytes in $(seq 5000 100 9000); do
+        rm -rf out
+        status=0
+        (ulimit -v "$kilobytes"; exec ./plexor -i net.txt -o out) >out.txt 2>errors.txt || status=$?
+        if [ "$status" = 127 ] && grep -q "error while loading shared libraries" errors.txt; then
+            continue
+        fi
+        [ "$status" = 0 ] || fail "exit status $status in $kilobytes kB"
+        [ ! -s errors.txt ] || fail "standard error in $kilobytes kB: $(cat errors.txt)"
+        if grep -q "^ERROR: not enough memory" out.txt; then
+            reached=$((reached + 1))
+        else
+            ran_to_its_end
+        fi
+    done
+    [ "$reached" -ge 1 ] || fail "the limits were not reached"
+}
+case_too_little_memory_with_a_time_limit() {
+    counts_aside
+    can_limit_memory
+    strip 300000 >strip.txt
+    limits="ulimit -v 20000"
+    run -i strip.txt -o out -t 100
+    says "ERROR: not enough memory for this network. Try a weight threshold (-w, -W) or a machine with more memory."
+}
+
 if [ "$case" = "" ] || ! command -v "case_$case" >/dev/null; then
     echo "no case '$case'"
     exit 1

@@ -331,7 +331,7 @@ public:
         bool all = true;
         for (char const* const what :
              {"came to their end", "refused at once", "refused once made", "moved something aside",
-              "could not make a directory", "could not list the directory", "warned",
+              "could not make a directory", "could not list the directory",
               "with somebody else in between"}) {
             auto const found = reached_.find(what);
             std::cout << (found == reached_.end() ? 0 : found->second) << " " << what << "\n";
@@ -382,7 +382,6 @@ private:
         Count("moved something aside", n_moved > 0);
         Count("could not make a directory", says("ERROR: Make_dir()"));
         Count("could not list the directory", says("List_dir()"));
-        Count("warned", says("WARNING"));
         return wrong;
     }
 

@@ -17,6 +17,6 @@ need g++ g++ cmake cmake make make $python python3 \
     $packages/pytest python3-pytest $packages/mypy python3-mypy
 
 cmake --preset python >/dev/null
-cmake --build --preset python
+cmake --build --preset python --target plexor plexor_python
 PYTHONPATH=python $python -m mypy
 PYTHONPATH=python exec $python -m pytest -q -p no:cacheprovider "$@"

@@ -104,10 +104,16 @@ TEST(Appr_core_cliques, Judging_each_by_itself_is_the_same_as_step_by_step) {
     Random_numbers random(1);
     for (int run = 0; run < 2000; ++run) {
         Node const largest = 2 + random.Below(8);
+        Links const links = Random_links(largest, 10 + random.Below(90), random);
         Core core;
         for (Node node = 1; node <= largest; ++node) {
             core.nodes.push_back(node);
-            core.neighs.Add(Random_set(largest, random.Below(5), random));
+            for (Node other = 1; other <= largest; ++other) {
+                if (links.contains({std::min(node, other), std::max(node, other)})) {
+                    core.neighs.Append(other);
+                }
+            }
+            core.neighs.Close_list();
         }
         Sets exact;
         for (std::uint32_t i = random.Below(4); i > 0; --i) {
@@ -118,9 +124,8 @@ TEST(Appr_core_cliques, Judging_each_by_itself_is_the_same_as_step_by_step) {
 }
 
 TEST(Core_of_nodes, Neighbours_outside_the_core_are_left_out) {
-    Vtx_map vertices;
-    Vtx_map_from_link_map(vertices, To_index_links(Complete(1, 4)));
-    Core const core = Core_of_nodes({1, 3, 4}, vertices);
+    Node_order const network(To_index_links(Complete(1, 4)));
+    Core const core = Core_of_nodes({1, 3, 4}, network);
     EXPECT_EQ(core.nodes, (std::vector<Node>{1, 3, 4}));
     EXPECT_EQ(To_vectors(core.neighs), (Sets{{3, 4}, {1, 4}, {1, 3}}));
 }

@@ -540,7 +540,8 @@ TEST(Clique_find_dir, Lists_in_the_same_order_when_candidates_fill_more_than_a_w
         order.push_back(centre);
         Vtxd_map const vertices = Vertices(arcs);
         Dir_links const links(vertices);
-        Clique_find_dir_sub_routines::Dir_node_search search(links);
+        Progress nobody;
+        Clique_find_dir_sub_routines::Dir_node_search search(links, nobody);
         Set_list cliques;
         for (Node const node : order) {
             search.Main_inc_dir_investigator(node, cliques);

@@ -21,10 +21,8 @@ using Sets = std::vector<std::vector<Node>>;
 constexpr double ample = 1e9;
 constexpr double none_at_all = -1;
 
-Vtx_map Vertices(Links const& links) {
-    Vtx_map vertices;
-    Vtx_map_from_link_map(vertices, To_index_links(links));
-    return vertices;
+Node_order Vertices(Links const& links) {
+    return Node_order(To_index_links(links));
 }
 
 struct Result {
@@ -35,7 +33,7 @@ struct Result {
 };
 
 // With a clock that goes on by a second each time it is read.
-Result Search(Vtx_map const& vertices, double max_time) {
+Result Search(Node_order const& vertices, double max_time) {
     Captured_console console;
     Set_list cliques{{7, 8, 9}}; // what was there before goes
     std::vector<Node> core{5};
@@ -91,7 +89,7 @@ TEST(Clique_find_part_time, No_node_too_slow_says_so) {
 }
 
 TEST(Clique_find_part_time, An_empty_network_needs_no_clock) {
-    Result const result = Search(Vtx_map(), 1);
+    Result const result = Search(Vertices({}), 1);
     EXPECT_EQ(result.cliques, Sets());
     EXPECT_EQ(result.core, std::vector<Node>());
     EXPECT_EQ(result.readings, 0);
@@ -158,7 +156,7 @@ TEST(Clique_find_part_time, What_was_found_at_nodes_given_up_is_listed) {
 }
 
 TEST(Clique_find_part_time, Nodes_that_overrun_are_tried_again_after_the_others) {
-    Vtx_map const vertices = Vertices(Complete(1, 5));
+    Node_order const vertices = Vertices(Complete(1, 5));
     std::vector<bool> const overruns{true, true, false, true, true, true, false};
     Captured_console console;
     Set_list cliques;
@@ -202,15 +200,18 @@ TEST(Clique_find_part_time, Random_overruns_agree_with_the_search_by_sets) {
     int listed_pending = 0;
     for (int round = 0; round < 600; ++round) {
         Node const n = 4 + random.Below(10);
-        Vtx_map const vertices = Vertices(
-            round % 2 == 0 ? Random_links(n, 20 + random.Below(80), random)
-                           : Random_teams(n, 2 + random.Below(9), std::min(n, 6U), random));
+        Links const links = round % 2 == 0
+                                ? Random_links(n, 20 + random.Below(80), random)
+                                : Random_teams(n, 2 + random.Below(9), std::min(n, 6U), random);
+        Node_order const vertices = Vertices(links);
+        Vtx_map records;
+        Vtx_map_from_link_map(records, To_index_links(links));
         std::vector<bool> overruns(1000);
         std::uint32_t const chance = random.Below(120);
         for (std::size_t i = 0; i < overruns.size(); ++i) {
             overruns[i] = random.Percent(chance);
         }
-        Cliques_by_sets by_sets(vertices);
+        Cliques_by_sets by_sets(records);
         by_sets.Search(" Locating cliques, max. allowed time/node=0.500:", overruns);
         Captured_console console;
         Set_list cliques;
@@ -244,7 +245,7 @@ TEST(Clique_find_part_time, Whenever_the_time_runs_out_the_cliques_of_done_nodes
         for (Node extra = 0; extra < 10; ++extra) {
             links.insert({1 + random.Below(3 * groups), 3 * groups + 1 + random.Below(8)});
         }
-        Vtx_map const vertices = Vertices(links);
+        Node_order const vertices = Vertices(links);
         Sets const exact = Exact(links);
         Result const result = Search(vertices, random.Below(10));
         std::vector<bool> done(vertices.size() + 1, true);

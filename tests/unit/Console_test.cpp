@@ -73,6 +73,42 @@ TEST(Console_text, The_first_message_is_shown_at_once) {
     EXPECT_EQ(pipe.Read_all(), "here\n");
 }
 
+TEST(Console_text, What_is_said_before_a_step_is_shown_at_once_however_soon_it_follows) {
+    Pipe pipe(O_NONBLOCK);
+    Console console(pipe.Writer());
+    for (int i = 0; i < 100; ++i) {
+        console.Put_line("step");
+        ASSERT_EQ(pipe.Read_all(), "step\n");
+    }
+}
+
+TEST(Console_text, Some_reports_are_shown_at_once_however_soon_they_follow) {
+    Pipe pipe(O_NONBLOCK);
+    Console console(pipe.Writer());
+    for (int i = 0; i < 8; ++i) {
+        console.Put("report\n");
+        console.Message_done();
+        ASSERT_EQ(pipe.Read_all(), "report\n");
+    }
+}
+
+TEST(Console_text, A_tick_shows_what_has_been_held_back) {
+    Pipe pipe(O_NONBLOCK);
+    Console console(pipe.Writer());
+    constexpr std::size_t n = 2000;
+    std::string shown;
+    for (std::size_t i = 0; i < n; ++i) {
+        console.Put("report\n");
+        console.Message_done();
+        shown += pipe.Read_all();
+    }
+    while (shown.size() < n * std::string_view("report\n").size()) { // for a tenth of a second
+        console.Tick();
+        shown += pipe.Read_all();
+    }
+    EXPECT_EQ(shown.size(), n * std::string_view("report\n").size());
+}
+
 TEST(Console_text, The_rest_is_passed_on_at_the_end) {
     Pipe pipe(0);
     {

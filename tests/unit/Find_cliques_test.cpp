@@ -20,9 +20,10 @@ using Sets = std::vector<std::vector<Node>>;
 constexpr double ample = 1e9;
 constexpr double none_at_all = -1;
 
-Graph Undirected(Links const& links) {
+// The links must outlive the graph.
+Graph Undirected(Index_links const& links) {
     Graph graph;
-    Vtx_map_from_link_map(graph.vertices, To_index_links(links));
+    graph.links = &links;
     return graph;
 }
 
@@ -77,7 +78,7 @@ Result Find_by_parts(Graph const& graph, double max_time) {
     if (graph.directed) {
         Clique_find_dir_time(cliques, graph.dir_vertices, core, max_time, clock, console);
     } else {
-        Clique_find_part_time(cliques, graph.vertices, core, max_time, clock, console);
+        Clique_find_part_time(cliques, Node_order(*graph.links), core, max_time, clock, console);
     }
     result.found.n_exact = cliques.size();
     if (!core.empty()) {
@@ -86,7 +87,7 @@ Result Find_by_parts(Graph const& graph, double max_time) {
         Set_list const before = cliques;
         Set_list approx;
         Appr_core_cliques(graph.directed ? Core_of_nodes(core, graph.dir_vertices)
-                                         : Core_of_nodes(core, graph.vertices),
+                                         : Core_of_nodes(core, Node_order(*graph.links)),
                           cliques, approx);
         if (Extend_clique_vec(cliques, result.found.n_exact, approx)) {
             result.found.before_merge = before;
@@ -137,7 +138,8 @@ TEST(Find_cliques, Directed_without_a_limit_all_cliques_are_exact) {
 }
 
 TEST(Find_cliques, A_node_never_skipped_needs_no_approximation) {
-    Graph const graph = Undirected(Complete(1, 5));
+    Index_links const links = To_index_links(Complete(1, 5));
+    Graph const graph = Undirected(links);
     Result const result = Find(graph, ample);
     EXPECT_EQ(result.Cliques(), (Sets{{1, 2, 3, 4, 5}}));
     EXPECT_EQ(result.found.n_exact, 1U);
@@ -150,7 +152,8 @@ TEST(Find_cliques, The_cliques_of_the_core_are_approximated) {
     // Nodes 5 and 6 are done, nodes 1 to 4 are not.
     Links links = Complete(1, 4);
     links.merge(Links{{4, 5}, {4, 6}, {5, 6}});
-    Result const result = Find(Undirected(links), none_at_all);
+    Index_links const index_links = To_index_links(links);
+    Result const result = Find(Undirected(index_links), none_at_all);
     EXPECT_EQ(result.Cliques(), (Sets{{4, 5, 6}, {2, 3, 4}, {1, 3, 4}, {1, 2, 4}, {1, 2, 3}}));
     EXPECT_EQ(result.found.n_exact, 1U);
     EXPECT_FALSE(result.found.before_merge) << "no exact clique was dropped";
@@ -166,7 +169,8 @@ TEST(Find_cliques, The_cliques_of_the_core_are_approximated) {
 TEST(Find_cliques, Undirected_searches_are_completed_by_their_approximation) {
     Random_numbers random(109);
     for (int round = 0; round < 60; ++round) {
-        Graph const graph = Undirected(Random_links(6 + random.Below(12), 60, random));
+        Index_links const links = To_index_links(Random_links(6 + random.Below(12), 60, random));
+        Graph const graph = Undirected(links);
         double const max_time = random.Below(4);
         Result const result = Find(graph, max_time);
         ASSERT_NO_FATAL_FAILURE(Expect_same(result, Find_by_parts(graph, max_time)));

@@ -41,19 +41,20 @@ struct Walk {
 
 // One check used again and again: nothing of earlier surroundings may stay.
 Walk Check(First_check& check, Surroundings const& around) {
-    Vtx_map vertices;
-    Vtx_map_from_link_map(vertices, To_index_links(around.links));
-    Placed_nodes candidates(vertices);
+    Node_order const network(To_index_links(around.links));
+    Placed_nodes candidates(network);
     for (Node const node : around.Neighbours(false)) {
         candidates.Add(node);
     }
-    Placed_nodes done(vertices);
+    Placed_nodes done(network);
     for (Node const node : around.Neighbours(true)) {
         done.Add(node);
     }
     Set_list found{{99}}; // what is in the list stays
     Walk walk;
-    walk.reached = check.Reached(around.centre, candidates, done, found);
+    Progress nobody;
+    Pace pace(nobody);
+    walk.reached = check.Reached(around.centre, candidates, done, pace, found);
     EXPECT_EQ(To_vector(found[0]), (Set{99}));
     walk.found = To_vectors(found);
     walk.found.erase(walk.found.begin());
@@ -167,9 +168,8 @@ TEST(Placed_nodes, Neighbours_are_told_by_their_places_whichever_side_is_shorter
     Links links{{2, 3}, {3, 4}, {3, 5}, {5, 6}};
     Link_all(links, {1}, Range(2, 200)); // node 1 has many neighbours, the others have few
     links.erase({1, 5});
-    Vtx_map vertices;
-    Vtx_map_from_link_map(vertices, To_index_links(links));
-    Placed_nodes nodes(vertices);
+    Node_order const network(To_index_links(links));
+    Placed_nodes nodes(network);
     auto const neighbours = [&](Node node, std::size_t first) {
         std::vector<std::size_t> places;
         nodes.For_each_neighbour_of(node, first,

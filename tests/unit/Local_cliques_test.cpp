@@ -2,8 +2,10 @@
 #include "Clique_find/Local_cliques.h"
 
 #include "support/Graph_makers.h"
+#include "support/Test_clocks.h"
 
 #include <algorithm>
+#include <array>
 #include <gtest/gtest.h>
 #include <set>
 
@@ -305,43 +307,74 @@ TEST(Local_cliques, Many_candidates_with_most_links_agree_with_the_choices_there
     }
 }
 
-// Whatever the size of the problem: asked until it says stop, and never again.
-TEST(Local_cliques, A_stop_check_ends_the_search_with_some_of_the_cliques) {
-    Local_cliques local;
-    for (Candidate const groups : {8U, 24U}) {
-        Problem problem = Groups(groups, 3);
-        if (groups > 8) {
-            // All but eight groups without a choice, so that the cliques can be counted.
-            for (Candidate a = 24; a < problem.n; ++a) {
-                for (Candidate b = a + 1; b < problem.n; ++b) {
-                    problem.links.insert({a, b});
-                }
-            }
-        }
-        Sets const all = Cliques(local, problem, 0);
-        ASSERT_EQ(all.size(), 6561U);
-        std::size_t previous = all.size();
-        for (int const checks : {1000000, 10, 1}) {
-            Set_up(local, problem, 2);
-            int asked = 0;
-            Local_cliques::Stop_check const stop = [&] { return ++asked == checks; };
-            bool const finished = local.Find(&stop);
-            std::vector<Node> names;
-            for (Candidate c = 0; c < problem.n; ++c) {
-                names.push_back(2 * c + 1);
-            }
-            Set_list list;
-            local.Append_cliques(0, names, 2, list);
-            Sets const some = To_vectors(list);
-            EXPECT_EQ(finished, checks == 1000000);
-            EXPECT_GT(asked, 0);
-            EXPECT_LE(asked, checks);
-            EXPECT_TRUE(std::ranges::includes(all, some)) << "in their order, nothing else";
-            EXPECT_EQ(some.size() == all.size(), finished);
-            EXPECT_LE(some.size(), previous);
-            previous = some.size();
+// All but eight groups of three without a choice, so that the cliques can be counted.
+Problem Countable_groups(Candidate groups) {
+    Problem problem = Groups(groups, 3);
+    for (Candidate a = 24; a < problem.n; ++a) {
+        for (Candidate b = a + 1; b < problem.n; ++b) {
+            problem.links.insert({a, b});
         }
     }
+    return problem;
+}
+
+// Whatever the size of the problem: the clock is read until the time is up, and never again.
+TEST(Local_cliques, A_search_ends_with_its_time) {
+    Local_cliques local;
+    for (Candidate const groups : {8U, 24U}) {
+        Problem const problem = Countable_groups(groups);
+        ASSERT_EQ(Cliques(local, problem, 0).size(), 6561U);
+        for (int const most : {1000000, 10, 1}) {
+            Set_up(local, problem, 2);
+            int readings = 0;
+            Clock_of clock([&] { return static_cast<double>(readings++); });
+            Time_budget budget(clock, most - 0.5, 1000);
+            Progress nobody;
+            Pace pace(nobody);
+            pace.Go_on_within(budget);
+            EXPECT_EQ(local.Find(&pace), most == 1000000);
+            EXPECT_EQ(budget.Too_slow(), most < 1000000);
+            EXPECT_TRUE(most == 1000000 || readings == most + 1);
+        }
+    }
+}
+
+TEST(Local_cliques, Cliques_that_need_too_much_memory_are_told_and_not_kept) {
+    Local_cliques local;
+    for (Candidate const groups : {8U, 24U}) {
+        Problem const problem = Countable_groups(groups);
+        Set_up(local, problem, 2);
+        EXPECT_FALSE(local.Find(nullptr, 10000));
+        EXPECT_FALSE(local.All_kept());
+        EXPECT_TRUE(local.Find());
+        EXPECT_TRUE(local.All_kept());
+    }
+}
+
+// However large the candidates are that a key stands for: it never contradicts their order.
+TEST(Local_cliques, Keys_of_large_candidates_leave_the_order_to_the_lists) {
+    Random_numbers random(31);
+    int told_apart = 0;
+    for (int round = 0; round < 20000; ++round) {
+        std::array<Set, 2> lists;
+        for (Set& list : lists) {
+            Candidate next = 65532 + random.Below(3);
+            for (Candidate size = 1 + random.Below(6); size > 0; --size) {
+                list.push_back(next);
+                next += 1 + random.Below(2);
+            }
+        }
+        auto const& [a, b] = lists;
+        std::size_t const shorter = std::min(a.size(), b.size());
+        if (std::equal(a.begin(), a.begin() + static_cast<std::ptrdiff_t>(shorter), b.begin())) {
+            continue; // no clique begins another one
+        }
+        std::uint64_t const key_a = Local_cliques_sub::First_candidates(a);
+        std::uint64_t const key_b = Local_cliques_sub::First_candidates(b);
+        ASSERT_TRUE(key_a == key_b || (key_a < key_b) == (a < b)) << "round " << round;
+        told_apart += key_a != key_b ? 1 : 0;
+    }
+    EXPECT_GT(told_apart, 1000);
 }
 
 } // namespace

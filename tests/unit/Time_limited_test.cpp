@@ -166,30 +166,48 @@ TEST(Time_limited, Three_nodes_inside_a_clique_or_an_earlier_set_are_not_listed)
               (Sets{{4, 5, 6, 7}, {1, 2, 3}, {1, 2, 3, 4}, {1, 2, 4, 5}, {1, 5, 6}}));
 }
 
-TEST(Time_limited, Of_one_attempt_a_thousand_large_sets_and_all_of_three_nodes_are_kept) {
-    constexpr std::size_t most_large = 1000;
-    std::vector<Node> order;
-    std::map<Node, std::vector<Attempt>> script;
-    for (Node node = 1; node <= 30; ++node) {
-        order.push_back(node);
-        script[node] = {{true, {}}};
-    }
-    Sets& found = script[1].front().found;
-    for (Node a = 2; a <= 30; ++a) {
-        for (Node b = a + 1; b <= 30; ++b) {
-            for (Node c = b + 1; c <= 30; ++c) {
-                found.push_back({1, a, b, c});
+Set_list Sets_of_four(Node last) {
+    Set_list sets;
+    for (Node a = 2; a <= last; ++a) {
+        for (Node b = a + 1; b <= last; ++b) {
+            for (Node c = b + 1; c <= last; ++c) {
+                sets.Add(std::vector<Node>{1, a, b, c});
             }
         }
     }
-    ASSERT_GT(found.size(), most_large);
-    found.push_back({28, 29, 30});
-    Scripted_finder finder(script);
-    Sets const listed = Search(order, finder).cliques;
-    ASSERT_EQ(listed.size(), most_large + 1);
-    EXPECT_TRUE(std::ranges::equal(std::span(listed).first(most_large),
-                                   std::span(found).first(most_large)));
-    EXPECT_EQ(listed.back(), (std::vector<Node>{28, 29, 30}));
+    return sets;
+}
+
+TEST(Pending_sets, When_they_are_full_what_comes_first_of_an_attempt_stays) {
+    Set_list const sets = Sets_of_four(30);
+    constexpr std::size_t most_bytes = 40000;
+    Pending_sets pending(30, most_bytes);
+    pending.Add(sets);
+    std::size_t const n = pending.Sets().size();
+    EXPECT_LE(pending.Bytes(), most_bytes);
+    EXPECT_GT(pending.Bytes(), most_bytes - 100);
+    for (std::size_t i = 0; i < n; ++i) {
+        ASSERT_TRUE(std::ranges::equal(pending.Sets()[i], sets[i]));
+    }
+    pending.Add(Sets_of_four(31));
+    EXPECT_EQ(pending.Sets().size(), n);
+    pending.Add(Set_list{{1, 2, 3}});
+    EXPECT_EQ(pending.Sets().size(), n + 1) << "sets of three nodes are always kept";
+}
+
+TEST(Pending_sets, Sets_of_nodes_done_meanwhile_make_room) {
+    Set_list const sets = Sets_of_four(30);
+    Pending_sets pending(30, 40000);
+    pending.Add(sets);
+    std::size_t const n = pending.Sets().size();
+    pending.Done(2); // is in the first sets
+    pending.Add(sets);
+    EXPECT_LE(pending.Bytes(), 40000U);
+    EXPECT_GT(pending.Sets().size(), n / 2);
+    EXPECT_TRUE(std::ranges::any_of(To_vectors(pending.Sets()),
+                                    [](auto const& set) { return set[1] != 2; }));
+    pending.Finish();
+    EXPECT_TRUE(std::ranges::none_of(pending.Sets().Flat(), [](Node node) { return node == 2; }));
 }
 
 TEST(Time_limited, No_nodes_need_no_time) {
