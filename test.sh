@@ -1,7 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
 # Builds Plexor and runs every test, installing what that needs.
-#   ./test.sh          the release code by GCC and by Clang, then under the sanitizers
+#   ./test.sh          the release code by GCC and by Clang, the Python package, the sanitizers
 #   ./test.sh quick    the release code by GCC only
 set -eu
 cd "$(dirname "$0")"
@@ -31,7 +31,8 @@ run_preset test
 if [ "${1:-}" = quick ]; then
     exit 0
 fi
+tests/python/run.sh
 need clang++ clang clang-format clang-format
-find src tests bench -name '*.cpp' -o -name '*.h' | xargs clang-format --dry-run --Werror
+find src python/src tests bench -name '*.cpp' -o -name '*.h' | xargs clang-format --dry-run --Werror
 run_preset test-clang
 run_preset asan-ubsan

@@ -89,10 +89,9 @@ bool Read_weight(std::string_view text, double& weight) {
 }
 
 template <class Accept_weight>
-void Read_links(std::string const& file, Link_map& links, bool weighted, Accept_weight accept) {
+void Collect_links(std::string const& file, Link_collector& collector, bool weighted,
+                   Accept_weight accept) {
     Line_reader reader(file);
-    links = Link_map();
-    Link_collector collector(weighted);
     auto const keyed = [&reader](std::string_view name) {
         return Link_collector::Keyed(name, reader.Readable(name.data()));
     };
@@ -116,13 +115,31 @@ void Read_links(std::string const& file, Link_map& links, bool weighted, Accept_
         }
         collector.Close_batch(); // its names lie in the block, which goes now
     }
+}
+
+template <class Accept_weight>
+void Read_links(std::string const& file, Link_map& links, bool weighted, Accept_weight accept) {
+    links = Link_map();
+    Link_collector collector(weighted);
+    Collect_links(file, collector, weighted, accept);
     collector.Finish(links);
+}
+
+bool Any_weight(double) {
+    return true;
 }
 
 } // namespace
 
+void Read_links_as_given(std::string const& file, Link_map& links, bool weighted) {
+    links = Link_map();
+    Link_collector collector(weighted);
+    Collect_links(file, collector, weighted, Any_weight);
+    collector.Finish_unmerged(links);
+}
+
 void Read_unw_links(std::string const& file, Link_map& links) {
-    Read_links(file, links, false, [](double) { return true; });
+    Read_links(file, links, false, Any_weight);
 }
 
 void Read_weighted_links(std::string const& file, Link_map& links,

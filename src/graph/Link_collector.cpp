@@ -36,6 +36,11 @@ void Link_collector::Close_batch() {
 }
 
 void Link_collector::Finish(Link_map& links) {
+    Finish_unmerged(links);
+    Sort_and_merge(links.links, links.weights, static_cast<Node>(links.names.size()));
+}
+
+void Link_collector::Finish_unmerged(Link_map& links) {
     Close_batch();
     names_.Release_table();
     Name_table const& names = names_.Names();
@@ -59,8 +64,6 @@ void Link_collector::Finish(Link_map& links) {
     for (Node_pair& link : links_) {
         link = {rank[link.first], rank[link.second]};
     }
-    rank.Release();
-    Sort_and_merge(links_, weights_, n_names);
     links.links = std::move(links_);
     links.weights = std::move(weights_);
 }

@@ -48,6 +48,8 @@ public:
     /// their names, equal ones merged, their weights added up in the order in which they came.
     /// Nothing can be added from then on.
     void Finish(Link_map& links);
+    /// The same, but for the links, which stay as they came.
+    void Finish_unmerged(Link_map& links);
 
 private:
     struct Entry {
