@@ -95,6 +95,8 @@ def _springs(radii: Floats, a: Ints, b: Ints) -> tuple[Floats, Floats]:
     rest = radii[a] + radii[b] + GAP * 3
     degree = np.bincount(np.concatenate((a, b)), minlength=n)
     stiff = 0.9 / np.sqrt(np.minimum(degree[a], degree[b]).astype(np.float64))
+    # A hub hardly moves: the others settle around it, it is not pushed out by their number.
+    weight = np.sqrt(1.0 + degree * 0.5)
     steps = 320 if n <= 60 else 220 if n <= 200 else 130
     for step in range(steps):
         heat = spread * 0.8 * (1 - step / steps) ** 2 + 0.3
@@ -113,8 +115,8 @@ def _springs(radii: Floats, a: Ints, b: Ints) -> tuple[Floats, Floats]:
         np.add.at(push_y, a, link_y * pull)
         np.add.at(push_x, b, -link_x * pull)
         np.add.at(push_y, b, -link_y * pull)
-        push_x -= x * 0.03
-        push_y -= y * 0.03 * ASPECT
+        push_x = push_x / weight - x * 0.03
+        push_y = push_y / weight - y * 0.03 * ASPECT
         size = np.sqrt(push_x * push_x + push_y * push_y) + 1e-9
         move = np.minimum(size, heat) / size
         x = np.round(x + push_x * move, 4)

@@ -95,6 +95,8 @@ function showLevels(): void {
     slider.setAttribute("aria-valuetext", `k = ${summary.k}: ${count(summary.n, "community", "communities")}`);
     byId("k-value").textContent = String(summary.k);
     byId("k-meaning").textContent = `A community is made of groups of ${summary.k} nodes, all linked with each other, in which neighbouring groups share ${summary.k - 1}.`;
+    byId("k-first").textContent = ascending.length < 2 ? "" : `← ${ascending[0]}: looser, larger`;
+    byId("k-last").textContent = ascending.length < 2 ? "" : `tighter, fewer nodes: ${ascending[ascending.length - 1]} →`;
     const most = Math.max(1, ...head.levels.map(({ n }) => n));
     const bars = ascending.map((k, i) => {
         const { n } = data.summary(k);
@@ -105,7 +107,7 @@ function showLevels(): void {
             x: `${x - width / 2}%`, y: 54 - height, width: `${width}%`, height, rx: 1.5, class: i === position ? "at" : "",
         }, svg("title", {}, `k = ${k}: ${count(n, "community", "communities")}`));
         bar.addEventListener("click", () => go({ k }));
-        const every = Math.ceil(ascending.length / 26);
+        const every = Math.ceil(ascending.length / Math.max(1, byId("ladder").clientWidth / 32));
         return [bar, i === position || (i % every === 0 && Math.abs(i - position) >= every)
             ? svg("text", { x: `${x}%`, y: 54 - height - 4, class: i === position ? "at" : "" }, count(n)) : null];
     });
@@ -198,7 +200,7 @@ function describe(current: Level, node: cytoscape.NodeSingular): string {
             : own.length > 12 ? `${own.length} communities` : `communities ${own.join(", ")}`}`;
     }
     const kind = current.isExact(community) ? "" : ", approximated";
-    return `Community ${community}${kind}: ${count(current.sizes[community], "node")}, ${count(current.sharedNodes[community])} of them in others too; overlaps ${count(current.degrees[community], "community", "communities")}. ${current.top[community].map((i) => data.name(i)).join(", ")}${current.sizes[community] > 3 ? ", …" : ""}`;
+    return `Community ${community}${kind}: ${count(current.sizes[community], "node")}, ${count(current.sharedNodes[community])} of them in others too; overlaps ${count(current.degrees[community], "community", "communities")}. ${current.top[community].map((i) => data.name(i)).join(", ")}${current.sizes[community] > 3 ? ",\u00a0…" : ""}`;
 }
 
 /** Marks what the arrow keys are at and where the chosen node is. */
@@ -379,7 +381,7 @@ function levelCard(current: Level): Node[] {
     if (summary.n > 0) {
         const order = [...Array(current.n).keys()].sort((a, b) => current.sizes[b] - current.sizes[a] || a - b).slice(0, 10);
         parts.push(h("h3", {}, current.n > 10 ? "The ten largest" : "All of them"), h("ul", { class: "rows" }, ...order.map((community) => h("li", {},
-            openButton(community, `${community}: ${current.top[community].map((node) => data.name(node)).join(", ")}${current.sizes[community] > current.top[community].length ? ", …" : ""}`),
+            openButton(community, `${community}: ${current.top[community].map((node) => data.name(node)).join(", ")}${current.sizes[community] > current.top[community].length ? ",\u00a0…" : ""}`),
             h("span", { class: "quiet number" }, count(current.sizes[community]))))));
     }
     return parts;

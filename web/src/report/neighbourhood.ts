@@ -288,12 +288,39 @@ function outline(members: number[], all: number[], at: Map<number, { x: number; 
     const own = new Set(members);
     const many = members.length > 80;
     const sets = new BubbleSets({
-        pixelGroup: many ? 8 : 4, nodeR0: 16, nodeR1: 34, edgeR0: 12, edgeR1: 24,
-        maxRoutingIterations: many ? 10 : 60, maxMarchingIterations: 12, morphBuffer: 14,
+        pixelGroup: many ? 8 : 4, nodeR0: 16, nodeR1: 34, edgeR0: 12, edgeR1: 24, virtualEdges: !many,
+        maxRoutingIterations: 60, maxMarchingIterations: many ? 4 : 12, morphBuffer: 14,
     });
     sets.pushMember(...members.map(box));
+    if (many) {
+        // Ways around the nodes of others would take seconds here: the shortest tree holds the set together.
+        sets.pushEdge(...shortestTree(members.map((node) => at.get(node) as { x: number; y: number })));
+    }
     sets.pushNonMember(...all.filter((node) => !own.has(node)).map(box));
     return [...sets.compute().sample(8).simplify(0).bSplines().simplify(0).points];
+}
+
+function shortestTree(points: { x: number; y: number }[]): { x1: number; y1: number; x2: number; y2: number }[] {
+    const near = points.map(() => ({ far: Infinity, to: 0 }));
+    const left = new Set(points.keys());
+    const lines: { x1: number; y1: number; x2: number; y2: number }[] = [];
+    let next = 0;
+    while (left.delete(next) && left.size > 0) {
+        let best = -1;
+        for (const i of left) {
+            const far = Math.hypot(points[i].x - points[next].x, points[i].y - points[next].y);
+            if (far < near[i].far) {
+                near[i] = { far, to: next };
+            }
+            if (best < 0 || near[i].far < near[best].far) {
+                best = i;
+            }
+        }
+        const { to } = near[best];
+        lines.push({ x1: points[best].x, y1: points[best].y, x2: points[to].x, y2: points[to].y });
+        next = best;
+    }
+    return lines;
 }
 
 /** A point of the outline for its number, away from nodes and other numbers. */

@@ -37,30 +37,49 @@ export function drawDiscs(
             position: { x, y },
         });
     }
+    const thin = overlaps.length > 250 ? 0.45 : 1;
     for (const i of overlaps) {
         elements.push({
             data: {
                 id: `o${i}`,
                 source: `c${a[i]}`,
                 target: `c${b[i]}`,
-                width: 1 + (8 * Math.sqrt(shared[i])) / Math.max(4, Math.sqrt(strongest)),
+                width: thin * (1 + (8 * Math.sqrt(shared[i])) / Math.max(4, Math.sqrt(strongest))),
                 shared: shared[i],
             },
         });
     }
-    const cy = makeCore(container, elements, discStyle());
+    const cy = makeCore(container, elements, discStyle(overlaps.length));
     layersOf(cy).renderPerNode(
         layersOf(cy).nodeLayer.insertAfter("canvas"),
         (context, node) => {
             if (node.hasClass("approximated")) {
                 const { x, y } = node.position();
                 hatch(context, x, y, node.data("r") as number);
+                writeOver(context, node.data("label") as string, x, y, node.data("font") as number);
             }
         },
         { position: "none", updateOn: "render", checkBounds: true },
     );
     fit(cy, 26, 1.6);
     return cy;
+}
+
+/** Writes a label once more, above the stripes. */
+function writeOver(context: CanvasRenderingContext2D, label: string, x: number, y: number, size: number): void {
+    context.font = `600 ${size}px ${FONT}`;
+    context.textAlign = "center";
+    context.textBaseline = "middle";
+    context.lineJoin = "round";
+    context.lineWidth = size / 3;
+    context.strokeStyle = colour("card");
+    context.fillStyle = colour("ink");
+    const lines = label.split("\n");
+    lines.forEach((line, i) => {
+        const down = y + (i - (lines.length - 1) / 2) * size * 1.15;
+        context.strokeText(line, x, down);
+        context.fillText(line, x, down);
+    });
 }
 
 export function drawOverview(container: HTMLElement, data: Data, level: Level): cytoscape.Core {
@@ -71,7 +90,7 @@ export function drawOverview(container: HTMLElement, data: Data, level: Level): 
     return drawDiscs(container, data, level, discs, links, null);
 }
 
-export function discStyle(): Style {
+function discStyle(nLinks: number): Style {
     return [
         {
             selector: "node",
@@ -111,7 +130,7 @@ export function discStyle(): Style {
                 width: "data(width)",
                 "line-color": colour("overlap"),
                 "curve-style": "straight",
-                opacity: 0.75,
+                opacity: nLinks > 250 ? 0.45 : 0.75,
                 events: "no",
                 "overlay-opacity": 0,
             },

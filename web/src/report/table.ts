@@ -64,7 +64,7 @@ export function drawTable(data: Data, level: Level, current: number | null, open
         ...columns.slice(1).map((column) => h("td", {}, count(column.value(community)))),
         approximated && h("td", { class: "text" }, level.isExact(community) ? "exact" : h("span", { class: "approximated-word" }, "approximated")),
         h("td", { class: "text" }, level.top[community].map((node) => data.name(node)).join(", ")
-            + (level.sizes[community] > level.top[community].length ? ", …" : ""))));
+            + (level.sizes[community] > level.top[community].length ? ",\u00a0…" : ""))));
     byId("communities").replaceChildren(h("thead", {}, level.n > 0 && head), h("tbody", {}, ...rows));
     const turn = (label: string, to: number): HTMLButtonElement => h("button", {
         type: "button",
