@@ -88,7 +88,9 @@ def _springs(radii: Floats, a: Ints, b: Ints) -> tuple[Floats, Floats]:
     spread = float(radii.mean()) * 2.2 + GAP
     x, y = np.empty(n), np.empty(n)
     for place_, disc in enumerate(order.tolist()):
-        far, turn = spread * math.sqrt(place_), place_ * 2.399963229728653
+        # The largest in the middle, the others around it.
+        far = 0.0 if place_ == 0 else float(radii[order[0]]) + spread * math.sqrt(place_)
+        turn = place_ * 2.399963229728653
         x[disc], y[disc] = round(far * math.cos(turn), 3), round(far * math.sin(turn), 3)
     touch = radii[:, None] + radii[None, :] + GAP
     charge = (radii[:, None] + GAP) * (radii[None, :] + GAP) * 3.0
@@ -98,6 +100,8 @@ def _springs(radii: Floats, a: Ints, b: Ints) -> tuple[Floats, Floats]:
     # A hub hardly moves: the others settle around it, it is not pushed out by their number.
     weight = np.sqrt(1.0 + degree * 0.5)
     steps = 320 if n <= 60 else 220 if n <= 200 else 130
+    # A giant stays in the middle, else its many neighbours gather on one side and push it away.
+    giant = int(order[0]) if n > 8 and radii[order[0]] > 2.5 * radii[order[n // 2]] else None
     for step in range(steps):
         heat = spread * 0.8 * (1 - step / steps) ** 2 + 0.3
         dx, dy = x[:, None] - x[None, :], y[:, None] - y[None, :]
@@ -115,18 +119,37 @@ def _springs(radii: Floats, a: Ints, b: Ints) -> tuple[Floats, Floats]:
         np.add.at(push_y, a, link_y * pull)
         np.add.at(push_x, b, -link_x * pull)
         np.add.at(push_y, b, -link_y * pull)
-        push_x = push_x / weight - x * 0.03
-        push_y = push_y / weight - y * 0.03 * ASPECT
+        push_x -= x * 0.03
+        push_y -= y * 0.03 * ASPECT
         size = np.sqrt(push_x * push_x + push_y * push_y) + 1e-9
-        move = np.minimum(size, heat) / size
+        move = np.minimum(size, heat / weight) / size
         x = np.round(x + push_x * move, 4)
         y = np.round(y + push_y * move, 4)
-    return _apart(x, y, touch)
+        if giant is not None:
+            x, y = np.round(x - x[giant], 4), np.round(y - y[giant], 4)
+    return _apart(*_turned_wide(x, y), radii, touch)
 
 
-def _apart(x: Floats, y: Floats, touch: Floats) -> tuple[Floats, Floats]:
+def _turned_wide(x: Floats, y: Floats) -> tuple[Floats, Floats]:
+    """Turned so that it is as flat as it can be."""
+    best = (float(y.max() - y.min()), x, y)
+    for eighth in range(-7, 9):
+        # Tangents of half angles give the turn without sines, which differ between libraries.
+        t = eighth / 8
+        c, s = (1 - t * t) / (1 + t * t), 2 * t / (1 + t * t)
+        turned_y = x * s + y * c
+        height = float(turned_y.max() - turned_y.min())
+        if height < best[0] - 1e-6:
+            best = (height, x * c - y * s, turned_y)
+    return np.round(best[1], 4), np.round(best[2], 4)
+
+
+def _apart(x: Floats, y: Floats, radii: Floats, touch: Floats) -> tuple[Floats, Floats]:
     """Moves discs off each other, by the least move first; if they do not come apart, all spread."""
     n = len(x)
+    # The smaller of two moves; a giant would be thrown out by the sum of its neighbours' pushes.
+    area = radii * radii
+    yields = area[:, None] / (area[:, None] + area[None, :]) * 1.04
     for _ in range(60):
         dx, dy = x[:, None] - x[None, :], y[:, None] - y[None, :]
         far = np.sqrt(dx * dx + dy * dy) + 1e-3
@@ -134,7 +157,7 @@ def _apart(x: Floats, y: Floats, touch: Floats) -> tuple[Floats, Floats]:
         np.fill_diagonal(lack, 0.0)
         if not (lack > 0.05).any():
             break
-        share = lack / far * 0.52
+        share = lack / far * yields
         x = np.round(x - (dx * share).sum(axis=0), 4)
         y = np.round(y - (dy * share).sum(axis=0), 4)
     dx, dy = x[:, None] - x[None, :], y[:, None] - y[None, :]

@@ -112,7 +112,7 @@ function discStyle(nLinks: number): Style {
                 "text-halign": "center",
                 "text-justification": "center",
                 "line-height": 1.15,
-                "min-zoomed-font-size": 7,
+                "min-zoomed-font-size": 8.5,
                 color: colour("ink"),
                 "text-outline-color": colour("card"),
                 "text-outline-width": 2.2,
