@@ -59,7 +59,7 @@ export function drawDiscs(
                 writeOver(context, node.data("label") as string, x, y, node.data("font") as number);
             }
         },
-        { position: "none", updateOn: "render", checkBounds: true },
+        { position: "none", updateOn: "render", checkBounds: false },
     );
     fit(cy, 26, 1.6);
     return cy;

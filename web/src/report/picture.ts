@@ -77,5 +77,5 @@ export function hatchLines(
 }
 
 export function png(cy: cytoscape.Core): Promise<Blob> {
-    return layersOf(cy).png({ output: "blob-promise", full: true, scale: 2, bg: colour("card"), maxWidth: 4000, maxHeight: 4000 });
+    return layersOf(cy).png({ ignoreUnsupportedLayerOrder: true, output: "blob-promise", full: true, scale: 2, bg: colour("card"), maxWidth: 4000, maxHeight: 4000 });
 }
