@@ -76,6 +76,7 @@ export function hatchLines(
     context.stroke();
 }
 
+/** The picture as it is seen, in twice its size. */
 export function png(cy: cytoscape.Core): Promise<Blob> {
-    return layersOf(cy).png({ ignoreUnsupportedLayerOrder: true, output: "blob-promise", full: true, scale: 2, bg: colour("card"), maxWidth: 4000, maxHeight: 4000 });
+    return layersOf(cy).png({ ignoreUnsupportedLayerOrder: true, output: "blob-promise", scale: 2, bg: colour("card") });
 }
