@@ -8,7 +8,7 @@ import random
 
 import pytest
 
-from plexor.compare import compare, compare_over_time, cover_of, nmi, omega
+from plexor.comparison import compare, compare_over_time, cover_of, nmi, omega
 
 
 def slow_nmi(first: list[set[int]], second: list[set[int]], n: int) -> float:

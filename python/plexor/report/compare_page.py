@@ -6,7 +6,7 @@ import math
 import os
 from collections.abc import Sequence
 
-from plexor.compare import Comparison, Timeline
+from plexor.comparison import Comparison, Timeline
 
 from .page import assemble, json_block, write_whole
 

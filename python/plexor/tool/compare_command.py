@@ -12,7 +12,7 @@ from typing import TYPE_CHECKING
 from plexor.tool.console import Console, ToolError, UsageError, refuse_existing
 
 if TYPE_CHECKING:
-    from plexor.compare import Comparison, Cover, Timeline
+    from plexor.comparison import Comparison, Cover, Timeline
 
 FORMATS = ["table", "csv", "json", "html"]
 
@@ -32,7 +32,7 @@ def add_arguments(parser: argparse.ArgumentParser) -> None:
 
 def execute(arguments: argparse.Namespace, console: Console) -> int:
     """Compares; returns the exit status. UsageError, ToolError and OSError say why it could not."""
-    from plexor.compare import DEFAULT_THRESHOLD, compare, compare_over_time
+    from plexor.comparison import DEFAULT_THRESHOLD, compare, compare_over_time
     from plexor.report.compare_page import make_compare_page
     from plexor.report.page import write_whole
 
@@ -67,7 +67,7 @@ def execute(arguments: argparse.Namespace, console: Console) -> int:
 
 def _covers(arguments: argparse.Namespace) -> list[Cover]:
     import plexor
-    from plexor.compare import result_cover
+    from plexor.comparison import result_cover
 
     try:
         results = [plexor.load(directory) for directory in arguments.directories]
