@@ -26,8 +26,8 @@ __all__ = ["Comparison", "Cover", "Event", "Match", "Timeline", "compare", "comp
 
 Ints = npt.NDArray[np.int64]
 
-#: A matching of communities of two times needs at least this Jaccard index, or a part as large.
-DEFAULT_THRESHOLD = 0.3
+#: Of the nodes of a community so large a part must be found again, for it to have gone on or joined another.
+DEFAULT_THRESHOLD = 0.5
 
 
 @dataclass(frozen=True)
@@ -289,14 +289,17 @@ def compare_over_time(covers: Sequence[Cover | Level | Iterable[Iterable[Hashabl
                       threshold: float = DEFAULT_THRESHOLD) -> Timeline:
     """What becomes of communities from each cover of a series to the next.
 
-    Two communities of neighbouring times are related when they share more than `threshold` of the nodes of the
-    smaller one. From the relations of one step:
-      merged  a later community with two related earlier ones or more
-      split   an earlier community with two related later ones or more
-      same, grew, shrank, changed  a pair that is related to each other alone
-      died    an earlier community related to none;  born  a later one related to none
-    A community can take part in a split and in a merger at once. ValueError for fewer than two covers or a
-    threshold outside of 0 to 1.
+    First, pairs are formed, the most alike by the Jaccard index first, each community in one pair at most, where
+    more than `threshold` of the smaller one's nodes are shared: the earlier one goes on as the later one, although
+    both may overlap others just as much. Then an earlier community that is left over joins the later one with
+    most of its nodes, if these are more than `threshold` of it; a later one that is left over comes from an
+    earlier one in the same way.
+      merged  a later community that went on and that others joined
+      split   an earlier community that went on and from which others come
+      same, grew, shrank, changed  a community that went on, without either
+      died    an earlier community that neither went on nor joined one;  born  a later one from nowhere
+    A community can merge and split in one step. ValueError for fewer than two covers or a threshold outside of
+    0 to 1.
     """
     series = [cover_of(cover) for cover in covers]
     if len(series) < 2:
@@ -311,48 +314,73 @@ def compare_over_time(covers: Sequence[Cover | Level | Iterable[Iterable[Hashabl
         crossing = _Crossing(a, b)
         shared = list(zip(crossing.i.tolist(), crossing.j.tolist(), crossing.shared.tolist()))
         all_shared.append(tuple(shared))
-        later: dict[int, list[tuple[int, int]]] = {}
-        earlier: dict[int, list[tuple[int, int]]] = {}
-        for i, j, both in shared:
-            if both > threshold * min(len(a.sets[i]), len(b.sets[j])):
-                later.setdefault(i, []).append((both, j))
-                earlier.setdefault(j, []).append((both, i))
+        goes_on = _pairs(a, b, shared, threshold)
+        comes_from = {j: i for i, j in goes_on.items()}
+        before: dict[int, list[int]] = {j: [i] for i, j in goes_on.items()}
+        after: dict[int, list[int]] = {i: [j] for i, j in goes_on.items()}
+        joins = _largest_parts([(i, j, both) for i, j, both in shared if i not in goes_on], a, threshold)
+        splits_off = _largest_parts([(j, i, both) for i, j, both in shared if j not in comes_from], b, threshold)
+        for i, j in joins.items():
+            before.setdefault(j, []).append(i)
+        for j, i in splits_off.items():
+            after.setdefault(i, []).append(j)
         for i, members in enumerate(a.sets):
-            found = later.get(i, [])
-            after = tuple(sorted(j for _, j in found))
-            if not found:
-                events.append(Event(step, "died", (i,), (), len(members), 0))
-            elif len(found) > 1:
-                events.append(Event(step, "split", (i,), after, len(members), len(frozenset().union(*(b.sets[j] for j in after)))))
-            elif len(earlier[after[0]]) == 1:
-                other = b.sets[after[0]]
+            parts = sorted(after.get(i, ()))
+            if len(parts) > 1:
+                events.append(Event(step, "split", (i,), tuple(parts), len(members),
+                                    len(frozenset().union(*(b.sets[j] for j in parts)))))
+            elif parts and len(before[parts[0]]) == 1:
+                other = b.sets[parts[0]]
                 kind = ("same" if members == other else "grew" if len(other) > len(members)
                         else "shrank" if len(other) < len(members) else "changed")
-                events.append(Event(step, kind, (i,), after, len(members), len(other)))
+                events.append(Event(step, kind, (i,), (parts[0],), len(members), len(other)))
+            elif not parts and i not in joins:
+                events.append(Event(step, "died", (i,), (), len(members), 0))
         for j, members in enumerate(b.sets):
-            found = earlier.get(j, [])
-            before = tuple(sorted(i for _, i in found))
-            if not found:
+            parts = sorted(before.get(j, ()))
+            if len(parts) > 1:
+                events.append(Event(step, "merged", tuple(parts), (j,),
+                                    len(frozenset().union(*(a.sets[i] for i in parts))), len(members)))
+            elif not parts and j not in splits_off:
                 events.append(Event(step, "born", (), (j,), 0, len(members)))
-            elif len(found) > 1:
-                events.append(Event(step, "merged", before, (j,), len(frozenset().union(*(a.sets[i] for i in before))), len(members)))
-        # A line goes on where two are each other's largest share; what is left over begins a new one.
-        own = [-1] * len(b.sets)
+        own = []
         for j in range(len(b.sets)):
-            if j in earlier:
-                _, i = max(earlier[j], key=lambda pair: (pair[0], -pair[1]))
-                _, back = max(later[i], key=lambda pair: (pair[0], -pair[1]))
-                if back == j:
-                    own[j] = lines[-1][i]
-        for j, line in enumerate(own):
-            if line < 0:
-                own[j] = n_lines
+            if j in comes_from:
+                own.append(lines[-1][comes_from[j]])
+            else:
+                own.append(n_lines)
                 n_lines += 1
         lines.append(tuple(own))
     return Timeline(
         labels=tuple(cover.label for cover in series),
         sizes=tuple(tuple(len(s) for s in cover.sets) for cover in series),
         lines=tuple(lines), shared=tuple(all_shared), events=tuple(events))
+
+
+def _pairs(a: Cover, b: Cover, shared: list[tuple[int, int, int]], threshold: float) -> dict[int, int]:
+    """Which community goes on as which: the most alike first, of equally alike ones the smaller numbers."""
+    candidates = []
+    for i, j, both in shared:
+        size_i, size_j = len(a.sets[i]), len(b.sets[j])
+        if both > threshold * min(size_i, size_j):
+            candidates.append((-both / (size_i + size_j - both), i, j))
+    goes_on: dict[int, int] = {}
+    taken: set[int] = set()
+    for _, i, j in sorted(candidates):
+        if i not in goes_on and j not in taken:
+            goes_on[i] = j
+            taken.add(j)
+    return goes_on
+
+
+def _largest_parts(pairs: list[tuple[int, int, int]], own: Cover, threshold: float) -> dict[int, int]:
+    """For each first of the pairs (it, other, shared nodes) the other with most of its nodes, if these are
+    more than threshold of it; of equal ones the smaller number."""
+    best: dict[int, tuple[int, int]] = {}
+    for it, other, both in pairs:
+        if both > threshold * len(own.sets[it]) and (it not in best or (both, -other) > (best[it][0], -best[it][1])):
+            best[it] = (both, other)
+    return {it: other for it, (_, other) in best.items()}
 
 
 def result_cover(result: Result, k: int, label: str) -> Cover:

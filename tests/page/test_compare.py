@@ -138,6 +138,9 @@ def test_over_time() -> None:
     }
     assert timeline.lines[1][0] == 0 and timeline.lines[2][0] == 0
     assert timeline.lines[1][1] == 1 and timeline.lines[1][2] == 3
+    # Overlapping communities that stay as they are: nothing merges, although most of the second is in the first.
+    still = [set(range(20)), {16, 17, 18, 19, 30, 31}]
+    assert [event.kind for event in compare_over_time([still, still]).events] == ["same", "same"]
     with pytest.raises(ValueError):
         compare_over_time(series[:1])
 

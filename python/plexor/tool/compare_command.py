@@ -24,7 +24,7 @@ def add_arguments(parser: argparse.ArgumentParser) -> None:
                         help="the k to compare at; given twice, of the first and of the second (default: the only one common to all)")
     parser.add_argument("--over-time", action="store_true", help="the results are a series in this order")
     parser.add_argument("--threshold", type=float, default=None, metavar="SHARE",
-                        help="over time: communities are related when they share more than this part of the smaller one (default: 0.3)")
+                        help="over time: a community goes on, or joins another, when more than this part of its nodes is found there (default: 0.5)")
     parser.add_argument("-o", "--output", default="-", metavar="FILE", help="where to; - is standard output (default)")
     parser.add_argument("-O", "--overwrite", action="store_true", help="replace the file if it is there")
     parser.add_argument("-f", "--format", choices=FORMATS, help="default: by the ending of FILE, else table")

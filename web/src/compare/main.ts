@@ -266,7 +266,7 @@ function drawMatches(): void {
 
 byId("title").textContent = data.title;
 byId("facts").textContent = data.overTime
-    ? `${count(data.labels.length)} results in order; communities of neighbouring ones are related when they share more than ${Math.round(100 * data.threshold)} % of the smaller one.`
+    ? `${count(data.labels.length)} results in order; a community goes on, or joins another, when more than ${Math.round(100 * data.threshold)} % of its nodes are found there.`
     : `${count(data.sizes[0].length, "community", "communities")} and ${count(data.sizes[1].length, "community", "communities")}`;
 startTheme();
 drawScores();

@@ -64,7 +64,7 @@ interface Chart {
 const CHARTS: Chart[] = [
     { title: "Largest by second", help: "A giant community makes it large. About 2 is the edge of percolation.", value: (row) => row[7], log: true, at: [2, "2"] },
     { title: "Nodes in the largest community", help: "Where it falls steeply the giant breaks up.", value: (row) => (row[5] === 0 ? null : row[5]), log: true },
-    { title: "Number of communities", help: "Highest near the edge: below they run together, above they are gone.", value: (row) => row[4], log: false },
+    { title: "Number of communities", help: "Often highest near the edge: looser they run together, stricter they are gone.", value: (row) => row[4], log: false },
     { title: "Variance of sizes without the largest", help: "For small networks: most at the edge.", value: (row) => row[8], log: false },
     { title: "Nodes in a community", help: "How many nodes are covered.", value: (row) => row[9], log: false },
     { title: "Nodes in several communities", help: "How much communities overlap.", value: (row) => row[10], log: false },
@@ -131,11 +131,10 @@ function drawCurves(): void {
                     ctx.setLineDash([]);
                     const used: number[] = [];
                     if (axis >= 0) {
-                        lines.forEach((k, i) => {
-                            const first = series[i].findIndex((value) => value !== null);
-                            if (first < 0) {
-                                return;
-                            }
+                        const begins = lines.map((k, i) => ({ k, i, first: series[i].findIndex((value) => value !== null) }))
+                            .filter(({ first }) => first >= 0)
+                            .sort((one, other) => (series[other.i][other.first] as number) - (series[one.i][one.first] as number));
+                        begins.forEach(({ k, i, first }) => {
                             let y = u.valToPos(series[i][first] as number, "y", true) - 8 * devicePixelRatio;
                             const x = u.valToPos(xs[first], "x", true) + 5 * devicePixelRatio;
                             while (used.some((other) => Math.abs(other - y) < 12 * devicePixelRatio)) {
