@@ -13,7 +13,9 @@ after(async () => {
     await browser.close();
 });
 
-const names = readdirSync(PAGES).filter((name) => existsSync(join(PAGES, name, ".")) && existsSync(join(PAGES, `${name}.html`)));
+const names = readdirSync(PAGES, { withFileTypes: true })
+    .filter((entry) => entry.isDirectory() && readdirSync(join(PAGES, entry.name)).some((one) => one.startsWith("results")))
+    .map((entry) => entry.name).filter((name) => existsSync(join(PAGES, `${name}.html`)));
 
 function quiet(page, name) {
     const asked = page.requests.filter((url) => !url.startsWith("data:"));
