@@ -232,7 +232,7 @@ def omega(first: Cover | Level | Iterable[Iterable[Hashable]], second: Cover | L
     count_b = np.bincount(times_b, minlength=most + 1)
     count_a[0], count_b[0] = pairs - len(keys_a), pairs - len(keys_b)
     # Whole numbers of any size until the last division.
-    chance = sum(x * y for x, y in zip(count_a.tolist(), count_b.tolist()))
+    chance: int = sum(x * y for x, y in zip(count_a.tolist(), count_b.tolist()))
     # Below pairs * pairs: only where all pairs are together equally often in both would it be that many.
     return (agree * pairs - chance) / (pairs * pairs - chance)
 

@@ -9,6 +9,7 @@ bytes however it was reached.
 from __future__ import annotations
 
 import hashlib
+import importlib
 import importlib.util
 import json
 import math
@@ -78,10 +79,11 @@ class Plan:
     @property
     def jobs(self) -> list[Job]:
         """All jobs: by lower threshold, then upper, then intensity, as they were given."""
-        jobs = []
-        for lower in self.lower or (None,):
-            for upper in self.upper or (None,):
-                for intensity in self.intensity or (None,):
+        none: tuple[str | None, ...] = (None,)
+        jobs: list[Job] = []
+        for lower in self.lower or none:
+            for upper in self.upper or none:
+                for intensity in self.intensity or none:
                     jobs.append(Job(len(jobs), lower, upper, intensity))
         return jobs
 
@@ -374,10 +376,9 @@ def sweep(path: str | os.PathLike[str], directory: str | os.PathLike[str], *, lo
 
     tell()
     if client is not None:
-        from distributed import as_completed as as_computed
-
+        distributed: Any = importlib.import_module("distributed")
         futures = {client.submit(run_job, plan, job, tempfile.gettempdir(), pure=False): job for job in todo}
-        for future in as_computed(list(futures)):
+        for future in distributed.as_completed(list(futures)):
             write_whole(_job_path(folder, futures[future]), future.result().encode())
             done += 1
             tell()

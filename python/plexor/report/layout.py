@@ -89,9 +89,9 @@ def _springs(radii: Floats, a: Ints, b: Ints) -> tuple[Floats, Floats]:
     x, y = np.empty(n), np.empty(n)
     for place_, disc in enumerate(order.tolist()):
         # The largest in the middle, the others around it.
-        far = 0.0 if place_ == 0 else float(radii[order[0]]) + spread * math.sqrt(place_)
+        away = 0.0 if place_ == 0 else float(radii[order[0]]) + spread * math.sqrt(place_)
         turn = place_ * 2.399963229728653
-        x[disc], y[disc] = round(far * math.cos(turn), 3), round(far * math.sin(turn), 3)
+        x[disc], y[disc] = round(away * math.cos(turn), 3), round(away * math.sin(turn), 3)
     touch = radii[:, None] + radii[None, :] + GAP
     charge = (radii[:, None] + GAP) * (radii[None, :] + GAP) * 3.0
     rest = radii[a] + radii[b] + GAP * 3

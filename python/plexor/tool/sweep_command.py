@@ -3,9 +3,11 @@
 from __future__ import annotations
 
 import argparse
+import importlib
 import re
 import sys
 from pathlib import Path
+from typing import Any
 
 from plexor.tool.console import Console, ToolError, UsageError
 
@@ -74,9 +76,8 @@ def execute(arguments: argparse.Namespace, console: Console) -> int:
 
         client = None
         if arguments.dask is not None:
-            from distributed import Client
-
-            client = Client(arguments.dask)
+            distributed: Any = importlib.import_module("distributed")
+            client = distributed.Client(arguments.dask)
         try:
             result = sweeps.sweep(arguments.file, directory, ks=ks, directed=arguments.directed, processes=arguments.jobs,
                                   client=client, progress=progress, **thresholds)

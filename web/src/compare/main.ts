@@ -55,13 +55,13 @@ function score(value: number | null): string {
 
 function drawScores(): void {
     byId("score-table").replaceChildren(
-        h("thead", {}, h("tr", {}, h("th", { class: "text", scope: "col" }, "Results"), h("th", { scope: "col" }, "Communities"),
-            h("th", { scope: "col" }, "Nodes of both"), h("th", { scope: "col" }, "NMI"), h("th", { scope: "col" }, "Omega"))),
+        h("thead", {}, h("tr", {}, h("th", { class: "text", scope: "col" }, "Results"), h("th", { scope: "col" }, "NMI"),
+            h("th", { scope: "col" }, "Omega"), h("th", { scope: "col" }, "Communities"), h("th", { scope: "col" }, "Nodes of both"))),
         h("tbody", {}, ...data.scores.map((one, i) => h("tr", {},
             h("td", { class: "text" }, `${data.labels[i]} and ${data.labels[i + 1]}`),
+            h("td", {}, score(one.nmi)), h("td", {}, score(one.omega)),
             h("td", {}, `${count(data.sizes[i].length)} and ${count(data.sizes[i + 1].length)}`),
-            h("td", {}, `${count(one.common)} of ${count(one.nodes)}`),
-            h("td", {}, score(one.nmi)), h("td", {}, score(one.omega))))));
+            h("td", {}, `${count(one.common)} of ${count(one.nodes)}`)))));
 }
 
 /** The largest communities of each column, ordered so that bands cross little. */

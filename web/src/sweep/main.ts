@@ -141,6 +141,8 @@ function drawCurves(): void {
                                 y += 12 * devicePixelRatio;
                             }
                             used.push(y);
+                            const last = x > bbox.left + bbox.width - 30 * devicePixelRatio;
+                            ctx.textAlign = last ? "right" : "left";
                             ctx.lineWidth = 3 * devicePixelRatio;
                             ctx.strokeStyle = colour("card");
                             ctx.fillStyle = colour("ink");
