@@ -37,7 +37,8 @@ export async function open(browser, name, hash = "", options = {}) {
 }
 
 export async function drawn(page) {
-    await page.waitForFunction(() => document.body.dataset.drawn === "yes", null, { timeout: 60000, polling: 30 });
+    await page.waitForFunction(() => document.body.dataset.drawn === "yes" && (window.plexorPage === undefined || plexorPage.state().k === null
+        || document.body.dataset.below === `k=${plexorPage.state().k}`), null, { timeout: 60000, polling: 30 });
 }
 
 /** The result files of a page, read word by word: {k: {number: [names]}}. */

@@ -33,7 +33,7 @@ for (const name of names.filter((one) => one !== "empty")) {
             const start_ = await page.evaluate(() => location.hash);
             if (start_ !== `#k=${k}`) {
                 await page.evaluate((to) => { location.hash = `#k=${to}`; }, k);
-                await page.waitForFunction((to) => plexorPage.state().k === to && document.body.dataset.drawn === "yes", k);
+                await page.waitForFunction((to) => plexorPage.state().k === to && document.body.dataset.drawn === "yes" && document.body.dataset.below === `k=${to}`, k);
             }
             const sets = await page.evaluate(() => {
                 const names_ = JSON.parse(document.getElementById("plexor-names").textContent);
@@ -192,7 +192,7 @@ test("approximated communities are said in words, not by colour alone", async ()
     assert.match(await page.locator("#notices").innerText(), /guesses/);
     const k = await page.evaluate(() => [...JSON.parse(document.getElementById("plexor-head").textContent).levels].find((level) => level.exact < level.n).k);
     await page.evaluate((to) => { location.hash = `#k=${to}`; }, k);
-    await page.waitForFunction((to) => plexorPage.state().k === to && document.body.dataset.drawn === "yes", k);
+    await page.waitForFunction((to) => plexorPage.state().k === to && document.body.dataset.drawn === "yes" && document.body.dataset.below === `k=${to}`, k);
     assert.ok(await page.locator("#communities .approximated-word").count() > 0);
     assert.match(await page.locator("#legend").innerText(), /hatched: approximated/);
     await page.context().close();
@@ -223,6 +223,20 @@ test("dark colours by the button, light ones in print", async () => {
     assert.equal(await page.evaluate(() => document.documentElement.dataset.theme), "light");
     await page.evaluate(() => dispatchEvent(new Event("afterprint")));
     assert.equal(await page.evaluate(() => document.documentElement.dataset.theme), "dark");
+    // The button waits until the picture is drawn in light colours, and prints a copy of it.
+    await page.evaluate(() => {
+        window.print = () => {
+            window.printed = document.documentElement.dataset.theme;
+        };
+    });
+    await page.getByRole("button", { name: "Print this page" }).click();
+    await page.waitForFunction(() => window.printed !== undefined);
+    assert.equal(await page.evaluate(() => window.printed), "light");
+    await page.emulateMedia({ media: "print" });
+    assert.ok(await page.evaluate(() => document.getElementById("print-picture").naturalWidth > 500));
+    assert.ok(await page.locator("#print-picture").isVisible());
+    assert.ok(!await page.locator("#graph-box").isVisible());
+    quiet(page, "airports in print");
     await page.context().close();
 });
 

@@ -25,11 +25,21 @@ export function onTheme(listener: () => void): void {
     listeners.push(listener);
 }
 
-function apply(): void {
+/** Light colours for print, pictures too: these are drawn anew, which takes a moment. */
+export function prepareForPrint(): void {
+    printing = true;
+    apply();
+}
+
+function setTheme(): void {
     document.documentElement.dataset.theme = isDark() ? "dark" : "light";
     const button = byId<HTMLButtonElement>("theme");
     button.textContent = isDark() ? "Light" : "Dark";
     button.setAttribute("aria-label", isDark() ? "Use light colours" : "Use dark colours");
+}
+
+function apply(): void {
+    setTheme();
     for (const listener of listeners) {
         listener();
     }
@@ -41,9 +51,10 @@ export function startTheme(): void {
         apply();
     });
     dark.addEventListener("change", apply);
+    // There is no time to draw when the browser's own command prints: pictures stay as they are then.
     addEventListener("beforeprint", () => {
         printing = true;
-        apply();
+        setTheme();
     });
     addEventListener("afterprint", () => {
         printing = false;

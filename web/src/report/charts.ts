@@ -2,7 +2,7 @@
 // The four distributions of a level: bars where there are few values, else points on logarithmic axes;
 // the numbers stand below each as a table.
 import uPlot from "uplot";
-import { byId, count, h } from "../common/dom";
+import { byId, count, h, nextSlice } from "../common/dom";
 import { colour } from "../common/theme";
 import type { Level } from "./data";
 import { FONT } from "./picture";
@@ -26,7 +26,11 @@ const KINDS: Kind[] = [
 const MAX_BARS = 12;
 const plots: uPlot[] = [];
 
-export function drawCharts(level: Level): void {
+let drawing = 0;
+
+/** Draws all four, each in a slice of its own. ended: whether the reader has gone on to another level meanwhile. */
+export async function drawCharts(level: Level, ended: () => boolean): Promise<void> {
+    const mine = ++drawing;
     for (const plot of plots.splice(0)) {
         plot.destroy();
     }
@@ -34,6 +38,10 @@ export function drawCharts(level: Level): void {
     const box = byId("charts");
     box.replaceChildren();
     for (const kind of KINDS) {
+        await nextSlice();
+        if (ended() || mine !== drawing) {
+            return;
+        }
         const variants = level.distributions[kind.name] ?? {};
         const all = variants.all ?? variants.merged ?? [[], []];
         const guessed = variants.appr;

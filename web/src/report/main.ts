@@ -3,12 +3,12 @@
 import type cytoscape from "cytoscape";
 import "uplot/dist/uPlot.min.css";
 import { byId, count, h, nextSlice, percent, save, svg } from "../common/dom";
-import { colour, isDark, onTheme, SET_COLOURS, startTheme } from "../common/theme";
+import { colour, isDark, onTheme, prepareForPrint, SET_COLOURS, startTheme } from "../common/theme";
 import { drawCharts } from "./charts";
 import { Data, type Level } from "./data";
 import { drawLarge, drawNeighbourhood, planNeighbourhood, type Plan } from "./neighbourhood";
 import { drawOverview } from "./overview";
-import { fit, png, zoomBy } from "./picture";
+import { fit, png, printable, zoomBy } from "./picture";
 import "./report.css";
 import { drawTable } from "./table";
 
@@ -65,19 +65,35 @@ function show(before: State | null): void {
         return;
     }
     showSide(current);
+    if (before === null || before.k !== state.k || before.community !== state.community) {
+        document.body.dataset.drawn = "no";
+        void draw(current);
+    } else {
+        mark();
+    }
+    void showBelow(current, before === null || before.k !== state.k);
+}
+
+/** What stands below the picture, in slices of its own. */
+async function showBelow(current: Level, charts: boolean): Promise<void> {
+    if (!charts) {
+        showTable(current);
+        return;
+    }
+    await nextSlice();
+    if (current === level()) {
+        showTable(current);
+        await drawCharts(current, () => current !== level());
+        document.body.dataset.below = `k=${current.k}`;
+    }
+}
+
+function showTable(current: Level): void {
     drawTable(data, current, state.community, (community) => {
         go({ community, node: null });
         byId("picture").scrollIntoView({ block: "start" });
         byId("back").focus({ preventScroll: true });
     });
-    if (before === null || before.k !== state.k) {
-        drawCharts(current);
-    }
-    if (before === null || before.k !== state.k || before.community !== state.community) {
-        void draw(current);
-    } else {
-        mark();
-    }
 }
 
 // ---- k ----
@@ -133,7 +149,11 @@ async function draw(current: Level): Promise<void> {
     let drawn: cytoscape.Core | null;
     if (community === null) {
         container.setAttribute("aria-label", `Picture: ${count(current.picture.of.length, "community", "communities")} at k = ${current.k} as discs, linked where they share nodes`);
-        drawn = drawOverview(container, data, current);
+        drawn = await drawOverview(container, data, current, ended);
+        if (ended()) {
+            drawn?.destroy();
+            return;
+        }
     } else {
         byId("working").hidden = false;
         await nextSlice();
@@ -267,12 +287,18 @@ function key(event: KeyboardEvent): void {
         Escape: () => go({ community: null, node: null }),
         "+": () => cy && zoomBy(cy, 1.3),
         "-": () => cy && zoomBy(cy, 1 / 1.3),
-        "0": () => cy && fit(cy, 26, 1.6),
+        "0": () => cy && fit(cy, 26, 2),
     };
     const action = actions[event.key];
     if (action !== undefined) {
         event.preventDefault();
         action();
+    }
+}
+
+function showPrintable(): void {
+    if (cy !== null) {
+        byId<HTMLImageElement>("print-picture").src = printable(cy);
     }
 }
 
@@ -560,8 +586,19 @@ function start(): void {
     });
     byId("zoom-in").addEventListener("click", () => cy && zoomBy(cy, 1.3));
     byId("zoom-out").addEventListener("click", () => cy && zoomBy(cy, 1 / 1.3));
-    byId("fit").addEventListener("click", () => cy && fit(cy, 26, 1.6));
-    byId("print").addEventListener("click", () => print());
+    byId("fit").addEventListener("click", () => cy && fit(cy, 26, 2));
+    byId("print").addEventListener("click", () => {
+        prepareForPrint();
+        const wait = (): void => {
+            if (document.body.dataset.drawn === "yes") {
+                showPrintable();
+                void byId<HTMLImageElement>("print-picture").decode().catch(() => null).then(() => print());
+            } else {
+                setTimeout(wait, 20);
+            }
+        };
+        wait();
+    });
     byId("png").addEventListener("click", () => {
         if (cy !== null) {
             const name = `communities-k${state.k}${state.community === null ? "" : `-${state.community}`}.png`;
@@ -609,12 +646,14 @@ function start(): void {
     });
     state = { ...state, ...readHash() };
     show(null);
+    addEventListener("beforeprint", showPrintable);
     let shownDark = isDark();
     onTheme(() => {
         const current = level();
         if (current !== null && shownDark !== isDark()) {
             shownDark = isDark();
-            drawCharts(current);
+            document.body.dataset.drawn = "no";
+            void drawCharts(current, () => current !== level());
             void draw(current);
         }
     });
@@ -626,7 +665,7 @@ function start(): void {
             const current = level();
             if (current !== null && innerWidth !== width) {
                 width = innerWidth;
-                drawCharts(current);
+                void drawCharts(current, () => current !== level());
                 void draw(current);
             }
         }, 150);

@@ -198,7 +198,10 @@ export async function drawNeighbourhood(
             classes: [link.inside ? "inside" : "outside", data.head.directed ? (link.direction === 3 ? "both" : "one") : ""].join(" "),
         });
     }
-    const cy = makeCore(container, elements, nodeStyle(plan.links.length));
+    const cy = await makeCore(container, elements, nodeStyle(plan.links.length), ended);
+    if (cy === null) {
+        return null;
+    }
     cy.batch(() => {
         cy.nodes().forEach((node) => {
             const slices = node.data("slices") as (string | null)[];
@@ -382,7 +385,7 @@ export async function drawLarge(
         }
     }
     const discs: Disc[] = bodies.map((body) => ({ community: body.node, x: body.x, y: body.y, r: radius(body.node) }));
-    return drawDiscs(container, data, level, discs, overlaps, focus);
+    return drawDiscs(container, data, level, discs, overlaps, focus, ended);
 }
 
 export function nodeStyle(nLinks: number): Style {

@@ -14,9 +14,9 @@ export interface Disc {
 }
 
 /** Draws discs and the overlaps between them (positions in the level's list of overlaps). */
-export function drawDiscs(
-    container: HTMLElement, data: Data, level: Level, discs: Disc[], overlaps: number[], focus: number | null,
-): cytoscape.Core {
+export async function drawDiscs(
+    container: HTMLElement, data: Data, level: Level, discs: Disc[], overlaps: number[], focus: number | null, ended: () => boolean,
+): Promise<cytoscape.Core | null> {
     const [a, b, shared] = level.graph;
     const strongest = overlaps.reduce((most, i) => Math.max(most, shared[i]), 1);
     const elements: cytoscape.ElementDefinition[] = [];
@@ -49,7 +49,10 @@ export function drawDiscs(
             },
         });
     }
-    const cy = makeCore(container, elements, discStyle(overlaps.length));
+    const cy = await makeCore(container, elements, discStyle(overlaps.length), ended);
+    if (cy === null) {
+        return null;
+    }
     layersOf(cy).renderPerNode(
         layersOf(cy).nodeLayer.insertAfter("canvas"),
         (context, node) => {
@@ -61,7 +64,7 @@ export function drawDiscs(
         },
         { position: "none", updateOn: "render", checkBounds: false },
     );
-    fit(cy, 26, 1.6);
+    fit(cy, 26, 2);
     return cy;
 }
 
@@ -82,12 +85,12 @@ function writeOver(context: CanvasRenderingContext2D, label: string, x: number, 
     });
 }
 
-export function drawOverview(container: HTMLElement, data: Data, level: Level): cytoscape.Core {
+export function drawOverview(container: HTMLElement, data: Data, level: Level, ended: () => boolean): Promise<cytoscape.Core | null> {
     const { of, r, x, y, links } = level.picture;
     const tall = container.clientHeight > container.clientWidth * 1.1;
     // On a narrow screen the same picture is turned by a quarter.
     const discs = of.map((community, i) => ({ community, r: r[i], x: tall ? -y[i] : x[i], y: tall ? x[i] : y[i] }));
-    return drawDiscs(container, data, level, discs, links, null);
+    return drawDiscs(container, data, level, discs, links, null, ended);
 }
 
 function discStyle(nLinks: number): Style {

@@ -3,6 +3,7 @@
 // scrolling alone, hatching of what is approximated, and the picture as PNG.
 import cytoscape from "cytoscape";
 import registerLayers, { type LayersPlugin } from "cytoscape-layers";
+import { nextSlice } from "../common/dom";
 import { colour } from "../common/theme";
 
 // The registration functions of extensions are typed for an older Cytoscape.
@@ -15,10 +16,16 @@ export const MAX_ELEMENTS = 2000;
 
 export type Style = cytoscape.StylesheetJson;
 
-export function makeCore(container: HTMLElement, elements: cytoscape.ElementDefinition[], style: Style): cytoscape.Core {
-    return cytoscape({
+const ELEMENTS_AT_ONCE = 120;
+
+/** A picture with its elements, added in short slices and shown when all are there; null if the reader has gone on meanwhile. */
+export async function makeCore(
+    container: HTMLElement, elements: cytoscape.ElementDefinition[], style: Style, ended: () => boolean,
+): Promise<cytoscape.Core | null> {
+    container.style.opacity = "0";
+    const cy = cytoscape({
         container,
-        elements,
+        elements: elements.slice(0, ELEMENTS_AT_ONCE),
         style,
         layout: { name: "preset" },
         minZoom: 0.03,
@@ -28,6 +35,16 @@ export function makeCore(container: HTMLElement, elements: cytoscape.ElementDefi
         selectionType: "single",
         pixelRatio: "auto",
     });
+    for (let i = ELEMENTS_AT_ONCE; i < elements.length; i += ELEMENTS_AT_ONCE) {
+        await nextSlice();
+        if (ended()) {
+            cy.destroy();
+            return null;
+        }
+        cy.add(elements.slice(i, i + ELEMENTS_AT_ONCE));
+    }
+    container.style.opacity = "";
+    return cy;
 }
 
 export function layersOf(cy: cytoscape.Core): LayersPlugin {
@@ -74,6 +91,11 @@ export function hatchLines(
     context.lineWidth = Math.max(1, step / 5);
     context.strokeStyle = colour("hatch");
     context.stroke();
+}
+
+/** The same as a data address, at once: for print, as a canvas has the size of the screen. */
+export function printable(cy: cytoscape.Core): string {
+    return layersOf(cy).png({ ignoreUnsupportedLayerOrder: true, output: "base64uri", scale: 2, bg: "#ffffff" });
 }
 
 /** The picture as it is seen, in twice its size. */
