@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // How fast pages are and what they hold, in Debian's Chromium without a window:
 //   node bench/page/measure.mjs PAGE.html[#k=4] ...        (after npm ci in web/)
-// First picture: from the beginning of loading to the first drawn picture. Longest task: the longest stretch in
+// First picture: from the beginning of loading to the first drawn picture, and the processor time of the page's main
+// thread until then, which other work on the machine does not blur. Longest task: the longest stretch in
 // which the page took no input, while loading and while the first community was opened. Memory: of the whole
 // renderer process, its highest.
 import { readFileSync, readdirSync } from "node:fs";
@@ -26,7 +27,7 @@ function peakOfRenderers() {
     return Math.round(most / 1024);
 }
 
-console.log("page | MB | first picture, ms | community opened, ms | longest task, ms | elements | peak of the renderer, MB");
+console.log("page | MB | first picture, ms | its processor time, ms | community opened, ms | longest task, ms | elements | peak of the renderer, MB");
 for (const argument of process.argv.slice(2)) {
     const [file, hash = ""] = argument.split("#");
     const browser = await chromium.launch({
@@ -35,6 +36,12 @@ for (const argument of process.argv.slice(2)) {
             "--disable-component-update", "--disable-sync"],
     });
     const page = await browser.newPage({ viewport: { width: 1280, height: 800 } });
+    const protocol = await page.context().newCDPSession(page);
+    await protocol.send("Performance.enable", { timeDomain: "threadTicks" });
+    const processor = async () => {
+        const { metrics } = await protocol.send("Performance.getMetrics");
+        return 1000 * metrics.find(({ name }) => name === "TaskDuration").value;
+    };
     await page.addInitScript(() => {
         window.longest = 0;
         new PerformanceObserver((list) => {
@@ -54,6 +61,7 @@ for (const argument of process.argv.slice(2)) {
     await page.goto(`file://${resolve(file)}${hash === "" ? "" : `#${hash}`}`);
     await page.waitForFunction(() => window.firstPicture !== undefined);
     const first = await page.evaluate(() => window.firstPicture);
+    const worked = await processor();
     const elements = await page.evaluate(() => plexorPage.elements());
     const opened = await page.evaluate(async () => {
         const k = plexorPage.state().k;
@@ -67,6 +75,6 @@ for (const argument of process.argv.slice(2)) {
     });
     await page.waitForTimeout(200);
     const longest = await page.evaluate(() => window.longest);
-    console.log([argument, (readFileSync(file).length / 1e6).toFixed(1), first.toFixed(0), opened.toFixed(0), longest.toFixed(0), elements, peakOfRenderers()].join(" | "));
+    console.log([argument, (readFileSync(file).length / 1e6).toFixed(1), first.toFixed(0), worked.toFixed(0), opened.toFixed(0), longest.toFixed(0), elements, peakOfRenderers()].join(" | "));
     await browser.close();
 }
