@@ -30,6 +30,12 @@ def test_same_results_same_bytes(airports: Path, tmp_path: Path) -> None:
     assert (tmp_path / "page.html").read_bytes() == first
 
 
+def test_results_in_memory_give_the_same_page(airports: Path) -> None:
+    pytest.importorskip("plexor._engine")
+    found = plexor.find_communities(plexor.Network.read(networks.sources()["airports"][0]))
+    assert make_report(found).content == make_report(plexor.load(airports)).content
+
+
 def test_the_policy_allows_what_is_in_the_page_and_nothing_else(airports: Path) -> None:
     page = make_report(plexor.load(airports)).content.decode()
     policy = re.search(r'http-equiv="Content-Security-Policy" content="([^"]*)"', page)

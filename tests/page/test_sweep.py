@@ -72,6 +72,18 @@ def test_side_by_side_gives_the_same_bytes(tmp_path: Path) -> None:
     assert contents(tmp_path / "1") == contents(tmp_path / "2")
 
 
+def test_the_engine_in_this_process_gives_the_same_bytes(tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> None:
+    pytest.importorskip("plexor._engine")
+    sweeps = {"lower": {"lower": grid("1:8:1")}, "intensity": {"intensity": ["2", "6"], "ks": [3, 4]},
+              "directed": {"lower": ["1", "2"], "upper": ["9"], "ks": [4], "directed": True}}
+    for name, options in sweeps.items():
+        sweep(FACULTY, tmp_path / "program" / name, **options)
+    monkeypatch.delenv("PLEXOR")
+    for name, options in sweeps.items():
+        sweep(FACULTY, tmp_path / "engine" / name, processes=2, **options)
+    assert contents(tmp_path / "program") == contents(tmp_path / "engine")
+
+
 def test_jobs_by_gnu_parallel_give_the_same_bytes(tmp_path: Path) -> None:
     if shutil.which("parallel") is None:
         pytest.skip("GNU parallel is not there")

@@ -103,6 +103,7 @@ function showLevels(): void {
     const summary = state.k === null ? null : data.summary(state.k);
     slider.max = String(Math.max(0, ascending.length - 1));
     slider.disabled = ascending.length < 2;
+    (slider.parentElement as HTMLElement).hidden = ascending.length < 2;
     if (summary === null) {
         return;
     }
