@@ -59,7 +59,7 @@ def test_no_trace_of_the_machine_or_the_day(airports: Path) -> None:
 def test_names_are_escaped(tmp_path: Path) -> None:
     results = networks.run(*networks.sources()["names"], tmp_path)
     page = make_report(plexor.load(results), title="<img src=x onerror=alert(3)>").content.decode()
-    assert "<script>alert" not in page and "<img" not in page
+    assert "<script>alert" not in page and "<img src=x" not in page
     assert "\\u003cscript\\u003ealert(1)" in page
     names = blocks(page.encode())["names"]
     assert isinstance(names, list) and sorted(names) == sorted(networks.SCRIPTS)

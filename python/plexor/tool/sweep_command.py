@@ -4,6 +4,7 @@ from __future__ import annotations
 
 import argparse
 import importlib
+import importlib.util
 import re
 import sys
 from pathlib import Path
@@ -43,6 +44,13 @@ def ks_of(text: str) -> list[int]:
     return ks
 
 
+def _bar(console: Console) -> Any:
+    """A bar with the remaining time where a person looks, if tqdm is there; else None."""
+    if console.quiet or not sys.stderr.isatty() or importlib.util.find_spec("tqdm") is None:
+        return None
+    return importlib.import_module("tqdm").tqdm(desc="jobs", unit="job", leave=False)
+
+
 def execute(arguments: argparse.Namespace, console: Console) -> int:
     """Runs the sweep; returns the exit status. UsageError, ToolError and OSError say why it could not."""
     from plexor import PlexorError
@@ -71,8 +79,17 @@ def execute(arguments: argparse.Namespace, console: Console) -> int:
                 sweeps.do_job(plan, plan.jobs[arguments.job], folder)
             return 0
 
+        bar = _bar(console)
+
         def progress(done: int, n_jobs: int) -> None:
-            console.detail(f"{done} of {n_jobs} jobs done")
+            if bar is None:
+                console.detail(f"{done} of {n_jobs} jobs done")
+                return
+            if bar.total is None:  # what an earlier sweep has done counts, but took no time now
+                bar.reset(total=n_jobs)
+                bar.initial = done
+            bar.n = done
+            bar.refresh()
 
         client = None
         if arguments.dask is not None:
@@ -82,6 +99,8 @@ def execute(arguments: argparse.Namespace, console: Console) -> int:
             result = sweeps.sweep(arguments.file, directory, ks=ks, directed=arguments.directed, processes=arguments.jobs,
                                   client=client, progress=progress, **thresholds)
         finally:
+            if bar is not None:
+                bar.close()
             if client is not None:
                 client.close()
     except (sweeps.SweepError, PlexorError) as error:
