@@ -4,7 +4,8 @@
 set -eu
 cd "$(dirname "$0")"
 . cmake/Need.sh
-need g++ g++ cmake cmake make make
+need g++ g++ cmake cmake make make /usr/bin/python3 python3 \
+    /usr/lib/python3/dist-packages/numpy python3-numpy
 
 echo "== Building Plexor"
 cmake --preset release >/dev/null
@@ -28,6 +29,13 @@ echo "== How many communities there are at each k"
 for dir in $(ls -d "$results"/k=* | sort -t= -k2 -n); do
     printf '%-6s %s\n' "$(basename "$dir")" "$(grep -c '^[0-9]' "$dir/communities")"
 done
+echo
+echo "== A page to look at"
+PYTHONPATH=python /usr/bin/python3 -c "
+import plexor
+from plexor.report import write_report
+write_report(plexor.load('$results'), '$results.html', title='US airports, December 2010')"
+echo "Open $results.html with any browser: xdg-open $results.html"
 echo
 echo "All results are in $results (the README says what each file holds);"
 echo "what the run printed is in build/demo/output.txt."

@@ -1,0 +1,5 @@
+# SPDX-License-Identifier: MIT
+import sys
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).parent))
