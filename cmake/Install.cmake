@@ -3,6 +3,8 @@
 #     cmake --install build/release --prefix /usr/local
 #     (cd build/release && cpack -G DEB)
 include(GNUInstallDirs)
+# What names no other component belongs to the package of the program.
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME plexor)
 
 set(plexor_doc_dir ${CMAKE_INSTALL_DATAROOTDIR}/doc/plexor)
 
@@ -45,6 +47,18 @@ install(FILES docs/guide.md docs/formats.md docs/how-it-works.md docs/limits.md 
 install(FILES examples/README.md examples/us-airports.txt examples/uk-faculty.txt
     DESTINATION ${plexor_doc_dir}/examples)
 
+# The other packages: a licence and the changes each; to the developers' one belong the page on the
+# library and its example.
+foreach(package libplexor0 libplexor-dev)
+    set(doc_dir ${CMAKE_INSTALL_DATAROOTDIR}/doc/${package})
+    install(FILES LICENSE DESTINATION ${doc_dir} RENAME copyright COMPONENT ${package})
+    install(FILES ${plexor_changelog} DESTINATION ${doc_dir} COMPONENT ${package})
+endforeach()
+install(FILES docs/library.md DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/libplexor-dev/docs
+    COMPONENT libplexor-dev)
+install(FILES examples/library/CMakeLists.txt examples/library/communities.cpp
+    DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/libplexor-dev/examples COMPONENT libplexor-dev)
+
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME plexor)
 set(CPACK_PACKAGE_VENDOR "The Plexor developers")
@@ -64,6 +78,23 @@ set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+# A package for the program, one for the library, one for what building against it needs.
+set(CPACK_COMPONENTS_ALL plexor libplexor0 libplexor-dev)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_PLEXOR_PACKAGE_NAME plexor)
+set(CPACK_DEBIAN_LIBPLEXOR0_PACKAGE_NAME libplexor0)
+set(CPACK_DEBIAN_LIBPLEXOR0_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_LIBPLEXOR-DEV_PACKAGE_NAME libplexor-dev)
+set(CPACK_DEBIAN_LIBPLEXOR-DEV_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_LIBPLEXOR-DEV_PACKAGE_DEPENDS "libplexor0 (= ${PROJECT_VERSION}-1)")
+set(CPACK_COMPONENT_PLEXOR_DESCRIPTION "${CPACK_PACKAGE_DESCRIPTION}")
+set(CPACK_COMPONENT_LIBPLEXOR0_DESCRIPTION
+"The engine of plexor as a shared library: maximal cliques and k-clique
+communities of a graph in memory, for programs that link it.")
+set(CPACK_COMPONENT_LIBPLEXOR-DEV_DESCRIPTION
+"The headers, the static library, and the files for CMake and pkg-config that
+programs need to be built against libplexor, the engine of plexor.")
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)

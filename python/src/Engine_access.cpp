@@ -261,8 +261,8 @@ Level Search::At(Number k, Watcher& watcher) const {
     try {
         data_->Prepare_levels();
         watcher.Tick();
+        Told progress(watcher);
         if (auto const intensity = data_->question.intensity) {
-            Told progress(watcher);
             cpm::K_clique_list k_cliques;
             Generate_k_cls_from_cls(data_->found.cliques, data_->links, k_cliques, k, *intensity,
                                     progress);
@@ -270,7 +270,7 @@ Level Search::At(Number k, Watcher& watcher) const {
             Intensity_coms_from_k_cliques(std::move(k_cliques), coms, data_->links, *intensity,
                                           progress);
         } else {
-            data_->percolation->Coms_from_appr_ovlp_matr(coms, k);
+            data_->percolation->Coms_from_appr_ovlp_matr(coms, k, &progress);
             level->cliques = Shifted(coms.cliques, 0);
         }
     } catch (cpm::Xerror_msg const& error) {

@@ -23,6 +23,26 @@ set(expected
     ${DATADIR}/doc/plexor/examples/README.md
     ${DATADIR}/doc/plexor/examples/uk-faculty.txt
     ${DATADIR}/doc/plexor/examples/us-airports.txt)
+foreach(header Cliques Communities Error Export Graph Progress plexor)
+    list(APPEND expected ${INCLUDEDIR}/plexor/${header}.h)
+endforeach()
+foreach(package libplexor0 libplexor-dev)
+    list(APPEND expected ${DATADIR}/doc/${package}/changelog${packed}
+        ${DATADIR}/doc/${package}/copyright)
+endforeach()
+string(TOLOWER "${CONFIG}" config)
+list(APPEND expected
+    ${DATADIR}/doc/libplexor-dev/docs/library.md
+    ${DATADIR}/doc/libplexor-dev/examples/CMakeLists.txt
+    ${DATADIR}/doc/libplexor-dev/examples/communities.cpp
+    ${LIBDIR}/cmake/plexor/plexorConfig-${config}.cmake
+    ${LIBDIR}/cmake/plexor/plexorConfig.cmake
+    ${LIBDIR}/cmake/plexor/plexorConfigVersion.cmake
+    ${LIBDIR}/libplexor.a
+    ${LIBDIR}/libplexor.so
+    ${LIBDIR}/libplexor.so.0
+    ${LIBDIR}/libplexor.so.${VERSION}
+    ${LIBDIR}/pkgconfig/plexor.pc)
 list(SORT expected)
 
 unset(ENV{DESTDIR})
