@@ -1,0 +1,17 @@
+#!/bin/sh
+# SPDX-License-Identifier: MIT
+# Builds the program, installs what the tests of the Python package need, and runs them.
+#   tests/python/run.sh [pytest's arguments]
+set -eu
+cd "$(dirname "$0")/../.."
+. cmake/Need.sh
+# Debian's Python with Debian's packages, whatever other Python is first in the path.
+python=/usr/bin/python3
+packages=/usr/lib/python3/dist-packages
+need g++ g++ cmake cmake make make $python python3 \
+    $packages/numpy python3-numpy $packages/pytest python3-pytest $packages/mypy python3-mypy
+
+cmake --preset python >/dev/null
+cmake --build --preset python
+PYTHONPATH=python $python -m mypy
+PYTHONPATH=python exec $python -m pytest -q -p no:cacheprovider "$@"
