@@ -67,7 +67,9 @@ def read(name: str, options: ReadOptions | None = None) -> Reading:
 def _read_as(recognition: Recognition, data: bytes, options: ReadOptions) -> LinkTable:
     # The readers for what most files are not are imported when they are needed.
     if recognition.format in ("edges", "links"):
-        return read_edge_list(data, recognition.dialect)
+        return replace(
+            read_edge_list(data, recognition.dialect), directed=recognition.directed
+        )
     if recognition.format == "sif":
         from plexor.formats.sif import read_sif
 

@@ -70,6 +70,7 @@ class Recognition:
     format: str
     dialect: Dialect = field(default_factory=Dialect)
     said: list[str] = field(default_factory=list)
+    directed: bool | None = None
 
 
 def recognise(source: Source, options: ReadOptions) -> Recognition:
@@ -222,12 +223,12 @@ def _recognise_table(source: Source, options: ReadOptions) -> Recognition:
         refuse_metis_lookalike(source.head)
     konect = bool(comments) and re.match(rb"%\s*(a?sym)\b", comments[0]) is not None
     if konect:
-        direction = "undirected" if comments[0].split()[1] == b"sym" else "directed"
-        said.append(f"KONECT: the first line says {direction}")
+        said.append(f"KONECT: the first line says {_shown(comments[0].split()[1])}")
     elif any(b"FromNodeId" in text for text in comments):
         said.append("SNAP: a comment names FromNodeId and ToNodeId")
     dialect = _recognise_dialect(rows, comment, konect, options, said)
-    return Recognition("edges", dialect, said)
+    directed = comments[0].split()[1] != b"sym" if konect else None
+    return Recognition("edges", dialect, said, directed)
 
 
 def _link_file_dialect(lines: list[bytes], options: ReadOptions, escaped: bool) -> Dialect:
@@ -365,46 +366,45 @@ def _no_delimiter(
     return FormatError(best_reason, best_line)
 
 
+def _commas_in_numbers_only(split: _Split) -> bool:
+    return all(b"," not in field or is_number(field, True) for row in split.rows for field in row)
+
+
+def _ends_in_weights(split: _Split) -> bool:
+    """Whether this is source, target and a number in each line (the first may be a header)."""
+    rows = split.rows[1:] or split.rows
+    return split.width == 3 and all(is_number(row[2]) or is_number(row[2], True) for row in rows)
+
+
 def _choose(splits: list[_Split], rows: list[_Line]) -> _Split:
     """The reading to take of several. Raises FormatError when there is no telling."""
-    by_delimiter = {split.delimiter: split for split in splits}
-    if len(splits) == 1:
-        return splits[0]
-    tab, blanks = by_delimiter.get(b"\t"), by_delimiter.get(None)
-    if tab is not None:
-        if blanks is not None and blanks.rows == tab.rows:
-            del by_delimiter[None]
-        elif blanks is not None:
-            # Blanks within fields: a table with tabs whose names have blanks.
-            del by_delimiter[None]
-        others = [split for split in by_delimiter.values() if split is not tab]
-        if not others:
-            return tab
-    comma, semicolon = by_delimiter.get(b","), by_delimiter.get(b";")
-    if semicolon is not None and comma is not None:
-        if all(
-            b"," not in field or is_number(field, True) for row in semicolon.rows for field in row
-        ):
-            del by_delimiter[b","]
-            comma = None
-    if comma is not None and blanks is not None and None in by_delimiter:
-        if all(
-            b"," not in field or is_number(field, True) for row in blanks.rows for field in row
-        ):
-            del by_delimiter[b","]  # decimal commas
-            comma = None
+    left = {split.delimiter: split for split in splits}
+    blanks, tab = left.get(None), left.get(b"\t")
+    if blanks is not None and tab is not None:
+        if blanks.rows == tab.rows:
+            del left[None]
+        elif not (tab.width == 2 and _ends_in_weights(blanks)):
+            del left[None]  # names with blanks, between tabs
+    comma, semicolon = left.get(b","), left.get(b";")
+    if comma is not None and semicolon is not None and _commas_in_numbers_only(semicolon):
+        del left[b","]
     for sign in (b",", b";"):
-        table = by_delimiter.get(sign)
-        if table is not None and None in by_delimiter:
-            if all(not re.search(rb"[ \t]", field) for row in table.rows for field in row):
-                del by_delimiter[None]  # blanks behind the delimiter only
-    if len(by_delimiter) == 1:
-        return next(iter(by_delimiter.values()))
-    words = " or ".join(_DELIMITER_WORDS[delimiter] for delimiter in by_delimiter)
-    options = ", ".join(
-        f"--delimiter {name}" for name, sign in DELIMITERS.items() if sign in by_delimiter
-    )
-    raise FormatError(f"fields may be separated by {words}; {options} decides", rows[0].number)
+        table, words = left.get(sign), left.get(None)
+        if table is None or words is None:
+            continue
+        if all(not re.search(rb"[ \t]", field) for row in table.rows for field in row):
+            del left[None]  # blanks stand behind the delimiter only
+        elif sign == b"," and _commas_in_numbers_only(words):
+            del left[sign]  # decimal commas
+        elif _ends_in_weights(words) and not _ends_in_weights(table):
+            del left[sign]  # names such as NEWMAN,M
+        elif _ends_in_weights(table) and not _ends_in_weights(words):
+            del left[None]
+    if len(left) == 1:
+        return next(iter(left.values()))
+    words_of = " or ".join(_DELIMITER_WORDS[delimiter] for delimiter in left)
+    options = ", ".join(f"--delimiter {name}" for name, sign in DELIMITERS.items() if sign in left)
+    raise FormatError(f"fields may be separated by {words_of}; {options} decides", rows[0].number)
 
 
 def _refuse_quotation_marks(
