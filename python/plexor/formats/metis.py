@@ -22,7 +22,7 @@ def read_metis(data: bytes) -> LinkTable:
     """
     lines = [
         (number, line)
-        for number, line in enumerate(data.split(b"\n"), 1)
+        for number, line in enumerate(data.removesuffix(b"\n").split(b"\n"), 1)
         if not line.lstrip().startswith(b"%")
     ]
     while lines and not lines[0][1].strip():

@@ -447,6 +447,12 @@ def _known_pair(names: list[str]) -> tuple[int, int] | None:
     return None
 
 
+def _is_word(field: bytes) -> bool:
+    """Whether this can head a column of numbers: letters, but none of the words for no number."""
+    no_number = (b"na", b"nan", b"inf", b"null", b"none", b"-inf")
+    return re.search(rb"[A-Za-z\x80-\xff]", field) is not None and field.lower() not in no_number
+
+
 def _finds_header(split: _Split, options: ReadOptions) -> bool:
     """Whether the first line names columns: only where that is sure."""
     if options.header is not None:
@@ -455,23 +461,16 @@ def _finds_header(split: _Split, options: ReadOptions) -> bool:
     for given in (options.source_column, options.target_column, options.weight_column):
         if given not in (None, "none") and not (given or "").isdigit():
             return True  # columns named by words need a header
-    if not rest:
-        return False
     width = split.width
-    for column in range(width):
+    for column in range(min(width, len(first))):
         values = [row[column] for row in rest if column < len(row)]
-        comma = not all(map(is_number, values))
-        if (
-            column < len(first)
-            and values
-            and all(is_number(value, comma) for value in values)
-            and not is_number(first[column], comma)
-            and first[column]
+        if not values or not all(is_number(value) or is_number(value, True) for value in values):
+            continue
+        # A word above numbers. In a table of two columns both must be, as names may be numbers.
+        if _is_word(first[column]) and (
+            width > 2 or all(is_number(field) for row in rest for field in row)
         ):
-            if width > 2 or all(
-                is_number(row[c]) for row in rest for c in range(width)
-            ):
-                return True
+            return True
     pair = _known_pair([field.decode("utf-8", "replace") for field in first])
     if pair is None:
         return False
@@ -600,6 +599,8 @@ def _weight_column(
                     column + 1,
                 )
             return column
+        if options.columns_given:
+            return None
         if header is not None:
             raise FormatError(
                 f"column {column + 1} ('{header[column]}') has '{_shown(values[0], 20)}', which "

@@ -32,7 +32,8 @@ class Membership:
 
     def of(self, node: int) -> list[int]:
         """The communities of a node."""
-        return self.communities[self.first[node] : self.first[node + 1]].tolist()
+        own: list[int] = self.communities[self.first[node] : self.first[node + 1]].tolist()
+        return own
 
 
 class View:
@@ -69,16 +70,18 @@ class View:
         )
         order = np.sort(first)
         if weight is not None:
-            sums = np.bincount(of, weights=weight, minlength=len(first))
+            sums = np.bincount(of, weights=weight, minlength=len(first)).astype(np.float64)
             weight = sums[np.argsort(first, kind="stable")]
         return source[order], target[order], weight
 
     def link_keys(self, source: npt.NDArray[np.int64], target: npt.NDArray[np.int64]) -> Ints:
         """A number for each link; in undirected runs the same for both directions."""
         size = np.int64(max(1, len(self.names)))
-        if self.directed:
-            return source * size + target
-        return np.minimum(source, target) * size + np.maximum(source, target)
+        low, high = source, target
+        if not self.directed:
+            low, high = np.minimum(source, target), np.maximum(source, target)
+        keys: Ints = low * size + high
+        return keys
 
     def link_communities(self, k: int) -> list[list[int]]:
         """For each of `links` the communities at k that hold it."""

@@ -146,7 +146,7 @@ def _reasons_to_convert(reading: Reading) -> list[str]:
     dialect = reading.recognition.dialect
     if dialect.header:
         reasons.append("the header would become a link")
-    if dialect.delimiter not in (None, b"\t"):
+    if dialect.delimiter is not None and dialect.delimiter != b"\t":
         sign = dialect.delimiter.decode()
         reasons.append(f"fields are separated by '{sign}', which it takes for a part of names")
     columns = (dialect.source, dialect.target, dialect.weight)
