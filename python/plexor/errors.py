@@ -8,3 +8,11 @@ class PlexorError(Exception):
 
 class ResultError(PlexorError, ValueError):
     """A directory or a file is not what a run of Plexor leaves, or not the whole of it."""
+
+
+class LinkFileError(PlexorError, ValueError):
+    """A link file cannot be read, or a line of it is not what it should be."""
+
+
+class LinkFileNotFoundError(LinkFileError, FileNotFoundError):
+    """There is no such link file."""

@@ -38,7 +38,7 @@ __all__ = [
 
 #: A comment line of this text among those that begin a link file says that its names are escaped:
 #: `%20` stands for a blank, `%25` for a percent sign, and so on.
-ESCAPE_MARKER = "# plexor: names are escaped"
+ESCAPE_MARKER = "# plexor: names are escaped as %XX"
 
 #: What -> whose -> (values ascending, how often each occurs). What: "membership" (number of
 #: communities of a node), "size" (number of nodes of a community), "overlap" (number of nodes that
@@ -250,11 +250,16 @@ class Community:
 class Level(Sequence[Community]):
     """The communities of one k, the exact ones first. Arrays are read or made when first used."""
 
-    def __init__(self, k: int, names: Sequence[Any], data: LevelData) -> None:
+    def __init__(self, k: int, result: Result, data: LevelData) -> None:
         self.k = k
-        #: The name of each node of the network.
-        self.names = names
+        #: What the level is a part of.
+        self.result = result
         self._data = data
+
+    @property
+    def names(self) -> Sequence[Any]:
+        """The name of each node of the network."""
+        return self.result.names
 
     @cached_property
     def _nodes(self) -> tuple[SetList, int]:
@@ -326,10 +331,16 @@ class Result:
         #: The result directory; None for what was found in memory.
         self.path = path
         self._data = data
-        #: The k that communities were looked for at, largest first.
-        self.ks: list[int] = sorted(levels, reverse=True)
         self._level_data = levels
         self._levels: dict[int, Level] = {}
+
+    @property
+    def ks(self) -> list[int]:
+        """The k that communities were looked for at, largest first."""
+        return sorted(self._level_data, reverse=True)
+
+    def _add_level(self, k: int, data: LevelData) -> None:
+        self._level_data[k] = data
 
     @cached_property
     def _network(self) -> tuple[Sequence[Any], Links]:
@@ -367,7 +378,7 @@ class Result:
 
     def __getitem__(self, k: int) -> Level:
         if k not in self._levels:
-            self._levels[k] = Level(k, self.names, self._level_data[k])
+            self._levels[k] = Level(k, self, self._level_data[k])
         return self._levels[k]
 
     def __contains__(self, k: object) -> bool:

@@ -121,7 +121,7 @@ public:
         }
         filled_ = 0;
     }
-    // Hands over the names and links in their order.
+    // Hands over the names in their order, and the links as they came.
     void Finish(Link_map& links);
 
 private:
@@ -176,8 +176,6 @@ void Link_collector::Finish(Link_map& links) {
     for (Node_pair& link : links_) {
         link = {rank[link.first], rank[link.second]};
     }
-    rank.Release();
-    Sort_and_merge(links_, weights_, n_names);
     links.links = std::move(links_);
     links.weights = std::move(weights_);
 }
@@ -210,16 +208,26 @@ void Read_links(std::string const& file, Link_map& links, bool weighted, Accept_
     collector.Finish(links);
 }
 
+void Merge(Link_map& links) {
+    Sort_and_merge(links.links, links.weights, static_cast<Node>(links.names.size()));
+}
+
 } // namespace
 
+void Read_links_as_given(std::string const& file, Link_map& links, bool weighted) {
+    Read_links(file, links, weighted, [](double) { return true; });
+}
+
 void Read_unw_links(std::string const& file, Link_map& links) {
-    Read_links(file, links, false, [](double) { return true; });
+    Read_links_as_given(file, links, false);
+    Merge(links);
 }
 
 void Read_weighted_links(std::string const& file, Link_map& links,
                          Weight_interval const& interval) {
     Read_links(file, links, true,
                [&](double weight) { return Link_in_interval(weight, interval); });
+    Merge(links);
 }
 
 } // namespace cpm

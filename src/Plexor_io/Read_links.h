@@ -25,6 +25,10 @@ bool Link_in_interval(double weight, Weight_interval const& interval);
 /// has no first character to keep and ends in the standard library's std::out_of_range.
 std::string trim(std::string const& text, std::string const& characters);
 
+/// Reads the links of the file, weights where wanted, and leaves them as they stand there: neither
+/// sorted nor merged. Throws as those below do.
+void Read_links_as_given(std::string const& file, Link_map& links, bool weighted);
+
 /// Reads the names of two nodes from each line; what follows them is ignored, and links have no
 /// weights. Lines that begin with "#" and lines of one character are skipped, self-links dropped, a
 /// link read twice is one link.

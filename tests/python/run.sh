@@ -9,7 +9,10 @@ cd "$(dirname "$0")/../.."
 python=/usr/bin/python3
 packages=/usr/lib/python3/dist-packages
 need g++ g++ cmake cmake make make $python python3 \
-    $packages/numpy python3-numpy $packages/pytest python3-pytest $packages/mypy python3-mypy
+    /usr/include/pybind11/pybind11.h pybind11-dev /usr/include/python3.11/Python.h python3-dev \
+    $packages/numpy python3-numpy $packages/pandas python3-pandas $packages/scipy python3-scipy \
+    $packages/networkx python3-networkx $packages/igraph python3-igraph $packages/tqdm python3-tqdm \
+    $packages/pytest python3-pytest $packages/mypy python3-mypy
 
 cmake --preset python >/dev/null
 cmake --build --preset python

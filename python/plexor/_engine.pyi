@@ -1,0 +1,46 @@
+# SPDX-License-Identifier: MIT
+from collections.abc import Callable
+from typing import Any
+
+import numpy as np
+import numpy.typing as npt
+
+_Numbers = npt.NDArray[np.uint32]
+_Ints = npt.NDArray[np.int64]
+_Floats = npt.NDArray[np.float64]
+
+version: str
+
+class Search:
+    def __init__(
+        self,
+        source: _Numbers,
+        target: _Numbers,
+        weight: _Floats | None,
+        n_nodes: int,
+        directed: bool,
+        lower: float | None,
+        upper: float | None,
+        intensity: float | None,
+        time_limit: float | None,
+        progress: Callable[[int, int], None] | None,
+    ) -> None: ...
+    @property
+    def n_exact_cliques(self) -> int: ...
+    @property
+    def largest(self) -> int: ...
+    def nodes(self) -> _Numbers: ...
+    def links(self) -> tuple[_Numbers, _Numbers, _Floats]: ...
+    def cliques(self) -> tuple[_Numbers, _Ints]: ...
+    def at(self, k: int) -> dict[str, Any]: ...
+    def links_at(self, k: int) -> tuple[_Numbers, _Numbers, _Ints]: ...
+
+def community_graph(
+    members: _Numbers, offsets: _Ints, n_exact: int, n_nodes: int
+) -> tuple[_Ints, _Ints, _Ints]: ...
+def count(
+    members: _Numbers, offsets: _Ints, n_exact: int, n_nodes: int, part: str
+) -> dict[str, tuple[_Ints, _Ints]]: ...
+def links_outside_triangles(source: _Numbers, target: _Numbers, n_nodes: int) -> _Ints: ...
+def number_nodes(source: _Ints, target: _Ints) -> tuple[_Ints, _Numbers, _Numbers]: ...
+def read_links(path: bytes, weighted: bool) -> tuple[list[bytes], _Numbers, _Numbers, _Floats]: ...

@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: MIT
+// What the Python module wants of the engine: arrays in, arrays out. Everything that knows the
+// engine's own types stands in Engine_access.cpp; nothing here or there knows Python.
+//
+// Nodes are numbered from 0 on this side, the way arrays are.
+#ifndef PLEXOR_ENGINE_ACCESS_H
+#define PLEXOR_ENGINE_ACCESS_H
+
+#include <cstddef>
+#include <cstdint>
+#include <exception>
+#include <memory>
+#include <optional>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace plexor_access {
+
+using Number = std::uint32_t;
+using Integer = std::int64_t;
+
+/// An array that keeps itself alive: a view of memory and whoever owns it.
+template <class T> struct Array {
+    std::shared_ptr<void const> owner;
+    T* data = nullptr;
+    std::size_t size = 0;
+
+    Array() = default;
+    explicit Array(std::vector<T> values) {
+        auto const kept = std::make_shared<std::vector<T>>(std::move(values));
+        data = kept->data();
+        size = kept->size();
+        owner = kept;
+    }
+    std::span<T const> View() const { return {data, size}; }
+};
+
+/// Lists one behind the other: list i is members[offsets[i]] to members[offsets[i + 1]].
+struct Lists {
+    Array<Number> members;
+    Array<Integer> offsets;
+};
+
+/// Links between nodes below n_nodes, in the order in which they were given. `weights` has one a
+/// link, or is empty.
+struct Links_in {
+    std::span<Number const> source;
+    std::span<Number const> target;
+    std::span<double const> weight;
+    std::size_t n_nodes = 0;
+};
+
+struct Question {
+    bool directed = false;
+    std::optional<double> lower; ///< weights not above it are left out
+    std::optional<double> upper; ///< weights not below it are left out
+    std::optional<double> intensity;
+    std::optional<double> time_limit; ///< seconds of processor time an attempt at a node
+    bool Weighted() const { return lower || upper || intensity; }
+};
+
+/// Told what happens, from the thread that computes. What a function throws ends the computation
+/// and arrives at the caller.
+class Watcher {
+public:
+    virtual ~Watcher() = default;
+    /// Called every few milliseconds of work.
+    virtual void Tick() {}
+    /// The search has `to_do` of `total` nodes before it.
+    virtual void Searching(std::uint64_t /*to_do*/, std::uint64_t /*total*/) {}
+};
+
+/// The engine cannot do what it is asked for, and says why.
+class Engine_error : public std::runtime_error {
+public:
+    enum class Kind { refused, file_not_found, unreadable_file, wrong_line };
+    Engine_error(Kind kind, std::string const& text) : std::runtime_error(text), kind_(kind) {}
+    Kind What_kind() const { return kind_; }
+
+private:
+    Kind kind_;
+};
+
+/// The links of a search: ascending by (source, target) as the nodes were numbered on the way in,
+/// each once with the sum of its weights; here by the search's own numbers.
+struct Links_out {
+    Array<Number> source;
+    Array<Number> target;
+    Array<double> weight; ///< empty when no weights were asked for
+};
+
+/// The communities at one k, the exact ones first.
+struct Level {
+    Lists nodes;     ///< ascending
+    Lists cliques;   ///< numbers of cliques, in the order in which they joined
+    Lists k_cliques; ///< with an intensity, instead of cliques
+    std::size_t n_exact = 0;
+};
+
+/// The links inside each community.
+struct Level_links {
+    Array<Number> source;
+    Array<Number> target;
+    Array<Integer> offsets;
+};
+
+/// Pairs of communities that share nodes, a < b, ascending.
+struct Overlaps {
+    Array<Integer> a;
+    Array<Integer> b;
+    Array<Integer> shared;
+};
+
+struct Counts {
+    Array<Integer> values; ///< ascending
+    Array<Integer> counts;
+};
+
+struct Distributions {
+    Counts membership;
+    Counts size;
+    Counts overlap;
+    Counts degree;
+};
+
+enum class Part { all, exact, approximated };
+
+/// One search of one network, and the levels that follow from it. Calls from several threads are
+/// taken one after the other. Memory that runs out is std::bad_alloc.
+class Search {
+public:
+    /// Numbers the nodes that keep a link, in the order in which the links name them when sorted by
+    /// (source, target), and finds all maximal cliques of three nodes or more.
+    Search(Links_in const& links, Question const& question, Watcher& watcher);
+    ~Search();
+
+    /// Node of the search -> node on the way in.
+    Array<Number> Nodes() const;
+    Links_out Links() const;
+    /// Ascending sets, the exact ones first.
+    Lists Cliques() const;
+    std::size_t N_exact_cliques() const;
+    Number Largest() const;
+
+    /// The communities at k, 2 or more.
+    Level At(Number k, Watcher& watcher);
+    /// Their links. Found again with the communities, unless k was the last one asked for.
+    Level_links Links_at(Number k, Watcher& watcher);
+
+private:
+    struct Inside;
+    std::unique_ptr<Inside> inside_;
+};
+
+/// The community graph of the node sets of a level, of which the first `n_exact` are exact, in a
+/// search of `n_nodes` nodes.
+Overlaps Community_graph(Lists const& nodes, std::size_t n_exact, std::size_t n_nodes);
+/// Their distributions.
+Distributions Count(Lists const& nodes, std::size_t n_exact, std::size_t n_nodes, Part part);
+
+/// The links that are in no triangle, as positions into `links`, ascending: with links that are in
+/// no clique of three nodes they are the maximal cliques of two. Links are without direction, each
+/// given once, none of a node with itself.
+std::vector<Integer> Links_outside_triangles(std::span<Number const> source,
+                                             std::span<Number const> target, std::size_t n_nodes);
+
+/// Nodes by arbitrary numbers become 0, 1, 2, ... in the order in which the links name them.
+struct Numbered {
+    Array<Integer> nodes; ///< the number that each had
+    Array<Number> source;
+    Array<Number> target;
+};
+/// Throws Engine_error for more nodes than can be numbered.
+Numbered Number_nodes(std::span<Integer const> source, std::span<Integer const> target);
+
+/// The lines of a link file as given, read as the program reads them.
+struct File_links {
+    std::vector<std::string> names; ///< in the order of their bytes
+    Array<Number> source;
+    Array<Number> target;
+    Array<double> weight; ///< empty unless asked for
+};
+/// Throws Engine_error with the program's own message.
+File_links Read_links(std::string const& path, bool weighted);
+
+/// The version of Plexor.
+std::string_view Version();
+
+} // namespace plexor_access
+
+#endif

@@ -1,0 +1,238 @@
+// SPDX-License-Identifier: MIT
+// The module plexor._engine: Engine_access for Python. Arrays go in and out without a copy where
+// their types fit. The interpreter is free while the engine works; a watcher takes it back for a
+// moment, to look for Ctrl-C and to move a bar.
+#include "Engine_access.h"
+
+#include <pybind11/numpy.h>
+#include <pybind11/pybind11.h>
+#include <pybind11/stl.h>
+
+#include <chrono>
+
+namespace py = pybind11;
+using namespace plexor_access;
+
+namespace {
+
+template <class T> using In = py::array_t<T, py::array::c_style | py::array::forcecast>;
+
+template <class T> std::span<T const> View(In<T> const& array) {
+    return {array.data(), static_cast<std::size_t>(array.size())};
+}
+
+// The array itself; its memory lives as long as the NumPy array does. Nobody may write into it:
+// several arrays of Python can be views of one.
+template <class T> py::array_t<T> Out(Array<T> const& array) {
+    auto const owner = new std::shared_ptr<void const>(array.owner);
+    py::capsule const capsule(
+        owner, [](void* kept) { delete static_cast<std::shared_ptr<void const>*>(kept); });
+    py::array_t<T> out(static_cast<py::ssize_t>(array.size), array.data, capsule);
+    out.attr("setflags")(py::arg("write") = false);
+    return out;
+}
+
+py::tuple Out(Lists const& lists) {
+    return py::make_tuple(Out(lists.members), Out(lists.offsets));
+}
+
+py::tuple Out(Counts const& counts) {
+    return py::make_tuple(Out(counts.values), Out(counts.counts));
+}
+
+// Views of arrays that Python holds, and that outlive the call.
+Lists Borrowed(In<Number> const& members, In<Integer> const& offsets) {
+    Lists lists;
+    lists.members.data = const_cast<Number*>(members.data());
+    lists.members.size = static_cast<std::size_t>(members.size());
+    lists.offsets.data = const_cast<Integer*>(offsets.data());
+    lists.offsets.size = static_cast<std::size_t>(offsets.size());
+    return lists;
+}
+
+// Looks for signals, and passes progress on to a function of (done, total), which may be None.
+class Python_watcher : public Watcher {
+public:
+    explicit Python_watcher(py::object progress) : progress_(std::move(progress)) {}
+
+    void Tick() override {
+        auto const now = Steady::now();
+        if (now - last_tick_ < interval) {
+            return;
+        }
+        last_tick_ = now;
+        py::gil_scoped_acquire const hold;
+        if (PyErr_CheckSignals() != 0) {
+            throw py::error_already_set();
+        }
+    }
+    void Searching(std::uint64_t to_do, std::uint64_t total) override {
+        Tick();
+        if (progress_.is_none() || last_tick_ == last_shown_) {
+            return;
+        }
+        last_shown_ = last_tick_;
+        py::gil_scoped_acquire const hold;
+        progress_(total - to_do, total);
+    }
+
+private:
+    using Steady = std::chrono::steady_clock;
+    static constexpr std::chrono::milliseconds interval{20};
+
+    py::object progress_;
+    Steady::time_point last_tick_{};
+    Steady::time_point last_shown_{};
+};
+
+// The exceptions are those of plexor.errors.
+void Throw_as_Python(Engine_error const& error) {
+    py::module_ const errors = py::module_::import("plexor.errors");
+    char const* name = "PlexorError";
+    switch (error.What_kind()) {
+    case Engine_error::Kind::refused:
+        break;
+    case Engine_error::Kind::file_not_found:
+        name = "LinkFileNotFoundError";
+        break;
+    case Engine_error::Kind::unreadable_file:
+    case Engine_error::Kind::wrong_line:
+        name = "LinkFileError";
+        break;
+    }
+    // A line of a link file may hold any bytes.
+    py::object const text = py::reinterpret_steal<py::object>(PyUnicode_DecodeUTF8(
+        error.what(), static_cast<py::ssize_t>(std::char_traits<char>::length(error.what())),
+        "surrogateescape"));
+    PyErr_SetObject(errors.attr(name).ptr(), text.ptr());
+}
+
+std::unique_ptr<Search> Make_search(In<Number> const& source, In<Number> const& target,
+                                    std::optional<In<double>> const& weight, std::size_t n_nodes,
+                                    bool directed, std::optional<double> lower,
+                                    std::optional<double> upper, std::optional<double> intensity,
+                                    std::optional<double> time_limit, py::object progress) {
+    Links_in const links{View(source), View(target),
+                         weight ? View(*weight) : std::span<double const>(), n_nodes};
+    Question const question{directed, lower, upper, intensity, time_limit};
+    Python_watcher watcher(std::move(progress));
+    py::gil_scoped_release const release;
+    return std::make_unique<Search>(links, question, watcher);
+}
+
+py::dict At(Search& search, Number k) {
+    Python_watcher watcher{py::none()};
+    Level level;
+    {
+        py::gil_scoped_release const release;
+        level = search.At(k, watcher);
+    }
+    py::dict out;
+    out["nodes"] = Out(level.nodes);
+    out["cliques"] = Out(level.cliques);
+    out["k_cliques"] = Out(level.k_cliques);
+    out["n_exact"] = level.n_exact;
+    return out;
+}
+
+py::tuple Links_at(Search& search, Number k) {
+    Python_watcher watcher{py::none()};
+    Level_links links;
+    {
+        py::gil_scoped_release const release;
+        links = search.Links_at(k, watcher);
+    }
+    return py::make_tuple(Out(links.source), Out(links.target), Out(links.offsets));
+}
+
+py::tuple Graph_of(In<Number> const& members, In<Integer> const& offsets, std::size_t n_exact,
+                   std::size_t n_nodes) {
+    Overlaps overlaps;
+    {
+        Lists const lists = Borrowed(members, offsets);
+        py::gil_scoped_release const release;
+        overlaps = Community_graph(lists, n_exact, n_nodes);
+    }
+    return py::make_tuple(Out(overlaps.a), Out(overlaps.b), Out(overlaps.shared));
+}
+
+py::dict Count_part(In<Number> const& members, In<Integer> const& offsets, std::size_t n_exact,
+                    std::size_t n_nodes, std::string const& part) {
+    Distributions distributions;
+    {
+        Lists const lists = Borrowed(members, offsets);
+        py::gil_scoped_release const release;
+        distributions = Count(lists, n_exact, n_nodes,
+                              part == "exact"  ? Part::exact
+                              : part == "appr" ? Part::approximated
+                                               : Part::all);
+    }
+    py::dict out;
+    out["membership"] = Out(distributions.membership);
+    out["size"] = Out(distributions.size);
+    out["overlap"] = Out(distributions.overlap);
+    out["degree"] = Out(distributions.degree);
+    return out;
+}
+
+py::tuple Read(std::string const& path, bool weighted) {
+    File_links links;
+    {
+        py::gil_scoped_release const release;
+        links = Read_links(path, weighted);
+    }
+    py::list names(links.names.size());
+    for (std::size_t i = 0; i < links.names.size(); ++i) {
+        names[i] = py::bytes(links.names[i]);
+    }
+    return py::make_tuple(names, Out(links.source), Out(links.target), Out(links.weight));
+}
+
+} // namespace
+
+PYBIND11_MODULE(_engine, module) {
+    module.doc() = "The engine of Plexor. Use the package `plexor`.";
+    module.attr("version") = std::string(Version());
+    py::register_exception_translator([](std::exception_ptr thrown) {
+        try {
+            if (thrown) {
+                std::rethrow_exception(thrown);
+            }
+        } catch (Engine_error const& error) {
+            Throw_as_Python(error);
+        }
+    });
+    py::class_<Search>(module, "Search")
+        .def(py::init(&Make_search), py::arg("source"), py::arg("target"), py::arg("weight"),
+             py::arg("n_nodes"), py::arg("directed"), py::arg("lower"), py::arg("upper"),
+             py::arg("intensity"), py::arg("time_limit"), py::arg("progress"))
+        .def("nodes", [](Search const& search) { return Out(search.Nodes()); })
+        .def("links",
+             [](Search const& search) {
+                 Links_out const links = search.Links();
+                 return py::make_tuple(Out(links.source), Out(links.target), Out(links.weight));
+             })
+        .def("cliques", [](Search const& search) { return Out(search.Cliques()); })
+        .def_property_readonly("n_exact_cliques", &Search::N_exact_cliques)
+        .def_property_readonly("largest", &Search::Largest)
+        .def("at", &At, py::arg("k"))
+        .def("links_at", &Links_at, py::arg("k"));
+    module.def("community_graph", &Graph_of, py::arg("members"), py::arg("offsets"),
+               py::arg("n_exact"), py::arg("n_nodes"));
+    module.def("count", &Count_part, py::arg("members"), py::arg("offsets"), py::arg("n_exact"),
+               py::arg("n_nodes"), py::arg("part"));
+    module.def(
+        "links_outside_triangles",
+        [](In<Number> const& source, In<Number> const& target, std::size_t n_nodes) {
+            return Out(Array(Links_outside_triangles(View(source), View(target), n_nodes)));
+        },
+        py::arg("source"), py::arg("target"), py::arg("n_nodes"));
+    module.def(
+        "number_nodes",
+        [](In<Integer> const& source, In<Integer> const& target) {
+            Numbered const numbered = Number_nodes(View(source), View(target));
+            return py::make_tuple(Out(numbered.nodes), Out(numbered.source), Out(numbered.target));
+        },
+        py::arg("source"), py::arg("target"));
+    module.def("read_links", &Read, py::arg("path"), py::arg("weighted"));
+}
