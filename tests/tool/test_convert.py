@@ -32,7 +32,7 @@ EDGES = [
     ("Bob", "a,b;c", 2.0),
     ("50%", "Bob", 1e22),
 ]
-LINK_FILE = """# plexor: names are escaped
+LINK_FILE = """# plexor: names are escaped as %XX
 Ann%20Lee Bob 4
 Ann%20Lee Łódź 3.5
 Bob Łódź 0.125
@@ -89,7 +89,7 @@ def test_one_network_with_names_and_weights(
     assert outcome.status == 0, outcome.said
     if name in UNORDERED:
         assert as_set(outcome.out) == as_set(LINK_FILE)
-        assert outcome.out.startswith(b"# plexor: names are escaped\n")
+        assert outcome.out.startswith(b"# plexor: names are escaped as %XX\n")
     else:
         assert outcome.out == LINK_FILE
 
@@ -237,7 +237,7 @@ PIECES = st.lists(
     st.sampled_from(
         [b"a", b"b", b"1", b"2", b"3", b"0.5", b"1,5", b" ", b" ", b"\t", b",", b";", b"\n", b"\n"]
         + [b'"', b"#", b"%", b"\r\n", b"*Vertices 2\n", b"graph [", b"node [ id 1 ]", b"]"]
-        + [b"source", b"target", b"% sym\n", b"# plexor: names are escaped\n", b"%41", b"\xff"]
+        + [b"source", b"target", b"% sym\n", b"# plexor: names are escaped as %XX\n", b"%41", b"\xff"]
         + [b"%%MatrixMarket matrix coordinate real general\n", b"<graphml>", b"*Edges\n", b"pp"]
     ),
     max_size=30,

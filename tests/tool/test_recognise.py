@@ -115,7 +115,7 @@ READ = {
     ),
     "escaped names": (
         "net.txt",
-        b"# plexor: names are escaped\nNew%20York %231\n% 50%25\n",
+        b"# plexor: names are escaped as %XX\nNew%20York %231\n% 50%25\n",
         [("New York", "#1"), ("", "50%")],
     ),
     "percent signs without the marker": (
@@ -211,10 +211,10 @@ REFUSED = {
         b" edge [ source 2 target 1 ] ]\n",
         "--weight-column none",
     ),
-    "a broken escape": ("x.txt", b"# plexor: names are escaped\na%2 b\n", "hexadecimal"),
+    "a broken escape": ("x.txt", b"# plexor: names are escaped as %XX\na%2 b\n", "hexadecimal"),
     "two escapes of one name": (
         "x.txt",
-        b"# plexor: names are escaped\n%41 b\nA c\n",
+        b"# plexor: names are escaped as %XX\n%41 b\nA c\n",
         "same name",
     ),
     "only a header": ("x.csv", b"source,target\n", "no link"),
@@ -333,7 +333,7 @@ def test_what_was_done_is_said_with_counts(tmp_path: Path, in_process: Tool) -> 
     path = tmp_path / "net.csv"
     path.write_bytes(b"source,target\n\n# c\nann,bob\nann,ann\nbob,\nann,bob\n")
     outcome = in_process("convert", path)
-    assert outcome.out == b"# plexor: names are escaped\nann bob\nbob %\nann bob\n"
+    assert outcome.out == b"# plexor: names are escaped as %XX\nann bob\nbob %\nann bob\n"
     for sentence in (
         "line 1 is a header: source, target",
         "1 blank line passed over",

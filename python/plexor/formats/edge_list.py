@@ -2,17 +2,15 @@
 """Reads tables with a link a line: fields between blanks, tabs, commas or semicolons.
 
 What a line means is decided before (`plexor.formats.recognise`); here every line must agree with
-it, or reading ends with the line, the column and what to do.
+it, or reading ends with the line, the column and what to do. The compiled module reads the lines;
+`split_fields` cuts the few that recognition looks at, by the same rules.
 """
 
 from __future__ import annotations
 
-import io
 import re
-from array import array
 from dataclasses import dataclass
-
-import numpy as np
+from typing import Any
 
 from plexor.formats.escape import unescape
 from plexor.formats.table import FormatError, LinkTable
@@ -47,14 +45,6 @@ class Dialect:
     fields: int | None = None
     decimal_comma: bool = False
     escaped: bool = False
-
-
-@dataclass
-class _Counts:
-    comments: int = 0
-    blank_lines: int = 0
-    single_characters: int = 0
-    carriage_returns: int = 0
 
 
 def is_number(text: bytes, decimal_comma: bool = False) -> bool:
@@ -115,128 +105,70 @@ def _times(count: int, one: str, many: str) -> str:
 
 
 def read_edge_list(data: bytes, dialect: Dialect, format: str = "edge list") -> LinkTable:
-    """The links of a table, in its order.
+    """The links of a table, in its order. `data` must not hold a zero byte.
 
     Raises FormatError for the first line that does not agree with the dialect. Time and memory
     are proportional to the data.
     """
-    numbers: dict[bytes, int] = {}
-    source, target, weight = array("I"), array("I"), array("d")
-    counts = _Counts()
-    needed = max(dialect.source, dialect.target, dialect.weight or 0) + 1
-    header_pending = dialect.header
-    pending: list[bytes] = []  # lines that begin with a quoted field that has not ended yet
-    pending_line = pending_size = 0
-    comment = tuple(bytes([sign]) for sign in dialect.comment)
-    line_number = 0
+    from plexor import _engine
 
-    def node(field: bytes) -> int:
-        found = numbers.get(field)
-        if found is None:
-            found = numbers[field] = len(numbers)
-        return found
-
-    for line in io.BytesIO(data):
-        line_number += 1
-        at = line_number
-        if line.endswith(b"\n"):
-            line = line[:-1]
-        if line.endswith(b"\r"):
-            counts.carriage_returns += 1
-            line = line[:-1]
-        if len(line) > LONGEST_LINE:
-            raise FormatError(f"a line of {len(line):,} bytes; this is no table of links", at)
-        if pending:
-            at = pending_line
-            pending.append(line)
-            pending_size += len(line) + 1
-            if pending_size > LONGEST_LINE:
-                raise FormatError('a quotation mark (") that is never closed', at)
-            if b'"' not in line:
-                continue
-            line = b"\n".join(pending)
-            pending = []
-        else:
-            stripped = line.strip(_BLANKS)
-            if not stripped:
-                counts.blank_lines += 1
-                continue
-            if dialect.delimiter == b"\t":
-                stripped = line.strip(b" ")  # a tab at the beginning ends an empty field
-            if stripped.startswith(comment):
-                if (
-                    dialect.delimiter is not None
-                    and len(source)
-                    and not dialect.comment_decides
-                    and line.count(dialect.delimiter) + 1 == dialect.fields
-                ):
-                    sign = stripped[:1].decode()
-                    raise FormatError(
-                        f"begins with {sign} and has as many fields as a link: --comment '{sign}' "
-                        "passes over it, --comment none reads it",
-                        at,
-                    )
-                counts.comments += 1
-                continue
-            if stripped[:1] == b"%" and not dialect.comment_decides and not dialect.escaped:
-                raise FormatError(
-                    "begins with %: --comment '#%' passes over it, --comment '#' reads it", at
-                )
-            if dialect.delimiter is None and len(stripped) == 1:
-                counts.single_characters += 1
-                continue
-        try:
-            fields = split_fields(line, dialect.delimiter, dialect.quotes)
-        except ValueError as error:
-            raise FormatError(str(error), at) from None
-        if fields is None:
-            pending, pending_line, pending_size = [line], at, len(line)
-            continue
-        if header_pending:
-            header_pending = False
-            continue
-        if len(fields) < needed or (dialect.fields is not None and len(fields) != dialect.fields):
-            expected = needed if dialect.fields is None else dialect.fields
-            raise FormatError(
-                f"{_times(len(fields), 'field', 'fields')} where {expected} "
-                f"{'are' if expected > 1 else 'is'} expected; "
-                + (
-                    "--source-column, --target-column and --weight-column name those that count"
-                    if len(fields) > needed
-                    else "a link needs a source and a target"
-                    + (" and a weight" if dialect.weight is not None else "")
-                ),
-                at,
-            )
-        if dialect.weight is not None:
-            text = fields[dialect.weight]
-            if not is_number(text, dialect.decimal_comma):
-                shown = text.decode("utf-8", "replace")
-                hint = "--weight-column none reads no weights"
-                if not dialect.decimal_comma and is_number(text, True):
-                    hint = "--decimal , reads weights with a decimal comma"
-                raise FormatError(
-                    f"the weight '{shown}' is not a number; {hint}", at, dialect.weight + 1
-                )
-            weight.append(float(text.replace(b",", b".") if dialect.decimal_comma else text))
-        source.append(node(fields[dialect.source]))
-        target.append(node(fields[dialect.target]))
-    if pending:
-        raise FormatError('a quotation mark (") that is never closed', pending_line)
-    if weight and not np.isfinite(np.frombuffer(weight, dtype=np.float64)).all():
-        raise FormatError("a weight is too large for a double")
-    names = [name.decode("utf-8", "surrogateescape") for name in numbers]
+    read = _engine.read_edge_list(
+        data,
+        delimiter=dialect.delimiter or b"",
+        quotes=dialect.quotes,
+        comment=dialect.comment,
+        comment_decides=dialect.comment_decides,
+        header=dialect.header,
+        source=dialect.source,
+        target=dialect.target,
+        weight=dialect.weight,
+        fields=dialect.fields,
+        decimal_comma=dialect.decimal_comma,
+        escaped=dialect.escaped,
+    )
+    if read["failure"] is not None:
+        raise _refusal(dialect, *read["failure"])
+    names: list[str] = read["names"]
     if dialect.escaped:
         names = _unescaped(names)
     return LinkTable(
-        format,
-        names,
-        np.array(source, dtype=np.uint32),
-        np.array(target, dtype=np.uint32),
-        np.array(weight, dtype=np.float64) if dialect.weight is not None else None,
-        None,
-        _said(counts),
+        format, names, read["source"], read["target"], read["weight"], None, _said(read)
     )
+
+
+def _refusal(dialect: Dialect, fault: str, line: int, n_fields: int, text: bytes) -> FormatError:
+    """What to tell about a line that does not fit, and the option that decides."""
+    shown = text.decode("utf-8", "replace")
+    if fault == "n_fields":
+        return FormatError(_wrong_fields(dialect, n_fields), line)
+    if fault == "no_number":
+        hint = "--weight-column none reads no weights"
+        if not dialect.decimal_comma and is_number(text, True):
+            hint = "--decimal , reads weights with a decimal comma"
+        assert dialect.weight is not None
+        return FormatError(
+            f"the weight '{shown}' is not a number; {hint}", line, dialect.weight + 1
+        )
+    texts = {
+        "long_line": f"a line of more than {LONGEST_LINE:,} bytes; this is no table of links",
+        "open_quotation": 'a quotation mark (") that is never closed',
+        "text_behind_quotation": "something stands behind a closing quotation mark",
+        "comment_or_link": f"begins with {shown} and has as many fields as a link: --comment "
+        f"'{shown}' passes over it, --comment none reads it",
+        "percent_comment": "begins with %: --comment '#%' passes over it, --comment '#' reads it",
+        "too_large": f"the weight '{shown}' is too large for a double",
+    }
+    return FormatError(texts[fault], line)
+
+
+def _wrong_fields(dialect: Dialect, n_fields: int) -> str:
+    needed = max(dialect.source, dialect.target, dialect.weight or 0) + 1
+    expected = needed if dialect.fields is None else dialect.fields
+    what = f"{_times(n_fields, 'field', 'fields')} where {expected} are expected; "
+    if n_fields > needed:
+        return what + "--source-column, --target-column and --weight-column name those that count"
+    weight = " and a weight" if dialect.weight is not None else ""
+    return what + f"a link needs a source and a target{weight}"
 
 
 def _unescaped(names: list[str]) -> list[str]:
@@ -255,16 +187,22 @@ def _unescaped(names: list[str]) -> list[str]:
     return plain
 
 
-def _said(counts: _Counts) -> list[str]:
+def _said(read: dict[str, Any]) -> list[str]:
     said = []
-    if counts.comments:
-        said.append(f"{_times(counts.comments, 'comment line', 'comment lines')} passed over")
-    if counts.blank_lines:
-        said.append(f"{_times(counts.blank_lines, 'blank line', 'blank lines')} passed over")
-    if counts.single_characters:
-        many = _times(counts.single_characters, "line", "lines")
-        said.append(f"{many} of a single character passed over, as plexor does")
-    if counts.carriage_returns:
-        many = _times(counts.carriage_returns, "line ends", "lines end")
-        said.append(f"{many} in a carriage return, which belongs to no name")
+    for key, one, many in (
+        ("comments", "comment line passed over", "comment lines passed over"),
+        ("blank_lines", "blank line passed over", "blank lines passed over"),
+        (
+            "single_characters",
+            "line of a single character passed over, as plexor does",
+            "lines of a single character passed over, as plexor does",
+        ),
+        (
+            "carriage_returns",
+            "line ends in a carriage return, which belongs to no name",
+            "lines end in a carriage return, which belongs to no name",
+        ),
+    ):
+        if read[key]:
+            said.append(_times(read[key], one, many))
     return said

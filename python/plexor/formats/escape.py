@@ -15,7 +15,7 @@ from __future__ import annotations
 import re
 
 #: The comment line that says that the names of a link file are escaped.
-MARKER = "# plexor: names are escaped"
+MARKER = "# plexor: names are escaped as %XX"
 
 # White space as the link file's reader knows it, other control characters (a terminal should not
 # meet them), and the sign of the escapes itself.
