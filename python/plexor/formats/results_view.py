@@ -66,7 +66,7 @@ class View:
         if self.directed:
             return source, target, weight
         _, first, of = np.unique(
-            self.link_keys(source, target), return_index=True, return_inverse=True
+            self._pair_keys(source, target), return_index=True, return_inverse=True
         )
         order = np.sort(first)
         if weight is not None:
@@ -74,26 +74,24 @@ class View:
             weight = sums[np.argsort(first, kind="stable")]
         return source[order], target[order], weight
 
-    def link_keys(self, source: npt.NDArray[np.int64], target: npt.NDArray[np.int64]) -> Ints:
-        """A number for each link; in undirected runs the same for both directions."""
+    def _pair_keys(self, source: Ints, target: Ints) -> Ints:
+        """A number for each link, the same for both directions."""
         size = np.int64(max(1, len(self.names)))
-        low, high = source, target
-        if not self.directed:
-            low, high = np.minimum(source, target), np.maximum(source, target)
-        keys: Ints = low * size + high
+        keys: Ints = np.minimum(source, target) * size + np.maximum(source, target)
         return keys
 
     def link_communities(self, k: int) -> list[list[int]]:
-        """For each of `links` the communities at k that hold it."""
+        """For each of `links` the communities at k that hold it. Of a pair that is linked both ways
+        result files name one direction; both are in the community."""
         links = self.result[k].links
         of = np.repeat(np.arange(len(links)), np.diff(links.offsets))
-        keys = self.link_keys(links.source.astype(np.int64), links.target.astype(np.int64))
+        keys = self._pair_keys(links.source.astype(np.int64), links.target.astype(np.int64))
         # Intensity runs repeat links.
         pairs = np.unique(np.stack([keys, of], axis=1), axis=0) if len(keys) else np.zeros((0, 2))
         found: dict[int, list[int]] = {}
         for key, community in pairs.astype(np.int64).tolist():
             found.setdefault(key, []).append(community)
-        own = self.link_keys(self.links[0], self.links[1]).tolist()
+        own = self._pair_keys(self.links[0], self.links[1]).tolist()
         return [found.get(key, []) for key in own]
 
 
