@@ -68,7 +68,7 @@ def network(folder: Path, name: str) -> Path:
 CASES = [
     ("airports", "-k", "6"),
     ("airports", "-D", "-k", "4"),
-    ("airports", "-I", "28000", "-k", "4"),
+    ("airports", "-I", "60000", "-k", "4"),
     ("airports", "-w", "20000"),
     ("airports", "-t", "0.000000001", "-k", "5"),
     ("faculty",),

@@ -48,7 +48,7 @@ class ExportFormat:
 
 # Names that not every format can hold
 
-_NOT_IN_XML = re.compile("[\x00-\x08\x0b\x0c\x0e-\x1f\ud800-\udfff\ufffe\uffff]")
+_NOT_IN_XML = re.compile("[\x00-\x08\x0b-\x1f\ud800-\udfff\ufffe\uffff]")
 _NMTOKEN = re.compile(r"[\w.:-]+")
 _PLAIN_NUMBER = re.compile(r"[+-]?[0-9]+(\.[0-9]*)?([eE][+-]?[0-9]+)?")
 
