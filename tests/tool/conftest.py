@@ -26,7 +26,8 @@ class Outcome:
 
 
 def tool_environment() -> dict[str, str]:
-    return {**os.environ, "PYTHONPATH": str(ROOT / "python")}
+    path = f"{PROGRAM.parent}:{os.environ['PATH']}"
+    return {**os.environ, "PYTHONPATH": str(ROOT / "python"), "PATH": path}
 
 
 def run_tool(*arguments: str | Path, stdin: bytes = b"", cwd: Path | None = None) -> Outcome:
@@ -73,9 +74,13 @@ def run_plexor(program: Path, tmp_path_factory: pytest.TempPathFactory) -> Run:
 
 
 @pytest.fixture
-def in_process(capsysbinary: pytest.CaptureFixture[bytes]) -> Callable[..., Outcome]:
+def in_process(
+    capsysbinary: pytest.CaptureFixture[bytes], monkeypatch: pytest.MonkeyPatch
+) -> Callable[..., Outcome]:
     """plexor-tool without a process of its own: quick."""
     from plexor.tool.cli import main
+
+    monkeypatch.setenv("PATH", tool_environment()["PATH"])
 
     def run(*arguments: str | Path) -> Outcome:
         capsysbinary.readouterr()

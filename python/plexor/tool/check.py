@@ -8,12 +8,17 @@ import shlex
 
 import numpy as np
 
-from plexor.formats import LinkTable, Reading, escape
+from plexor.formats import LinkTable, Reading
 from plexor.formats.link_file import number_text
-from plexor.formats.escape import needs_escape
 from plexor.tool.console import Console, output_file, printable
 from plexor.tool.cost import Cost, different_pairs, estimate
-from plexor.tool.reading import add_reading_arguments, plural, read_network, repeated_links
+from plexor.tool.reading import (
+    add_reading_arguments,
+    plural,
+    read_network,
+    reasons_to_convert,
+    repeated_links,
+)
 
 # Estimated numbers of maximal cliques up to which a run is quick, and above which it may not end.
 _QUICK, _HOPELESS = 2e6, 6e7
@@ -118,7 +123,7 @@ def _reverse_advice(table: LinkTable) -> str:
 
 def _plexor_lines(reading: Reading) -> list[str]:
     """Whether `plexor -i FILE` reads the same links, and if not, why."""
-    reasons = _reasons_to_convert(reading)
+    reasons = reasons_to_convert(reading)
     lines = ["plexor"]
     shown = shlex.quote(reading.source.name)
     if not reasons:
@@ -128,50 +133,6 @@ def _plexor_lines(reading: Reading) -> list[str]:
     lines += [f"  - {reason}" for reason in reasons]
     lines.append(f"  plexor-tool convert {shown} -o links.txt   makes a file that it reads")
     return lines
-
-
-def _reasons_to_convert(reading: Reading) -> list[str]:
-    """What stands between the file and `plexor`, one sentence each; empty when nothing does."""
-    source, table = reading.source, reading.table
-    reasons = []
-    if source.name == "-":
-        reasons.append("it reads files only, not standard input")
-    if source.packed:
-        reasons.append("the file is packed by gzip")
-    if source.byte_order_mark:
-        reasons.append("the byte order mark would become part of the first name")
-    if reading.recognition.format not in ("edges", "links"):
-        reasons.append(f"the format is {table.format}: lines would be refused, or taken for links")
-        return reasons
-    dialect = reading.recognition.dialect
-    if dialect.header:
-        reasons.append("the header would become a link")
-    if dialect.delimiter is not None and dialect.delimiter != b"\t":
-        sign = dialect.delimiter.decode()
-        reasons.append(f"fields are separated by '{sign}', which it takes for a part of names")
-    columns = (dialect.source, dialect.target, dialect.weight)
-    if columns[:2] != (0, 1) or columns[2] not in (None, 2):
-        shown = ", ".join(str(column + 1) for column in columns if column is not None)
-        reasons.append(f"it reads the columns 1, 2 and 3; the network is in {shown}")
-    if b"%" in dialect.comment and not dialect.escaped:
-        reasons.append("comment lines that begin with % would become links")
-    elif dialect.comment != b"#":
-        reasons.append("it takes lines that begin with # for comments, and no others")
-    if dialect.quotes and b'"' in source.head:
-        reasons.append("quotation marks would become parts of names")
-    if dialect.decimal_comma:
-        reasons.append("of weights with a decimal comma it reads what stands before the comma")
-    if not dialect.escaped:
-        awkward = [name for name in table.names if needs_escape(name)]
-        if awkward:
-            reasons.append(
-                f"{plural(len(awkward), 'name')} cannot stand in a link file, the first is "
-                f"'{awkward[0]}' (written as {escape(awkward[0])})"
-            )
-    blank = [sentence for sentence in table.said if "blank line" in sentence]
-    if blank:
-        reasons.append("a blank line ends its reading with an error")
-    return reasons
 
 
 # Costs

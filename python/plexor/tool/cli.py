@@ -22,6 +22,7 @@ from plexor.tool.console import Console, ToolError, UsageError
 COMMANDS: dict[str, tuple[str, str]] = {
     "check": ("plexor.tool.check", "say what a network file is, what is in it, what a run costs"),
     "convert": ("plexor.tool.convert", "make a clean link file of a network file"),
+    "run": ("plexor.tool.run", "find the communities of a network, whatever its format"),
     "export": ("plexor.tool.export", "write the results of a run in another format"),
 }
 
