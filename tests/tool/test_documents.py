@@ -19,7 +19,7 @@ from conftest import PROGRAM, ROOT, tool_environment
 
 PAGE = (ROOT / "docs/formats-in-and-out.md").read_text(encoding="utf-8")
 # The commands whose manual pages and options are held against each other here.
-OURS = ["check", "convert", "export"]
+OURS = ["check", "convert", "run", "export"]
 
 
 def commands_of_the_page() -> list[tuple[str, str]]:
