@@ -248,8 +248,13 @@ def _link_file_dialect(lines: list[bytes], options: ReadOptions, escaped: bool) 
 def _is_metis(data: bytes) -> bool:
     """Whether the bytes are a METIS graph in every detail: counts, ranges, both directions."""
     first = re.match(rb"(?:\s*%[^\n]*\n)*[ \t]*([0-9]{1,12})[ \t]+[0-9]+[ \t01]*\r?\n", data)
-    # Links are many, so the count of lines settles nearly all files without reading them.
-    if first is None or data.count(b"\n") + 1 < int(first[1]):
+    if first is None:
+        return False
+    # The count of lines settles nearly all files without reading them. Blank lines at the end may
+    # be nodes; comments may be blanked in.
+    n_lines = data.rstrip().count(b"\n") + 1
+    n_comments = sum(data.count(sign) for sign in (b"\n%", b"\n %", b"\n\t%")) + 1
+    if not n_lines - n_comments <= int(first[1]) + 1 <= data.count(b"\n") + 1:
         return False
     try:
         return len(read_metis(data)) > 0
