@@ -2,19 +2,21 @@
 // What each stage of a run costs by itself, on networks made here. Every benchmark counts the work
 // it has done beside the time: a change of a counter is a change of the result.
 #include "Clique_find/Clique_find.h"
+#include "Coms_funcs/Adjacent_cliques.h"
 #include "Coms_funcs/Community_graph.h"
-#include "Coms_funcs/Overlap_index.h"
-#include "Coms_funcs/Pair_table.h"
+#include "Coms_funcs/Edge_numbering.h"
 #include "Coms_funcs/Percolation.h"
 #include "Networks.h"
-#include "Plexor_io/Convert_links.h"
+#include "Plexor_io/Console.h"
+#include "Plexor_io/Console_progress.h"
 #include "Plexor_io/Kiir_cliques.h"
 #include "Plexor_io/Kiir_com_graph.h"
 #include "Plexor_io/Kiir_coms.h"
-#include "Plexor_io/Link_lines.h"
+#include "Plexor_io/Link_writer.h"
 #include "Plexor_io/Read_links.h"
-#include "Types.h"
-#include "support/Console.h"
+#include "Plexor_io/Result_place.h"
+#include "graph/Convert_links.h"
+#include "graph/Types.h"
 
 #include <benchmark/benchmark.h>
 
@@ -44,10 +46,12 @@ public:
     Silent_console(Silent_console const&) = delete;
     Silent_console& operator=(Silent_console const&) = delete;
     Console& Get() { return console_; }
+    Progress& Told() { return progress_; }
 
 private:
     int descriptor_;
     Console console_;
+    Console_progress progress_{console_};
 };
 
 // A directory of its own, gone with the object.
@@ -110,12 +114,12 @@ struct Prepared {
         bench::Write_network(Make(kind), scratch.File("links"));
         Read_unw_links(scratch.File("links"), named);
         Convert_s_links(links, names, named, false);
-        Clique_find(cliques, links, silent.Get());
+        Clique_find(cliques, links, silent.Told());
         for (std::size_t c = 0; c < cliques.size(); ++c) {
             largest = std::max(largest, static_cast<std::uint32_t>(cliques[c].size()));
         }
         n_nodes = static_cast<Node>(names.size() - 1);
-        pairs = Pair_table(links, n_nodes, cliques, cliques.size());
+        edges = Edge_numbering(links, n_nodes, cliques, cliques.size());
         labels.emplace(names);
     }
 
@@ -126,7 +130,7 @@ struct Prepared {
     Names_map names;
     std::optional<Name_labels> labels;
     Set_list cliques;
-    Pair_table pairs;
+    Edge_numbering edges;
     std::uint32_t largest = 0;
     Node n_nodes = 0;
 };
@@ -177,39 +181,40 @@ void Clique_search(benchmark::State& state) {
     Set_list cliques;
     for (auto _ : state) {
         cliques.clear();
-        Clique_find(cliques, network.links, network.silent.Get());
+        Clique_find(cliques, network.links, network.silent.Told());
     }
     state.counters["cliques"] = Count(cliques.size());
     state.counters["members"] = Count(cliques.Total());
 }
 
 // The index alone: set up, and every clique listed as at the lowest level.
-void Overlap_setup(benchmark::State& state) {
+void Setting_up_adjacent_cliques(benchmark::State& state) {
     Prepared& network = Network_of(state);
     for (auto _ : state) {
-        Overlap_index index(network.cliques, network.n_nodes);
+        Ranked_cliques const ranked(network.cliques, network.n_nodes);
+        Adjacent_cliques index(ranked);
         index.Start_level(2, 3);
-        benchmark::DoNotOptimize(index.Is_claimed(0));
+        benchmark::DoNotOptimize(index.Is_visited(0));
     }
     state.counters["members"] = Count(network.cliques.Total());
 }
 
-// Every clique asked once for its unclaimed partners at k = 4, in the order of their numbers.
-void Overlap_partners(benchmark::State& state) {
+// Every clique asked once for its unvisited adjacent at k = 4, in the order of their numbers.
+void Visiting_adjacent_cliques(benchmark::State& state) {
     Prepared& network = Network_of(state);
-    Overlap_index index(network.cliques, network.n_nodes);
-    Flat_array<Partner> partners;
+    Ranked_cliques const ranked(network.cliques, network.n_nodes);
+    Adjacent_cliques index(ranked);
+    Flat_array<Adjacent_clique> adjacent;
     for (auto _ : state) {
         index.Start_level(3, 4);
-        partners.clear();
+        adjacent.clear();
         for (std::size_t c = 0; c < network.cliques.size(); ++c) {
             if (network.cliques[c].size() >= 4) {
-                index.Claim_partners({static_cast<Clique_number>(c), Overlap_index::all_new},
-                                     partners);
+                index.Visit_adjacent({static_cast<Clique_number>(c), all_new}, adjacent);
             }
         }
     }
-    state.counters["claimed"] = Count(partners.size());
+    state.counters["visited"] = Count(adjacent.size());
 }
 
 void Percolating_all_k(benchmark::State& state) {
@@ -218,7 +223,7 @@ void Percolating_all_k(benchmark::State& state) {
     Communities coms;
     for (auto _ : state) {
         Percolation percolation(network.cliques, network.cliques.size(), network.n_nodes,
-                                network.pairs);
+                                network.edges);
         n_communities = 0;
         for (std::uint32_t k = network.largest; k > 2; --k) {
             percolation.Coms_from_appr_ovlp_matr(coms, k);
@@ -231,12 +236,12 @@ void Percolating_all_k(benchmark::State& state) {
 // The communities at k = 3 with everything that writing them needs.
 struct Lowest_level {
     explicit Lowest_level(Prepared& network)
-        : percolation(network.cliques, network.cliques.size(), network.n_nodes, network.pairs),
-          lines(network.pairs, network.links, *network.labels) {
+        : percolation(network.cliques, network.cliques.size(), network.n_nodes, network.edges),
+          lines(network.edges, network.links, *network.labels) {
         percolation.Coms_from_appr_ovlp_matr(coms, 3);
     }
     Percolation percolation;
-    Link_lines lines;
+    Link_writer lines;
     Communities coms;
 };
 
@@ -245,14 +250,12 @@ void Links_of_communities(benchmark::State& state) {
     Prepared& network = Network_of(state);
     Lowest_level level(network);
     Text text;
-    Take_links const put_lines{
-        .numbers = [&](std::span<Link_number const> numbers) { level.lines.Put(numbers, text); },
-        .all_pairs = [&](Node_set nodes) { level.lines.Put_all_pairs(nodes, text); }};
+    Links_to_text lines(level.lines, text);
     std::int64_t bytes = 0;
     for (auto _ : state) {
         for (std::size_t i = 0; i < level.coms.size(); ++i) {
             text.Clear();
-            level.coms.links(i, put_lines);
+            level.coms.Visit_links(i, lines);
             benchmark::DoNotOptimize(text.View().data());
             bytes += static_cast<std::int64_t>(text.View().size());
         }
@@ -282,12 +285,22 @@ std::int64_t Bytes_below(std::string const& directory) {
     return static_cast<std::int64_t>(bytes);
 }
 
+// An empty place for results, of which nothing is timed.
+Result_place Emptied(std::string const& directory, benchmark::State& state) {
+    state.PauseTiming();
+    std::filesystem::remove_all(directory);
+    Result_place place(directory);
+    state.ResumeTiming();
+    return place;
+}
+
 void Writing_cliques(benchmark::State& state) {
     Prepared& network = Network_of(state);
     Scratch const out;
     for (auto _ : state) {
-        Kiir_cliques_PX(out.Path(), network.cliques, *network.labels, network.cliques.size(), "",
-                        "", network.silent.Get());
+        Result_place place = Emptied(out.Path(), state);
+        Run_files files{place, "", "", network.silent.Get()};
+        Kiir_cliques_PX(network.cliques, network.cliques.size(), *network.labels, files);
     }
     state.SetBytesProcessed(state.iterations() * Bytes_below(out.Path()));
 }
@@ -298,9 +311,11 @@ void Writing_communities(benchmark::State& state) {
     Scratch const out;
     Console& console = network.silent.Get();
     for (auto _ : state) {
-        Kiir_coms_PX(level.coms, out.Path(), 3, *network.labels, "", "", console);
-        Kiir_coms_cliques_PX(level.coms, out.Path(), 3, network.cliques.size(), "", "", console);
-        Kiir_com_links_PX(level.coms, out.Path(), 3, level.lines, "", "", console);
+        Result_place place = Emptied(out.Path(), state);
+        Run_files files{place, "", "", console};
+        Kiir_coms_PX(level.coms, *network.labels, {files, 3});
+        Kiir_coms_cliques_PX(level.coms, network.cliques.size(), {files, 3});
+        Kiir_com_links_PX(level.coms, level.lines, {files, 3});
     }
     state.SetBytesProcessed(state.iterations() * Bytes_below(out.Path()));
 }
@@ -311,8 +326,10 @@ void Writing_the_community_graph(benchmark::State& state) {
     Scratch const out;
     Community_graph graph;
     for (auto _ : state) {
+        Result_place place = Emptied(out.Path(), state);
         Prepare_community_graph(level.coms, graph);
-        Kiir_com_graph_PX(graph, level.coms.n_exact, out.Path(), 3, "", "", network.silent.Get());
+        Run_files files{place, "", "", network.silent.Get()};
+        Kiir_com_graph_PX(graph, level.coms.n_exact, {files, 3});
     }
     state.SetBytesProcessed(state.iterations() * Bytes_below(out.Path()));
 }
@@ -327,8 +344,8 @@ void Every_network(benchmark::internal::Benchmark* one) {
 BENCHMARK(Reading)->Apply(Every_network);
 BENCHMARK(Converting_links)->Apply(Every_network);
 BENCHMARK(Clique_search)->Apply(Every_network);
-BENCHMARK(Overlap_setup)->Apply(Every_network);
-BENCHMARK(Overlap_partners)->Apply(Every_network);
+BENCHMARK(Setting_up_adjacent_cliques)->Apply(Every_network);
+BENCHMARK(Visiting_adjacent_cliques)->Apply(Every_network);
 BENCHMARK(Percolating_all_k)->Apply(Every_network);
 BENCHMARK(Links_of_communities)->Apply(Every_network);
 BENCHMARK(Walking_the_community_graph)->Apply(Every_network);

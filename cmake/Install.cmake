@@ -6,30 +6,73 @@ include(GNUInstallDirs)
 
 set(plexor_doc_dir ${CMAKE_INSTALL_DATAROOTDIR}/doc/plexor)
 
+# Manual pages and change logs are packed, as distributions want them, without the time and name
+# that would make two builds differ. Without gzip they are installed as they are.
+find_program(PLEXOR_GZIP gzip)
+set(plexor_packed_dir ${PROJECT_BINARY_DIR}/packed)
+file(MAKE_DIRECTORY ${plexor_packed_dir})
+# Packs a file under a new name; leaves what is to be installed in ${result}.
+function(plexor_pack file name result)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})
+    set(packed ${plexor_packed_dir}/${name})
+    configure_file(${file} ${packed} COPYONLY)
+    if(PLEXOR_GZIP)
+        execute_process(COMMAND ${PLEXOR_GZIP} -9 -n -c ${packed} OUTPUT_FILE ${packed}.gz
+            COMMAND_ERROR_IS_FATAL ANY)
+        set(packed ${packed}.gz)
+    endif()
+    set(${result} ${packed} PARENT_SCOPE)
+endfunction()
+plexor_pack(${PROJECT_SOURCE_DIR}/docs/man/plexor.1 plexor.1 plexor_man_page)
+plexor_pack(${PROJECT_SOURCE_DIR}/CHANGELOG.md changelog plexor_changelog)
+plexor_pack(${PROJECT_SOURCE_DIR}/packaging/debian/changelog changelog.Debian
+    plexor_debian_changelog)
+
 install(TARGETS plexor RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(FILES docs/man/plexor.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-install(FILES packaging/completion/plexor
-    DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions)
+install(FILES ${plexor_man_page} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES packaging/completion/plexor.bash
+    DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions RENAME plexor)
+install(FILES packaging/completion/_plexor
+    DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/zsh/site-functions)
+install(FILES packaging/completion/plexor.fish
+    DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/fish/vendor_completions.d)
 # Debian looks for a package's licence under the name "copyright".
 install(FILES LICENSE DESTINATION ${plexor_doc_dir} RENAME copyright)
-install(FILES CHANGELOG.md DESTINATION ${plexor_doc_dir})
+install(FILES ${plexor_changelog} README.md CITATION.cff DESTINATION ${plexor_doc_dir})
+install(FILES docs/guide.md docs/formats.md docs/how-it-works.md docs/limits.md docs/performance.md
+    docs/us-airports.svg DESTINATION ${plexor_doc_dir}/docs)
+# Not github.txt.gz: it is packed already and larger than all else together.
+install(FILES examples/README.md examples/us-airports.txt examples/uk-faculty.txt
+    DESTINATION ${plexor_doc_dir}/examples)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME plexor)
 set(CPACK_PACKAGE_VENDOR "The Plexor developers")
 set(CPACK_PACKAGE_CONTACT "The Plexor developers")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY ${PROJECT_DESCRIPTION})
+# Debian's format: lines of 80 characters at most, "." for an empty one.
 set(CPACK_PACKAGE_DESCRIPTION
-    "Plexor reads a list of links and writes the k-clique communities of the network\
- as plain text files: groups of densely connected nodes that may share members.")
+"Plexor reads the links of a network from a text file and finds its k-clique
+communities: groups of densely connected nodes that may share members. It
+lists all maximal cliques of undirected or directed networks, and joins those
+that overlap in k-1 nodes, for every k or for one.
+.
+Weights can be used as thresholds of links or of whole k-cliques (intensity).
+A limit of processor time per node makes networks tractable that have too many
+cliques; what was approximated is marked. All results are plain text files.")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 # The packages that the program's shared libraries come from, asked of dpkg-shlibdeps.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+# What belongs in the Debian package alone, and times that do not depend on the day of the build.
+set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/Package_debian.cmake)
+set(CPACK_PLEXOR_DEBIAN_CHANGELOG ${plexor_debian_changelog})
+set(CPACK_PLEXOR_OVERRIDES ${PROJECT_SOURCE_DIR}/packaging/debian/overrides)
 include(CPack)

@@ -13,7 +13,7 @@ find_package(pybind11 2.10 CONFIG REQUIRED)
 
 file(GLOB plexor_python_sources CONFIGURE_DEPENDS python/src/*.cpp)
 pybind11_add_module(plexor_python NO_EXTRAS ${plexor_python_sources})
-target_link_libraries(plexor_python PRIVATE plexor_core)
+target_link_libraries(plexor_python PRIVATE plexor_io)
 # Other modules of the process may hold an engine of their own.
 target_link_options(plexor_python PRIVATE -Wl,--exclude-libs,ALL)
 # pybind11's headers are not held to our warnings.
@@ -22,3 +22,6 @@ set_target_properties(plexor_python PROPERTIES
     OUTPUT_NAME _engine
     LIBRARY_OUTPUT_DIRECTORY ${PLEXOR_PYTHON_DIR}
     CXX_VISIBILITY_PRESET hidden)
+
+# For setup.py: the module alone, into the folder that it makes a package of.
+install(TARGETS plexor_python LIBRARY DESTINATION plexor COMPONENT python_module EXCLUDE_FROM_ALL)

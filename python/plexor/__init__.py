@@ -11,21 +11,21 @@ NumPy.
 
 from typing import TYPE_CHECKING, Any
 
-from .errors import LinkFileError, LinkFileNotFoundError, PlexorError, ResultError
-from .results import (
-    Community,
-    CommunityGraph,
-    Level,
-    LinkList,
-    Links,
-    Parameters,
-    Result,
-    SetList,
-    load,
-)
-
 if TYPE_CHECKING:
+    from .errors import LinkFileError, LinkFileNotFoundError, PlexorError, ResultError
     from .network import Network
+    from .results import (
+        Community,
+        CommunityGraph,
+        Level,
+        LinkList,
+        Links,
+        Parameters,
+        Result,
+        SetList,
+        load,
+    )
+    from .running import RunSummary, run
     from .search import Cliques, find_cliques, find_communities, levels
 
     __version__: str
@@ -44,28 +44,42 @@ __all__ = [
     "PlexorError",
     "Result",
     "ResultError",
+    "RunSummary",
     "SetList",
     "find_cliques",
     "find_communities",
     "levels",
     "load",
+    "run",
 ]
 
-# What needs the compiled module is imported when it is first used: results can be read without it.
-_COMPILED = {
-    "Cliques": "search",
-    "Network": "network",
-    "find_cliques": "search",
-    "find_communities": "search",
-    "levels": "search",
+# Names are imported when they are first used: results can be read without the compiled module, and
+# NetworkX, which imports its backends, is not slowed down.
+_MODULES = {
+    "errors": ("LinkFileError", "LinkFileNotFoundError", "PlexorError", "ResultError"),
+    "network": ("Network",),
+    "results": (
+        "Community",
+        "CommunityGraph",
+        "Level",
+        "LinkList",
+        "Links",
+        "Parameters",
+        "Result",
+        "SetList",
+        "load",
+    ),
+    "running": ("RunSummary", "run"),
+    "search": ("Cliques", "find_cliques", "find_communities", "levels"),
 }
+_MODULE_OF = {name: module for module, names in _MODULES.items() for name in names}
 
 
 def __getattr__(name: str) -> Any:
     from importlib import import_module
 
-    if name in _COMPILED:
-        value = getattr(import_module(f".{_COMPILED[name]}", __name__), name)
+    if name in _MODULE_OF:
+        value = getattr(import_module(f".{_MODULE_OF[name]}", __name__), name)
     elif name == "__version__":
         value = import_module("._engine", __name__).version
     else:

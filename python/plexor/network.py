@@ -37,7 +37,8 @@ class Network:
 
     Nodes come back from results as the objects that they are here. When all of them are strings,
     nodes, cliques and communities have the numbers that the program gives them for a file of these
-    links; else they are numbered in the order in which the nodes are first named.
+    links; else they count in the order of `nodes`: as they are first named, or as they stand in
+    `names` or in the graph that they come from.
 
     `source`, `target`: integers, one a link. Without `names` each integer is a node; with `names`
     they are positions in it. `weight`: one number a link; it counts only where a question asks for

@@ -8,19 +8,24 @@ Nodes, cliques and communities are numbered from 0, as in the result files; node
 
 from __future__ import annotations
 
+import html
 import os
 import re
 from collections.abc import Iterator, Sequence
 from dataclasses import dataclass
 from functools import cached_property
 from pathlib import Path
-from typing import Any, NamedTuple, Protocol, overload
+from typing import TYPE_CHECKING, Any, NamedTuple, Protocol, overload
 
 import numpy as np
 import numpy.typing as npt
 
 from ._text import Ints, Names, Nodes, Text, Tokens
 from .errors import ResultError
+
+if TYPE_CHECKING:
+    import networkx
+    import pandas
 
 __all__ = [
     "ESCAPE_MARKER",
@@ -300,6 +305,88 @@ class Level(Sequence[Community]):
         """The four distributions, as their type describes them."""
         return self._data.distributions()
 
+    def memberships(self) -> dict[Any, list[int]]:
+        """The numbers of the communities of each node that is in one, ascending; the nodes in the
+        order of their numbers."""
+        found: dict[int, list[int]] = {}
+        for node, number in zip(self.nodes.members.tolist(), self.nodes.owners().tolist()):
+            found.setdefault(node, []).append(number)
+        names = self.names
+        return {names[node]: found[node] for node in sorted(found)}
+
+    def to_pandas(self) -> pandas.DataFrame:
+        """A row for each membership: `community` (its number), `node` (its name), `exact`. The rows
+        are ordered by community, then by the number of the node. Needs pandas."""
+        import pandas
+
+        owners = self.nodes.owners()
+        names = self.names
+        nodes = np.empty(len(owners), object)
+        nodes[:] = [names[i] for i in self.nodes.members.tolist()]
+        return pandas.DataFrame(
+            {"community": owners, "node": nodes, "exact": owners < self.n_exact}
+        )
+
+    def to_networkx(self) -> networkx.Graph:
+        """The network of the run as a NetworkX graph (a DiGraph where directed). Each node has the
+        numbers of its communities as the attribute `communities`, a list; links have their
+        `weight`, where weights were read. Needs NetworkX."""
+        import networkx
+
+        links, names = self.result.links, self.names
+        directed = self.result.parameters.directed
+        graph = networkx.DiGraph() if directed else networkx.Graph()
+        graph.add_nodes_from((name, {"communities": []}) for name in names)
+        ends = ((names[a], names[b]) for a, b in zip(links.source.tolist(), links.target.tolist()))
+        if links.weight is None:
+            graph.add_edges_from(ends)
+        else:
+            for (a, b), weight in zip(ends, links.weight.tolist()):
+                # Without direction a link and its reverse are one, with the sum of both.
+                before = graph.edges[a, b]["weight"] if graph.has_edge(a, b) else 0.0
+                graph.add_edge(a, b, weight=before + weight)
+        for name, numbers in self.memberships().items():
+            graph.nodes[name]["communities"] = numbers
+        return graph
+
+    def community_graph(self) -> networkx.Graph:
+        """The communities as a NetworkX graph: nodes are their numbers, with `size` and `exact`;
+        links join communities that share nodes, with `shared`, how many. Needs NetworkX."""
+        import networkx
+
+        graph = networkx.Graph()
+        for number, size in enumerate(self.nodes.sizes.tolist()):
+            graph.add_node(number, size=size, exact=number < self.n_exact)
+        for a, b, shared in zip(*(column.tolist() for column in self.graph)):
+            graph.add_edge(a, b, shared=shared)
+        return graph
+
+    def summary(self) -> dict[str, int]:
+        """The level in numbers: `k`, `communities`, `exact` (of these), `largest` and `second` (the
+        nodes of the two largest, 0 where there is none), `covered` (nodes in a community), `shared`
+        (nodes in two or more)."""
+        sizes = np.sort(self.nodes.sizes)[::-1].tolist() + [0, 0]
+        memberships = np.bincount(self.nodes.members.astype(np.int64), minlength=1)
+        return {
+            "k": self.k,
+            "communities": len(self),
+            "exact": self.n_exact,
+            "largest": sizes[0],
+            "second": sizes[1],
+            "covered": int(np.count_nonzero(memberships)),
+            "shared": int(np.count_nonzero(memberships > 1)),
+        }
+
+    def _repr_html_(self) -> str:
+        shown = 10
+        rows = [
+            [c.number, len(c), "yes" if c.exact else "approximated", _some_names(c)]
+            for c in self[:shown]
+        ]
+        more = f"<p>... and {len(self) - shown} more</p>" if len(self) > shown else ""
+        title = f"{len(self)} communities at k={self.k}"
+        return _html_table(title, ["community", "nodes", "exact", ""], rows) + more
+
     def __len__(self) -> int:
         return len(self.nodes)
 
@@ -375,6 +462,41 @@ class Result:
     def escaped(self) -> bool:
         """Whether the link file, as far as it is still there, says that its names are escaped."""
         return _has_escape_marker(self.parameters.input)
+
+    def to_pandas(self) -> pandas.DataFrame:
+        """A row for each membership: `k`, and the columns of Level.to_pandas. Needs pandas."""
+        import pandas
+
+        frames = []
+        for level in self:
+            frame = level.to_pandas()
+            frame.insert(0, "k", level.k)
+            frames.append(frame)
+        if not frames:
+            return pandas.DataFrame({"k": [], "community": [], "node": [], "exact": []})
+        return pandas.concat(frames, ignore_index=True)
+
+    def summary(self) -> dict[str, Any]:
+        """The result in numbers: `nodes`, `links` (as the run used them), `cliques`,
+        `exact_cliques`, `largest_clique` (its nodes), and `levels`, the summary of each."""
+        return {
+            "nodes": len(self.names),
+            "links": len(self.links.source),
+            "cliques": len(self.cliques),
+            "exact_cliques": self.n_exact_cliques,
+            "largest_clique": int(self.cliques.sizes.max(initial=0)),
+            "levels": [level.summary() for level in self],
+        }
+
+    def _repr_html_(self) -> str:
+        numbers = self.summary()
+        title = (
+            f"{numbers['nodes']} nodes, {numbers['links']} links, {numbers['cliques']} cliques, "
+            f"the largest of {numbers['largest_clique']} nodes"
+        )
+        columns = ["k", "communities", "exact", "largest", "second", "covered", "shared"]
+        rows = [[level[column] for column in columns] for level in numbers["levels"]]
+        return _html_table(title, columns, rows)
 
     def __getitem__(self, k: int) -> Level:
         if k not in self._levels:
@@ -669,6 +791,24 @@ def _has_escape_marker(link_file: str) -> bool:
 
 def _decoded(name: bytes) -> str:
     return name.decode("utf-8", "surrogateescape")
+
+
+def _some_names(community: Community) -> str:
+    shown = 8
+    names = community._level.names
+    first = ", ".join(str(names[i]) for i in community.members[:shown].tolist())
+    return first + (", ..." if len(community) > shown else "")
+
+
+def _html_table(title: str, columns: list[str], rows: list[list[Any]]) -> str:
+    def line(cells: list[Any], tag: str) -> str:
+        return "<tr>" + "".join(f"<{tag}>{html.escape(str(c))}</{tag}>" for c in cells) + "</tr>"
+
+    body = "".join(line(row, "td") for row in rows)
+    return (
+        f"<table><caption>{html.escape(title)}</caption>"
+        f"<thead>{line(columns, 'th')}</thead><tbody>{body}</tbody></table>"
+    )
 
 
 def _position(i: int, size: int) -> int:

@@ -6,7 +6,7 @@ from __future__ import annotations
 import math
 from collections.abc import Iterable, Iterator, Sequence
 from functools import cached_property
-from typing import Any, overload
+from typing import TYPE_CHECKING, Any, overload
 
 import numpy as np
 
@@ -139,12 +139,12 @@ def find_communities(
     else:
         ks = sorted({_checked_k(one) for one in k}, reverse=True)
     with Reporter(progress) as reporter:
-        result, search = _search(network, question, reporter)
+        result, engine = _search(network, question, reporter)
         if ks is None:
-            ks = list(range(search.largest, 2, -1))
+            ks = list(range(engine.largest, 2, -1))
         for done, one in enumerate(ks):
             reporter("levels", done, len(ks))
-            result._add_level(one, _EngineLevel(search, result, one))
+            result._add_level(one, _EngineLevel(engine.at(one), question.intensity is not None))
     return result[ks[0]] if isinstance(k, (int, np.integer)) else result
 
 
@@ -165,11 +165,11 @@ def levels(
 
 def _walk(network: Network, question: Parameters, progress: Progress) -> Iterator[Level]:
     with Reporter(progress) as reporter:
-        result, search = _search(network, question, reporter)
-        ks = range(search.largest, 2, -1)
+        result, engine = _search(network, question, reporter)
+        ks = range(engine.largest, 2, -1)
         for done, k in enumerate(ks):
             reporter("levels", done, len(ks))
-            yield Level(k, result, _EngineLevel(search, result, k))
+            yield Level(k, result, _EngineLevel(engine.at(k), question.intensity is not None))
 
 
 def _checked_k(k: Any) -> int:
@@ -240,11 +240,17 @@ def _check_weights(network: Network) -> None:
         raise ValueError(f"link {at}, from {link}, has no finite weight: {network.weight[at]}")
 
 
-def _search(
-    network: Network, question: Parameters, reporter: Reporter
-) -> tuple[Result, _engine.Search]:
+_SearchResult = tuple[Result, _engine.Search]
+
+
+def search(network: Network) -> _SearchResult:
+    """A plain search, and the engine's hold of it for what is to follow."""
+    return _search(network, Parameters(), Reporter(False))
+
+
+def _search(network: Network, question: Parameters, reporter: Reporter) -> _SearchResult:
     source, target = network._ends_in_order()
-    search = _engine.Search(
+    engine = _engine.Search(
         source,
         target,
         network.weight if question.weighted else None,
@@ -255,8 +261,7 @@ def _search(
         question.time_limit,
         reporter.cliques(),
     )
-    data = _EngineResult(network, search, question)
-    return Result(question, data, {}), search
+    return Result(question, _EngineResult(network, engine, question), {}), engine
 
 
 class _EngineResult:
@@ -280,52 +285,36 @@ class _EngineResult:
 
 
 class _EngineLevel:
-    """One k of a search. Its communities are found at once, the rest when it is asked for."""
+    """One k of a search. Links, graph and distributions are made when they are asked for."""
 
-    def __init__(self, search: _engine.Search, result: Result, k: int) -> None:
-        self._search = search
-        self._result = result
-        self._k = k
-        found = search.at(k)
-        self._nodes = SetList(*found["nodes"])
-        self._n_exact: int = found["n_exact"]
-        by_intensity = result.parameters.intensity is not None
-        self._cliques = None if by_intensity else SetList(*found["cliques"])
-        self._k_cliques = SetList(*found["k_cliques"]) if by_intensity else None
+    def __init__(self, level: _engine.Level, by_intensity: bool) -> None:
+        self._level = level
+        self._by_intensity = by_intensity
 
     def nodes(self) -> tuple[SetList, int]:
-        return self._nodes, self._n_exact
+        return SetList(*self._level.nodes()), self._level.n_exact
 
     def cliques(self) -> SetList | None:
-        return self._cliques
+        return None if self._by_intensity else SetList(*self._level.cliques())
 
     def k_cliques(self) -> SetList | None:
-        return self._k_cliques
+        return SetList(*self._level.k_cliques()) if self._by_intensity else None
 
     def links(self) -> LinkList:
-        return LinkList(*self._search.links_at(self._k))
+        return LinkList(*self._level.links())
 
     def graph(self) -> CommunityGraph:
-        nodes = self._nodes
-        return CommunityGraph(
-            *_engine.community_graph(
-                nodes.members, nodes.offsets, self._n_exact, len(self._result.names)
-            )
-        )
+        return CommunityGraph(*self._level.graph())
 
     def distributions(self) -> Distributions:
-        parts = ["all"] if self._n_exact == len(self._nodes) else ["merged", "exact", "appr"]
-        nodes = self._nodes
-        counts = {
-            part: _engine.count(
-                nodes.members, nodes.offsets, self._n_exact, len(self._result.names), part
-            )
-            for part in parts
-        }
+        nodes, n_exact = self.nodes()
+        parts = ["all"] if n_exact == len(nodes) else ["merged", "exact", "appr"]
+        counts = {part: self._level.count(part) for part in parts}
         return {
             what: {part: counts[part][what] for part in parts}
             for what in ("membership", "size", "overlap", "degree")
         }
 
 
-_: type[LevelData] = _EngineLevel
+if TYPE_CHECKING:
+    _level_data: type[LevelData] = _EngineLevel

@@ -8,7 +8,7 @@
 // Tested   tests/tool/test_edge_list.py, against a plain reader of a few lines.
 #include "Edge_list_reader.h"
 
-#include "Plexor_io/Name_interner.h"
+#include "graph/Name_interner.h"
 
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>

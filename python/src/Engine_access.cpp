@@ -2,17 +2,21 @@
 #include "Engine_access.h"
 
 #include "Clique_find/Appr_core_cliques.h"
+#include "Clique_find/Find_cliques.h"
 #include "Coms_funcs/Community_graph.h"
+#include "Coms_funcs/Edge_numbering.h"
 #include "Coms_funcs/Intensity_coms.h"
 #include "Coms_funcs/K_cliques.h"
-#include "Coms_funcs/Pair_table.h"
 #include "Coms_funcs/Percolation.h"
-#include "Coms_funcs/Stale_overlaps.h"
-#include "Find_cliques.h"
-#include "Link_order.h"
+#include "Coms_funcs/Premerge_overlaps.h"
+#include "Plexor_io/Console.h"
+#include "Plexor_io/Console_progress.h"
+#include "Plexor_io/Out_dir.h"
 #include "Plexor_io/Read_links.h"
-#include "Vertex_maps.h"
+#include "Plexor_io/Run.h"
+#include "graph/Link_order.h"
 #include "support/Errors.h"
+#include "support/Progress.h"
 #include "support/Version.h"
 
 #include <algorithm>
@@ -25,17 +29,32 @@ namespace plexor_access {
 
 namespace {
 
-// Nobody reads the reports of the searches here.
-class Silence : public cpm::Console {
+// Hands on what a search tells.
+class Told : public cpm::Progress {
 public:
-    Silence() : Console(-1) {}
+    explicit Told(Watcher& watcher) : watcher_(watcher) {}
+
+    void Tick() override { watcher_.Tick(); }
+    void Node_started(std::uint32_t to_do, std::uint32_t total) override {
+        watcher_.Searching(to_do, total);
+    }
+    void Node_overran(std::uint32_t, std::uint32_t, std::uint32_t) override { watcher_.Tick(); }
+    void K_clique_search_at(std::uint32_t, std::uint32_t) override { watcher_.Tick(); }
+    void K_cliques_joining_at(std::uint32_t, std::uint32_t) override { watcher_.Tick(); }
+
+private:
+    Watcher& watcher_;
 };
 
-double Thread_seconds() {
-    timespec now{};
-    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
+// The processor time of the thread: other threads of the process may be busy with other things.
+class Thread_clock : public cpm::Clock {
+public:
+    double Now() override {
+        timespec now{};
+        ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+        return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+    }
+};
 
 // The engine's nodes begin at 1, and its offsets have no sign.
 template <class List> Lists Shifted(List const& lists, Number by) {
@@ -87,32 +106,42 @@ void Select(cpm::Link_map& selected, Links_in const& links, Question const& ques
 
 } // namespace
 
-struct Search::Inside {
+struct Search_data {
     Question question;
-    std::mutex mutex; ///< the steps of a level leave their state here
     std::vector<Number> nodes; ///< node of the search -> node on the way in
-    cpm::Link_map selected;    ///< by nodes on the way in
+    cpm::Link_map selected;    ///< by nodes of the search
     cpm::Index_links links;
     cpm::Found_cliques found;
-    Silence silence;
-    cpm::Pair_table pairs;
-    std::vector<bool> turned; ///< by number of pair: only the link from the larger node is there
-    std::unique_ptr<cpm::Stale_overlaps> stale;
-    std::unique_ptr<cpm::Percolation> percolation;
-    // The last level.
-    Number last_k = 0; ///< 0: none
-    cpm::Communities coms;
-    cpm::K_clique_list k_cliques;
+
+    // Made with the first level, under the mutex; what a level changes is used under it only.
+    std::mutex mutex;
+    cpm::Edge_numbering edges;
+    std::vector<Number> smaller_ends; ///< by number of edge
+    std::vector<bool> reversed;       ///< likewise: only the link from the larger node is there
+    std::unique_ptr<cpm::Premerge_overlaps> premerge;
+    std::unique_ptr<cpm::Percolation> percolation; ///< none with an intensity
+    bool ready = false;
 
     cpm::Node N_nodes() const { return static_cast<cpm::Node>(nodes.size()); }
     void Number_links(std::size_t n_nodes);
-    void Find();
+    void Find(Watcher& watcher);
     void Prepare_levels();
-    void Go_to(Number k);
+    void Number_edges();
+};
+
+struct Level_data {
+    std::shared_ptr<Search_data const> search; ///< what links are made of refers to it
+    Lists nodes;
+    Lists cliques;
+    Lists k_cliques;
+    std::size_t n_exact = 0;
+    std::shared_ptr<cpm::Community_links const> links;
+
+    cpm::Communities Communities() const;
 };
 
 // As the program does it when it converts links.
-void Search::Inside::Number_links(std::size_t n_nodes) {
+void Search_data::Number_links(std::size_t n_nodes) {
     cpm::Flat_array<cpm::Node> number(n_nodes, 0);
     auto const number_of = [&](Number node) {
         if (number[node] == 0) {
@@ -137,181 +166,171 @@ void Search::Inside::Number_links(std::size_t n_nodes) {
     }
 }
 
-void Search::Inside::Find() {
-    cpm::Graph graph;
-    graph.directed = question.directed;
-    if (question.directed) {
-        Dir_vtx_map_from_link_map(graph.dir_vertices, links);
-    } else if (question.time_limit) {
-        Vtx_map_from_link_map(graph.vertices, links);
-    } else {
-        graph.links = &links;
-    }
-    Find_cliques(found, graph, question.time_limit, Thread_seconds, silence);
+void Search_data::Find(Watcher& watcher) {
+    cpm::Graph const graph =
+        Graph_of_links(links, question.directed, question.time_limit.has_value());
+    Thread_clock clock;
+    Told progress(watcher);
+    Find_cliques(found, graph, question.time_limit, clock, progress);
 }
 
-void Search::Inside::Prepare_levels() {
-    if (pairs.Firsts_end() != 0) {
+void Search_data::Prepare_levels() {
+    if (ready) {
         return;
     }
-    pairs = cpm::Pair_table(links, N_nodes(), found.cliques, found.n_exact);
-    std::size_t number = 0;
-    turned.assign(pairs.size(), false);
-    for (cpm::Node first = 0; first < pairs.Firsts_end(); ++first) {
-        for (cpm::Node const second : pairs.Seconds(first)) {
-            turned[number++] = links.Find({first, second}) == links.size();
+    edges = cpm::Edge_numbering(links, N_nodes(), found.cliques, found.n_exact);
+    Number_edges();
+    if (!question.intensity) {
+        if (found.before_merge) {
+            premerge = std::make_unique<cpm::Premerge_overlaps>(*found.before_merge, found.cliques,
+                                                                found.n_exact, N_nodes());
+        }
+        percolation = std::make_unique<cpm::Percolation>(found.cliques, found.n_exact, N_nodes(),
+                                                         edges, found.nested, premerge.get());
+    }
+    ready = true;
+}
+
+void Search_data::Number_edges() {
+    // Both the edges and the links are ascending, so one look at each is enough.
+    std::size_t next = 0;
+    auto const is_link = [&](cpm::Node_pair pair) {
+        while (next < links.size() && links.pairs[next] < pair) {
+            ++next;
+        }
+        return next < links.size() && links.pairs[next] == pair;
+    };
+    smaller_ends.reserve(edges.size());
+    reversed.reserve(edges.size());
+    for (cpm::Node first = 0; first < edges.Smaller_ends_end(); ++first) {
+        for (cpm::Node const second : edges.Larger_neighbours(first)) {
+            smaller_ends.push_back(first);
+            reversed.push_back(!is_link({first, second}));
         }
     }
-    if (question.intensity) {
-        return;
-    }
-    if (found.before_merge) {
-        stale = std::make_unique<cpm::Stale_overlaps>(*found.before_merge, found.cliques,
-                                                      found.n_exact, N_nodes());
-    }
-    percolation = std::make_unique<cpm::Percolation>(found.cliques, found.n_exact, N_nodes(), pairs,
-                                                     found.nested, stale.get());
-}
-
-void Search::Inside::Go_to(Number k) {
-    if (last_k == k) {
-        return;
-    }
-    last_k = 0;
-    Prepare_levels();
-    coms = cpm::Communities();
-    if (question.intensity) {
-        k_cliques = cpm::K_clique_list();
-        Generate_k_cls_from_cls(found.cliques, links, k_cliques, k, *question.intensity, silence);
-        Intensity_coms_from_k_cliques(k_cliques, coms, links, *question.intensity, silence);
-    } else {
-        percolation->Coms_from_appr_ovlp_matr(coms, k);
-    }
-    last_k = k;
 }
 
 Search::Search(Links_in const& links, Question const& question, Watcher& watcher)
-    : inside_(std::make_unique<Inside>()) {
-    inside_->question = question;
+    : data_(std::make_shared<Search_data>()) {
+    data_->question = question;
     watcher.Tick();
     try {
-        Select(inside_->selected, links, question);
-        inside_->Number_links(links.n_nodes);
-        inside_->Find();
+        Select(data_->selected, links, question);
+        data_->Number_links(links.n_nodes);
+        watcher.Tick();
+        data_->Find(watcher);
     } catch (cpm::Xerror_msg const& error) {
         Throw(error);
     }
     watcher.Tick();
 }
 
-Search::~Search() = default;
-
 Array<Number> Search::Nodes() const {
-    return Array(inside_->nodes);
+    return Array(data_->nodes);
 }
 
 Links_out Search::Links() const {
     std::vector<Number> source;
     std::vector<Number> target;
-    for (cpm::Node_pair const& link : inside_->selected.links) {
+    for (cpm::Node_pair const& link : data_->selected.links) {
         source.push_back(link.first - 1);
         target.push_back(link.second - 1);
     }
-    auto const& weights = inside_->selected.weights;
+    auto const& weights = data_->selected.weights;
     return {Array(std::move(source)), Array(std::move(target)),
             Array(std::vector<double>(weights.begin(), weights.end()))};
 }
 
 Lists Search::Cliques() const {
-    return Shifted(inside_->found.cliques, 1);
+    return Shifted(data_->found.cliques, 1);
 }
 
 std::size_t Search::N_exact_cliques() const {
-    return inside_->found.n_exact;
+    return data_->found.n_exact;
 }
 
 Number Search::Largest() const {
-    return Max_clique_size_in_cl_vec(inside_->found.cliques);
+    return Max_clique_size_in_cl_vec(data_->found.cliques);
 }
 
-Level Search::At(Number k, Watcher& watcher) {
-    std::lock_guard const lock(inside_->mutex);
+Level Search::At(Number k, Watcher& watcher) const {
+    std::lock_guard const lock(data_->mutex);
     watcher.Tick();
+    auto level = std::make_shared<Level_data>();
+    level->search = data_;
+    cpm::Communities coms;
     try {
-        inside_->Go_to(k);
-    } catch (cpm::Xerror_msg const& error) {
-        Throw(error);
-    }
-    watcher.Tick();
-    Level level;
-    level.nodes = Shifted(inside_->coms.nodes, 1);
-    level.n_exact = inside_->coms.n_exact;
-    if (inside_->question.intensity) {
-        level.k_cliques = From_k_cliques(inside_->k_cliques);
-    } else {
-        level.cliques = Shifted(inside_->coms.cliques, 0);
-    }
-    return level;
-}
-
-Level_links Search::Links_at(Number k, Watcher& watcher) {
-    std::lock_guard const lock(inside_->mutex);
-    watcher.Tick();
-    try {
-        inside_->Go_to(k);
-    } catch (cpm::Xerror_msg const& error) {
-        Throw(error);
-    }
-    cpm::Pair_table const& pairs = inside_->pairs;
-    std::vector<Number> firsts;
-    firsts.reserve(pairs.size());
-    for (cpm::Node first = 0; first < pairs.Firsts_end(); ++first) {
-        firsts.resize(firsts.size() + pairs.Seconds(first).size(), first);
-    }
-    std::vector<Number> source;
-    std::vector<Number> target;
-    std::vector<Integer> offsets{0};
-    auto const put = [&](Number number) {
-        Number first = firsts[number];
-        Number second = pairs.Second(number);
-        if (inside_->turned[number]) {
-            std::swap(first, second);
+        data_->Prepare_levels();
+        watcher.Tick();
+        if (auto const intensity = data_->question.intensity) {
+            Told progress(watcher);
+            cpm::K_clique_list k_cliques;
+            Generate_k_cls_from_cls(data_->found.cliques, data_->links, k_cliques, k, *intensity,
+                                    progress);
+            level->k_cliques = From_k_cliques(k_cliques);
+            Intensity_coms_from_k_cliques(std::move(k_cliques), coms, data_->links, *intensity,
+                                          progress);
+        } else {
+            data_->percolation->Coms_from_appr_ovlp_matr(coms, k);
+            level->cliques = Shifted(coms.cliques, 0);
         }
-        source.push_back(first - 1);
-        target.push_back(second - 1);
-    };
-    cpm::Take_links const take{
-        .numbers = [&](std::span<Number const> numbers) { std::ranges::for_each(numbers, put); },
-        .all_pairs =
-            [&](cpm::Node_set nodes) {
-                std::vector<Number> row;
-                for (std::size_t i = 0; i + 1 < nodes.size(); ++i) {
-                    row.clear();
-                    pairs.Append_numbers(nodes[i], nodes.subspan(i + 1), row);
-                    std::ranges::for_each(row, put);
-                }
-            }};
-    for (std::size_t i = 0; i < inside_->coms.size(); ++i) {
-        inside_->coms.links(i, take);
-        offsets.push_back(static_cast<Integer>(source.size()));
+    } catch (cpm::Xerror_msg const& error) {
+        Throw(error);
     }
     watcher.Tick();
-    return {Array(std::move(source)), Array(std::move(target)), Array(std::move(offsets))};
+    level->nodes = Shifted(coms.nodes, 1);
+    level->n_exact = coms.n_exact;
+    level->links = coms.links;
+    return Level(std::move(level));
+}
+
+Lists const& Level::Nodes() const {
+    return data_->nodes;
+}
+
+Lists const& Level::Cliques() const {
+    return data_->cliques;
+}
+
+Lists const& Level::K_cliques() const {
+    return data_->k_cliques;
+}
+
+std::size_t Level::N_exact() const {
+    return data_->n_exact;
 }
 
 namespace {
 
-cpm::Communities With_nodes(Lists const& nodes, std::size_t n_exact) {
-    cpm::Communities coms;
-    coms.n_exact = static_cast<std::uint32_t>(n_exact);
-    for (std::size_t i = 0; i + 1 < nodes.offsets.size; ++i) {
-        for (Integer at = nodes.offsets.data[i]; at < nodes.offsets.data[i + 1]; ++at) {
-            coms.nodes.Append(nodes.members.data[at] + 1);
+// Lists the links that it is handed.
+class Link_lister : public cpm::Link_visitor {
+public:
+    explicit Link_lister(Search_data const& search) : search_(search) {}
+
+    void Numbers(std::span<cpm::Link_number const> numbers) override {
+        for (cpm::Link_number const number : numbers) {
+            Number const first = search_.smaller_ends[number] - 1;
+            Number const second = search_.edges.Larger_end(number) - 1;
+            bool const reversed = search_.reversed[number];
+            source.push_back(reversed ? second : first);
+            target.push_back(reversed ? first : second);
         }
-        coms.nodes.Close_list();
     }
-    return coms;
-}
+    void All_pairs(cpm::Node_set nodes) override {
+        for (std::size_t i = 0; i + 1 < nodes.size(); ++i) {
+            row_.clear();
+            search_.edges.Append_numbers(nodes[i], nodes.subspan(i + 1), row_);
+            Numbers(row_);
+        }
+    }
+
+    std::vector<Number> source;
+    std::vector<Number> target;
+
+private:
+    Search_data const& search_;
+    std::vector<cpm::Link_number> row_;
+};
 
 Counts From(cpm::Distribution const& distribution) {
     std::vector<Integer> values;
@@ -331,14 +350,42 @@ cpm::Community_part From(Part part) {
 
 } // namespace
 
-Overlaps Community_graph(Lists const& nodes, std::size_t n_exact, std::size_t /*n_nodes*/) {
-    cpm::Communities const coms = With_nodes(nodes, n_exact);
+// The engine's own form of the level, for as long as something is made of it.
+cpm::Communities Level_data::Communities() const {
+    cpm::Communities coms;
+    coms.n_exact = static_cast<std::uint32_t>(n_exact);
+    coms.links = links;
+    for (std::size_t i = 0; i + 1 < nodes.offsets.size; ++i) {
+        for (Integer at = nodes.offsets.data[i]; at < nodes.offsets.data[i + 1]; ++at) {
+            coms.nodes.Append(nodes.members.data[at] + 1);
+        }
+        coms.nodes.Close_list();
+    }
+    return coms;
+}
+
+Level_links Level::Links(Watcher& watcher) const {
+    cpm::Communities const coms = data_->Communities();
+    Link_lister lister(*data_->search);
+    std::vector<Integer> offsets{0};
+    for (std::size_t i = 0; i < coms.size(); ++i) {
+        watcher.Tick();
+        coms.Visit_links(i, lister);
+        offsets.push_back(static_cast<Integer>(lister.source.size()));
+    }
+    return {Array(std::move(lister.source)), Array(std::move(lister.target)),
+            Array(std::move(offsets))};
+}
+
+Overlaps Level::Graph(Watcher& watcher) const {
+    cpm::Communities const coms = data_->Communities();
     cpm::Community_graph graph;
     Prepare_community_graph(coms, graph);
     std::vector<Integer> a;
     std::vector<Integer> b;
     std::vector<Integer> shared;
     graph.Walk([&](std::uint32_t community, std::span<cpm::Overlap const> row) {
+        watcher.Tick();
         for (cpm::Overlap const& overlap : row) {
             a.push_back(community);
             b.push_back(overlap.community);
@@ -348,12 +395,12 @@ Overlaps Community_graph(Lists const& nodes, std::size_t n_exact, std::size_t /*
     return {Array(std::move(a)), Array(std::move(b)), Array(std::move(shared))};
 }
 
-Distributions Count(Lists const& nodes, std::size_t n_exact, std::size_t n_nodes, Part part) {
-    cpm::Communities const coms = With_nodes(nodes, n_exact);
+Distributions Level::Count(Part part) const {
+    cpm::Communities const coms = data_->Communities();
     cpm::Community_graph graph;
     Prepare_community_graph(coms, graph);
     cpm::Community_distributions distributions;
-    Community_statistics(distributions, graph, From(part), static_cast<cpm::Node>(n_nodes));
+    Community_statistics(distributions, graph, From(part), data_->search->N_nodes());
     return {From(distributions.membership), From(distributions.size), From(distributions.overlap),
             From(distributions.degree)};
 }
@@ -391,9 +438,8 @@ std::vector<Integer> Links_outside_triangles(std::span<Number const> source,
         if (longer.size() < shorter.size()) {
             std::swap(shorter, longer);
         }
-        if (std::ranges::none_of(shorter, [&](Number node) {
-                return std::ranges::binary_search(longer, node);
-            })) {
+        if (std::ranges::none_of(
+                shorter, [&](Number node) { return std::ranges::binary_search(longer, node); })) {
             outside.push_back(static_cast<Integer>(i));
         }
     }
@@ -482,6 +528,107 @@ File_links Read_links(std::string const& path, bool weighted) {
     read.target = Array(std::move(target));
     read.weight = Array(std::vector<double>(links.weights.begin(), links.weights.end()));
     return read;
+}
+
+namespace {
+
+// Prints what the program prints, and tells the watcher. What the watcher throws is kept: to the
+// run it is a cancellation.
+class Told_and_printed : public cpm::Console_progress {
+public:
+    Told_and_printed(cpm::Console& console, Watcher& watcher)
+        : Console_progress(console), watcher_(watcher) {}
+
+    void Tick() override {
+        Console_progress::Tick();
+        Tell([&] { watcher_.Tick(); });
+    }
+    void Node_started(std::uint32_t to_do, std::uint32_t total) override {
+        Console_progress::Node_started(to_do, total);
+        Tell([&] { watcher_.Searching(to_do, total); });
+    }
+    void Level_began(std::uint32_t k, std::uint32_t largest) override {
+        Console_progress::Level_began(k, largest);
+        Tell([&] { watcher_.Tick(); });
+    }
+    void K_clique_search_at(std::uint32_t to_do, std::uint32_t total) override {
+        Console_progress::K_clique_search_at(to_do, total);
+        Tell([&] { watcher_.Tick(); });
+    }
+    void K_cliques_joining_at(std::uint32_t to_do, std::uint32_t total) override {
+        Console_progress::K_cliques_joining_at(to_do, total);
+        Tell([&] { watcher_.Tick(); });
+    }
+    void Rethrow() const {
+        if (thrown_) {
+            std::rethrow_exception(thrown_);
+        }
+    }
+
+private:
+    template <class Call> void Tell(Call const& call) {
+        try {
+            call();
+        } catch (...) {
+            thrown_ = std::current_exception();
+            throw cpm::Cancelled();
+        }
+    }
+
+    Watcher& watcher_;
+    std::exception_ptr thrown_;
+};
+
+cpm::Link_source Links_of(Named_links const& given, Question const& question) {
+    return [&given, &question](bool, cpm::Link_map& links) {
+        for (std::string const& name : given.names) {
+            links.names.Add(name);
+        }
+        Select(links, given.links, question);
+    };
+}
+
+cpm::Run_settings Settings_of(Run_request const& request) {
+    cpm::Run_settings settings;
+    Question const& question = request.question;
+    settings.directed = question.directed;
+    settings.intensity = question.intensity.has_value();
+    settings.intensity_threshold = question.intensity.value_or(0);
+    settings.time_limit_set = question.time_limit.has_value();
+    settings.time_limit = question.time_limit.value_or(0);
+    settings.k_given = request.k.has_value();
+    settings.k = request.k.value_or(0);
+    return settings;
+}
+
+} // namespace
+
+Run_report Run(Run_request const& request, std::optional<Named_links> const& links,
+               Watcher& watcher) {
+    Question const& question = request.question;
+    cpm::Run_settings const settings = Settings_of(request);
+    cpm::Input_request input;
+    input.input_file = request.input;
+    input.weights = {question.lower.has_value(), question.lower.value_or(0),
+                     question.upper.has_value(), question.upper.value_or(0)};
+    input.digits = request.digits;
+    input.out_dir = request.output;
+    cpm::Console console(request.log);
+    Told_and_printed progress(console, watcher);
+    cpm::Run_outcome outcome =
+        cpm::Run(settings, input, links ? Links_of(*links, question) : Links_of_file(input),
+                 progress, console);
+    console.Flush();
+    progress.Rethrow();
+    using Kind = cpm::Run_outcome::Kind;
+    if (outcome.kind == Kind::out_of_memory) {
+        throw std::bad_alloc();
+    }
+    if (outcome.kind != Kind::completed) {
+        throw Engine_error(Engine_error::Kind::refused, outcome.text);
+    }
+    return {Output_dir_name(input.input_file, input.weights, input.digits, input.out_dir, settings),
+            std::move(outcome.not_written)};
 }
 
 std::string_view Version() {

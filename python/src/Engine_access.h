@@ -92,14 +92,6 @@ struct Links_out {
     Array<double> weight; ///< empty when no weights were asked for
 };
 
-/// The communities at one k, the exact ones first.
-struct Level {
-    Lists nodes;     ///< ascending
-    Lists cliques;   ///< numbers of cliques, in the order in which they joined
-    Lists k_cliques; ///< with an intensity, instead of cliques
-    std::size_t n_exact = 0;
-};
-
 /// The links inside each community.
 struct Level_links {
     Array<Number> source;
@@ -128,6 +120,31 @@ struct Distributions {
 
 enum class Part { all, exact, approximated };
 
+struct Search_data; // what a search has found
+struct Level_data;  // what a level has to itself
+
+/// The communities at one k, the exact ones first. A value that never changes.
+class Level {
+public:
+    /// Ascending.
+    Lists const& Nodes() const;
+    /// Numbers of cliques, in the order in which they joined; without an intensity.
+    Lists const& Cliques() const;
+    /// With an intensity, instead of cliques.
+    Lists const& K_cliques() const;
+    std::size_t N_exact() const;
+    /// Made when asked for, all of them.
+    Level_links Links(Watcher& watcher) const;
+    Overlaps Graph(Watcher& watcher) const;
+    Distributions Count(Part part) const;
+
+private:
+    friend class Search;
+    explicit Level(std::shared_ptr<Level_data const> data) : data_(std::move(data)) {}
+
+    std::shared_ptr<Level_data const> data_;
+};
+
 /// One search of one network, and the levels that follow from it. Calls from several threads are
 /// taken one after the other. Memory that runs out is std::bad_alloc.
 class Search {
@@ -135,7 +152,6 @@ public:
     /// Numbers the nodes that keep a link, in the order in which the links name them when sorted by
     /// (source, target), and finds all maximal cliques of three nodes or more.
     Search(Links_in const& links, Question const& question, Watcher& watcher);
-    ~Search();
 
     /// Node of the search -> node on the way in.
     Array<Number> Nodes() const;
@@ -145,21 +161,12 @@ public:
     std::size_t N_exact_cliques() const;
     Number Largest() const;
 
-    /// The communities at k, 2 or more.
-    Level At(Number k, Watcher& watcher);
-    /// Their links. Found again with the communities, unless k was the last one asked for.
-    Level_links Links_at(Number k, Watcher& watcher);
+    /// The communities at k, 2 or more. Going down from the largest clique is the cheapest way.
+    Level At(Number k, Watcher& watcher) const;
 
 private:
-    struct Inside;
-    std::unique_ptr<Inside> inside_;
+    std::shared_ptr<Search_data> data_;
 };
-
-/// The community graph of the node sets of a level, of which the first `n_exact` are exact, in a
-/// search of `n_nodes` nodes.
-Overlaps Community_graph(Lists const& nodes, std::size_t n_exact, std::size_t n_nodes);
-/// Their distributions.
-Distributions Count(Lists const& nodes, std::size_t n_exact, std::size_t n_nodes, Part part);
 
 /// The links that are in no triangle, as positions into `links`, ascending: with links that are in
 /// no clique of three nodes they are the maximal cliques of two. Links are without direction, each
@@ -185,6 +192,28 @@ struct File_links {
 };
 /// Throws Engine_error with the program's own message.
 File_links Read_links(std::string const& path, bool weighted);
+
+/// A whole run of the program, with its files.
+struct Run_request {
+    Question question;
+    std::string input;                 ///< the link file; with `links` only its name
+    std::optional<std::string> output; ///< as behind -o
+    std::optional<Number> k;
+    unsigned digits = 6;
+    int log = -1; ///< the descriptor that gets what the program prints; -1: nobody does
+};
+/// Links in place of a link file, with the names of their nodes, ascending byte by byte.
+struct Named_links {
+    Links_in links;
+    std::span<std::string const> names;
+};
+struct Run_report {
+    std::string directory;                ///< of the results
+    std::vector<std::string> not_written; ///< files that could not be written whole
+};
+/// Throws Engine_error with the program's text for what ends the run.
+Run_report Run(Run_request const& request, std::optional<Named_links> const& links,
+               Watcher& watcher);
 
 /// The version of Plexor.
 std::string_view Version();

@@ -41,16 +41,6 @@ py::tuple Out(Counts const& counts) {
     return py::make_tuple(Out(counts.values), Out(counts.counts));
 }
 
-// Views of arrays that Python holds, and that outlive the call.
-Lists Borrowed(In<Number> const& members, In<Integer> const& offsets) {
-    Lists lists;
-    lists.members.data = const_cast<Number*>(members.data());
-    lists.members.size = static_cast<std::size_t>(members.size());
-    lists.offsets.data = const_cast<Integer*>(offsets.data());
-    lists.offsets.size = static_cast<std::size_t>(offsets.size());
-    return lists;
-}
-
 // Looks for signals, and passes progress on to a function of (done, total), which may be None.
 class Python_watcher : public Watcher {
 public:
@@ -121,52 +111,39 @@ std::unique_ptr<Search> Make_search(In<Number> const& source, In<Number> const& 
     return std::make_unique<Search>(links, question, watcher);
 }
 
-py::dict At(Search& search, Number k) {
+Level At(Search const& search, Number k) {
     Python_watcher watcher{py::none()};
-    Level level;
-    {
-        py::gil_scoped_release const release;
-        level = search.At(k, watcher);
-    }
-    py::dict out;
-    out["nodes"] = Out(level.nodes);
-    out["cliques"] = Out(level.cliques);
-    out["k_cliques"] = Out(level.k_cliques);
-    out["n_exact"] = level.n_exact;
-    return out;
+    py::gil_scoped_release const release;
+    return search.At(k, watcher);
 }
 
-py::tuple Links_at(Search& search, Number k) {
+py::tuple Links_of(Level const& level) {
     Python_watcher watcher{py::none()};
     Level_links links;
     {
         py::gil_scoped_release const release;
-        links = search.Links_at(k, watcher);
+        links = level.Links(watcher);
     }
     return py::make_tuple(Out(links.source), Out(links.target), Out(links.offsets));
 }
 
-py::tuple Graph_of(In<Number> const& members, In<Integer> const& offsets, std::size_t n_exact,
-                   std::size_t n_nodes) {
+py::tuple Graph_of(Level const& level) {
+    Python_watcher watcher{py::none()};
     Overlaps overlaps;
     {
-        Lists const lists = Borrowed(members, offsets);
         py::gil_scoped_release const release;
-        overlaps = Community_graph(lists, n_exact, n_nodes);
+        overlaps = level.Graph(watcher);
     }
     return py::make_tuple(Out(overlaps.a), Out(overlaps.b), Out(overlaps.shared));
 }
 
-py::dict Count_part(In<Number> const& members, In<Integer> const& offsets, std::size_t n_exact,
-                    std::size_t n_nodes, std::string const& part) {
+py::dict Count(Level const& level, std::string const& part) {
     Distributions distributions;
     {
-        Lists const lists = Borrowed(members, offsets);
         py::gil_scoped_release const release;
-        distributions = Count(lists, n_exact, n_nodes,
-                              part == "exact"  ? Part::exact
-                              : part == "appr" ? Part::approximated
-                                               : Part::all);
+        distributions = level.Count(part == "exact"  ? Part::exact
+                                    : part == "appr" ? Part::approximated
+                                                     : Part::all);
     }
     py::dict out;
     out["membership"] = Out(distributions.membership);
@@ -174,6 +151,41 @@ py::dict Count_part(In<Number> const& members, In<Integer> const& offsets, std::
     out["overlap"] = Out(distributions.overlap);
     out["degree"] = Out(distributions.degree);
     return out;
+}
+
+// The links are (source, target, weight or None, names as bytes), or None for the link file.
+py::tuple Whole_run(std::string const& input, std::optional<std::string> const& output,
+                    std::optional<Number> k, bool directed, std::optional<double> lower,
+                    std::optional<double> upper, std::optional<double> intensity,
+                    std::optional<double> time_limit, unsigned digits, int log,
+                    std::optional<py::tuple> const& links, py::object progress) {
+    Run_request const request{
+        {directed, lower, upper, intensity, time_limit}, input, output, k, digits, log};
+    In<Number> source;
+    In<Number> target;
+    In<double> weight;
+    std::vector<std::string> names;
+    std::optional<Named_links> named;
+    if (links) {
+        source = In<Number>((*links)[0]);
+        target = In<Number>((*links)[1]);
+        if (!py::object((*links)[2]).is_none()) {
+            weight = In<double>((*links)[2]);
+        }
+        names = (*links)[3].cast<std::vector<std::string>>();
+        named = {{View(source), View(target), View(weight), names.size()}, names};
+    }
+    Python_watcher watcher(std::move(progress));
+    Run_report report;
+    {
+        py::gil_scoped_release const release;
+        report = Run(request, named, watcher);
+    }
+    py::list not_written;
+    for (std::string const& path : report.not_written) {
+        not_written.append(py::bytes(path));
+    }
+    return py::make_tuple(py::bytes(report.directory), not_written);
 }
 
 py::tuple Read(std::string const& path, bool weighted) {
@@ -216,12 +228,15 @@ PYBIND11_MODULE(_engine, module) {
         .def("cliques", [](Search const& search) { return Out(search.Cliques()); })
         .def_property_readonly("n_exact_cliques", &Search::N_exact_cliques)
         .def_property_readonly("largest", &Search::Largest)
-        .def("at", &At, py::arg("k"))
-        .def("links_at", &Links_at, py::arg("k"));
-    module.def("community_graph", &Graph_of, py::arg("members"), py::arg("offsets"),
-               py::arg("n_exact"), py::arg("n_nodes"));
-    module.def("count", &Count_part, py::arg("members"), py::arg("offsets"), py::arg("n_exact"),
-               py::arg("n_nodes"), py::arg("part"));
+        .def("at", &At, py::arg("k"));
+    py::class_<Level>(module, "Level")
+        .def_property_readonly("n_exact", &Level::N_exact)
+        .def("nodes", [](Level const& level) { return Out(level.Nodes()); })
+        .def("cliques", [](Level const& level) { return Out(level.Cliques()); })
+        .def("k_cliques", [](Level const& level) { return Out(level.K_cliques()); })
+        .def("links", &Links_of)
+        .def("graph", &Graph_of)
+        .def("count", &Count, py::arg("part"));
     module.def(
         "links_outside_triangles",
         [](In<Number> const& source, In<Number> const& target, std::size_t n_nodes) {
@@ -237,4 +252,8 @@ PYBIND11_MODULE(_engine, module) {
         py::arg("source"), py::arg("target"));
     module.def("read_links", &Read, py::arg("path"), py::arg("weighted"));
     plexor_formats::Register_edge_list_reader(module);
+    module.def("run", &Whole_run, py::arg("input"), py::arg("output"), py::arg("k"),
+               py::arg("directed"), py::arg("lower"), py::arg("upper"), py::arg("intensity"),
+               py::arg("time_limit"), py::arg("digits"), py::arg("log"), py::arg("links"),
+               py::arg("progress"));
 }

@@ -4,7 +4,7 @@
 #ifndef PLEXOR_APPR_CORE_CLIQUES_H
 #define PLEXOR_APPR_CORE_CLIQUES_H
 
-#include "Types.h"
+#include "graph/Types.h"
 
 #include <vector>
 

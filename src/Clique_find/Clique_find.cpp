@@ -12,8 +12,6 @@
 // Tested   Clique_find_test.cpp, the runs against the plain model.
 #include "Clique_find/Clique_find.h"
 
-#include "Clique_find/Reports.h"
-
 #include <algorithm>
 
 namespace cpm {
@@ -25,24 +23,20 @@ constexpr std::size_t ahead = 4;        // neighbours of so many nodes are on th
 
 } // namespace
 
-void Clique_find(Set_list& cliques, Index_links const& links, Console& console) {
+void Clique_find(Set_list& cliques, Index_links const& links, Progress& progress) {
     cliques.clear();
-    console.Put_line(" Sorting the nodes...");
+    progress.Search_began({});
     Node_order const order(links);
-    console.Put_line(" done.");
+    progress.Nodes_sorted();
     Clique_find_sub_routines::Node_search search(order);
     auto const total = static_cast<std::uint32_t>(order.size());
     std::uint32_t to_do = total;
     for (Node const node : order.Nodes()) {
-        Clique_find_report_sub_routines::Report_progress(" Locating cliques:", "nodes", to_do--,
-                                                         total, console);
-        console.Message_done();
+        progress.Node_started(to_do--, total);
         search.Clique_find_main_inv(node, cliques);
     }
     cliques.Shrink_to_fit();
-    Clique_find_report_sub_routines::Report_clique_search_end(
-        "cliques", static_cast<std::uint32_t>(cliques.size()), console);
-    console.Message_done();
+    progress.Search_done(static_cast<std::uint32_t>(cliques.size()), true);
 }
 
 namespace Clique_find_sub_routines {

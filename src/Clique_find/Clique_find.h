@@ -3,11 +3,10 @@
 #ifndef PLEXOR_CLIQUE_FIND_H
 #define PLEXOR_CLIQUE_FIND_H
 
-#include "Clique_find/Clock.h"
 #include "Clique_find/Local_cliques.h"
 #include "Clique_find/Node_order.h"
-#include "Types.h"
-#include "support/Console.h"
+#include "graph/Types.h"
+#include "support/Progress.h"
 
 #include <vector>
 
@@ -15,9 +14,8 @@ namespace cpm {
 
 /// Finds every maximal clique of three nodes or more of undirected links, which are ascending and
 /// leave no node out. The nodes are taken in their Node_order; the cliques listed at a node are
-/// those whose first node in that order it is, in lexicographic order of their other nodes. Reports
-/// its progress, a report a node.
-void Clique_find(Set_list& cliques, Index_links const& links, Console& console);
+/// those whose first node in that order it is, in lexicographic order of their other nodes.
+void Clique_find(Set_list& cliques, Index_links const& links, Progress& progress);
 
 namespace Clique_find_sub_routines {
 

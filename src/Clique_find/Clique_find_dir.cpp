@@ -11,8 +11,6 @@
 // Tested   Clique_find_dir_test.cpp
 #include "Clique_find/Clique_find_dir.h"
 
-#include "Clique_find/Reports.h"
-
 #include <algorithm>
 
 namespace cpm {
@@ -23,33 +21,29 @@ constexpr std::size_t least_others = 2; // a clique has three nodes or more
 
 } // namespace
 
-void Clique_find_dir(Set_list& cliques, Vtxd_map const& vertices, Console& console) {
-    using namespace Clique_find_report_sub_routines;
+void Clique_find_dir(Set_list& cliques, Vtxd_map const& vertices, Progress& progress) {
     cliques.clear();
+    progress.Search_began({.directed = true, .max_time = std::nullopt});
     Dir_links const links(vertices);
     Clique_find_dir_sub_routines::Dir_node_search search(links);
     auto const total = static_cast<std::uint32_t>(vertices.size());
     std::uint32_t to_do = total;
     for (Node const node : links.Order()) {
-        Report_progress(" Locating dir. cliques:", "nodes", to_do--, total, console);
-        console.Message_done();
+        progress.Node_started(to_do--, total);
         search.Main_inc_dir_investigator(node, cliques);
         search.Done(node);
     }
     cliques.Shrink_to_fit();
-    Report_clique_search_end("directed cliques", static_cast<std::uint32_t>(cliques.size()),
-                             console);
-    console.Message_done();
+    progress.Search_done(static_cast<std::uint32_t>(cliques.size()), true);
 }
 
 void Clique_find_dir_time(Set_list& cliques, Vtxd_map const& vertices, std::vector<Node>& core,
-                          double max_time, Clock const& clock, Console& console) {
+                          double max_time, Clock& clock, Progress& progress) {
     using namespace Clique_find_time_sub_routines;
     Dir_links const links(vertices);
     Clique_find_dir_sub_routines::Dir_node_search search(links);
-    Search_words const words{" Locating dir. cliques, max. allowed time/node=", "directed cliques",
-                             "exact directed cliques", "no approximation was needed."};
-    Search_in_time(cliques, links.Order(), search, max_time, clock, words, core, console);
+    progress.Search_began({.directed = true, .max_time = max_time});
+    Search_in_time(cliques, links.Order(), search, max_time, clock, core, progress);
 }
 
 namespace Clique_find_dir_sub_routines {

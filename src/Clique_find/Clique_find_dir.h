@@ -12,24 +12,23 @@
 #include "Clique_find/Dir_surroundings.h"
 #include "Clique_find/Local_cliques.h"
 #include "Clique_find/Time_limited.h"
-#include "Types.h"
-#include "Vertex_maps.h"
-#include "support/Console.h"
+#include "graph/Types.h"
+#include "records/Vertex_maps.h"
+#include "support/Progress.h"
 
 #include <vector>
 
 namespace cpm {
 
 /// Finds every directed clique. The nodes are taken by ascending number of neighbours, then index;
-/// the cliques listed at a node are those whose first node it is, see Dir_order. Reports its
-/// progress, a report a node.
-void Clique_find_dir(Set_list& cliques, Vtxd_map const& vertices, Console& console);
+/// the cliques listed at a node are those whose first node it is, see Dir_order.
+void Clique_find_dir(Set_list& cliques, Vtxd_map const& vertices, Progress& progress);
 
 /// Finds directed cliques, each node within `max_time` seconds. A node that needs longer is tried
 /// again when all others have been; when every node left has overrun in a row the search ends.
 /// `core` receives the nodes left then, ascending.
 void Clique_find_dir_time(Set_list& cliques, Vtxd_map const& vertices, std::vector<Node>& core,
-                          double max_time, Clock const& clock, Console& console);
+                          double max_time, Clock& clock, Progress& progress);
 
 namespace Clique_find_dir_sub_routines {
 

@@ -19,14 +19,13 @@ constexpr std::size_t least_others = 2; // a clique has three nodes or more
 } // namespace
 
 void Clique_find_part_time(Set_list& cliques, Vtx_map const& vertices, std::vector<Node>& core,
-                           double max_time, Clock const& clock, Console& console) {
+                           double max_time, Clock& clock, Progress& progress) {
     using namespace Clique_find_time_sub_routines;
     std::vector<Node> order;
     Sort_Vtx_map(order, vertices);
     Timed_node_search search(vertices);
-    Search_words const words{" Locating cliques, max. allowed time/node=", "cliques",
-                             "exact cliques", " no approximation was needed"};
-    Search_in_time(cliques, order, search, max_time, clock, words, core, console);
+    progress.Search_began({.directed = false, .max_time = max_time});
+    Search_in_time(cliques, order, search, max_time, clock, core, progress);
 }
 
 namespace Clique_find_time_sub_routines {

@@ -7,9 +7,9 @@
 #include "Clique_find/First_check.h"
 #include "Clique_find/Local_cliques.h"
 #include "Clique_find/Time_limited.h"
-#include "Types.h"
-#include "Vertex_maps.h"
-#include "support/Console.h"
+#include "graph/Types.h"
+#include "records/Vertex_maps.h"
+#include "support/Progress.h"
 
 #include <vector>
 
@@ -19,7 +19,7 @@ namespace cpm {
 /// A node that needs longer is tried again when all others have been; when every node left has
 /// overrun in a row the search ends. `core` receives the nodes left then, ascending.
 void Clique_find_part_time(Set_list& cliques, Vtx_map const& vertices, std::vector<Node>& core,
-                           double max_time, Clock const& clock, Console& console);
+                           double max_time, Clock& clock, Progress& progress);
 
 namespace Clique_find_time_sub_routines {
 

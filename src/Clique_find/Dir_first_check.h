@@ -5,7 +5,7 @@
 
 #include "Clique_find/Circles.h"
 #include "Clique_find/Dir_surroundings.h"
-#include "Types.h"
+#include "graph/Types.h"
 
 #include <cstdint>
 #include <span>

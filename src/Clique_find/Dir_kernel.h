@@ -7,7 +7,7 @@
 
 #include "Clique_find/Dir_surroundings.h"
 #include "Clique_find/Local_cliques.h"
-#include "Types.h"
+#include "graph/Types.h"
 
 #include <cstdint>
 #include <vector>

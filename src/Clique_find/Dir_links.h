@@ -4,8 +4,8 @@
 #ifndef PLEXOR_DIR_LINKS_H
 #define PLEXOR_DIR_LINKS_H
 
-#include "Types.h"
-#include "Vertex_maps.h"
+#include "graph/Types.h"
+#include "records/Vertex_maps.h"
 
 #include <cstdint>
 #include <vector>

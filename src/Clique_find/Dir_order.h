@@ -4,7 +4,7 @@
 #define PLEXOR_DIR_ORDER_H
 
 #include "Clique_find/Dir_surroundings.h"
-#include "Types.h"
+#include "graph/Types.h"
 
 #include <cstdint>
 #include <vector>

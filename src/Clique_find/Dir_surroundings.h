@@ -5,7 +5,7 @@
 #define PLEXOR_DIR_SURROUNDINGS_H
 
 #include "Clique_find/Dir_links.h"
-#include "Types.h"
+#include "graph/Types.h"
 
 #include <cstdint>
 #include <vector>

@@ -3,8 +3,8 @@
 #ifndef PLEXOR_FIRST_CHECK_H
 #define PLEXOR_FIRST_CHECK_H
 
-#include "Types.h"
-#include "Vertex_maps.h"
+#include "graph/Types.h"
+#include "records/Vertex_maps.h"
 
 #include <algorithm>
 #include <cassert>

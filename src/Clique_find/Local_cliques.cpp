@@ -11,7 +11,7 @@
 // Tested   Local_cliques_test.cpp (against all subsets of random graphs), Clique_find_test.cpp.
 #include "Clique_find/Local_cliques.h"
 
-#include "support/Bit_counting.h"
+#include "support/Cpu_dispatch.h"
 
 #include <algorithm>
 #include <bit>

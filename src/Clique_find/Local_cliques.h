@@ -5,7 +5,7 @@
 #ifndef PLEXOR_LOCAL_CLIQUES_H
 #define PLEXOR_LOCAL_CLIQUES_H
 
-#include "Types.h"
+#include "graph/Types.h"
 
 #include <array>
 #include <functional>

@@ -5,7 +5,7 @@
 #ifndef PLEXOR_NODE_ORDER_H
 #define PLEXOR_NODE_ORDER_H
 
-#include "Types.h"
+#include "graph/Types.h"
 
 #include <vector>
 

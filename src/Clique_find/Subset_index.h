@@ -5,7 +5,7 @@
 #ifndef PLEXOR_SUBSET_INDEX_H
 #define PLEXOR_SUBSET_INDEX_H
 
-#include "Types.h"
+#include "graph/Types.h"
 
 #include <cstdint>
 #include <vector>

@@ -9,7 +9,6 @@
 // Tested   Time_limited_test.cpp, Clique_find_test.cpp, Clique_find_dir_test.cpp.
 #include "Clique_find/Time_limited.h"
 
-#include "Clique_find/Reports.h"
 #include "Clique_find/Subset_index.h"
 
 #include <algorithm>
@@ -154,14 +153,7 @@ std::uint32_t Count(std::size_t size) {
 } // namespace
 
 void Search_in_time(Set_list& cliques, std::vector<Node> const& order, Node_finder& finder,
-                    double max_time, Clock const& clock, Search_words const& words,
-                    std::vector<Node>& core, Console& console) {
-    using namespace Clique_find_report_sub_routines;
-    Text title;
-    title.Put(words.title);
-    title.Put_fixed(max_time, 3);
-    title.Put(':');
-
+                    double max_time, Clock& clock, std::vector<Node>& core, Progress& progress) {
     cliques.clear();
     std::deque<Node> queue(order.begin(), order.end());
     std::vector<bool> done(order.size() + 1, false);
@@ -171,8 +163,7 @@ void Search_in_time(Set_list& cliques, std::vector<Node> const& order, Node_find
     bool go_on = true;
     while (!queue.empty() && go_on) {
         // Invariant: the queue holds just the nodes that are not done.
-        Report_progress(title.View(), "nodes", Count(queue.size()), Count(order.size()), console);
-        console.Message_done();
+        progress.Node_started(Count(queue.size()), Count(order.size()));
         Node const node = queue.front();
         queue.pop_front();
         found.clear();
@@ -190,25 +181,19 @@ void Search_in_time(Set_list& cliques, std::vector<Node> const& order, Node_find
         queue.push_back(node);
         pending.Add(found);
         ++skipped_in_row;
-        Report_hard_node(node, skipped_in_row, Count(queue.size()), console);
-        console.Message_done();
+        progress.Node_overran(node, skipped_in_row, Count(queue.size()));
         if (skipped_in_row >= queue.size()) {
-            Report_all_rem_nodes_to_hard(words.cliques, console);
-            console.Message_done();
+            progress.Remaining_nodes_too_hard();
             go_on = false;
         }
     }
 
     core.assign(queue.begin(), queue.end());
     std::sort(core.begin(), core.end());
-    if (core.empty()) {
-        Report_clique_search_end(words.cliques, Count(cliques.size()), words.no_approximation,
-                                 console);
-    } else {
+    if (!core.empty()) {
         Register_pending(cliques, pending.Sorted(), done);
-        Report_clique_search_end(words.exact_cliques, Count(cliques.size()), console);
     }
-    console.Message_done();
+    progress.Search_done(Count(cliques.size()), core.empty());
     cliques.Shrink_to_fit();
 }
 

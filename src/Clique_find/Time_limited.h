@@ -6,10 +6,9 @@
 #define PLEXOR_TIME_LIMITED_H
 
 #include "Clique_find/Clock.h"
-#include "Types.h"
-#include "support/Console.h"
+#include "graph/Types.h"
+#include "support/Progress.h"
 
-#include <string_view>
 #include <vector>
 
 namespace cpm::Clique_find_time_sub_routines {
@@ -18,18 +17,18 @@ namespace cpm::Clique_find_time_sub_routines {
 class Time_budget {
 public:
     /// Reads the clock.
-    Time_budget(Clock const& clock, double max_time)
-        : clock_(clock), max_time_(max_time), t_start_(clock()) {}
+    Time_budget(Clock& clock, double max_time)
+        : clock_(clock), max_time_(max_time), t_start_((clock.Start(), clock.Now())) {}
     /// Reads the clock, unless the time is known to be up. True when more than the time is gone.
     bool Overrun() {
-        too_slow_ = too_slow_ || clock_() - t_start_ > max_time_;
+        too_slow_ = too_slow_ || clock_.Now() - t_start_ > max_time_;
         return too_slow_;
     }
     /// Whether the time was up at some reading.
     bool Too_slow() const { return too_slow_; }
 
 private:
-    Clock const& clock_;
+    Clock& clock_;
     double max_time_;
     double t_start_;
     bool too_slow_ = false;
@@ -52,21 +51,13 @@ public:
     virtual void Done(Node node) = 0;
 };
 
-/// The words in which a search reports. They must outlive the call.
-struct Search_words {
-    std::string_view title;            ///< followed by the time
-    std::string_view cliques;          ///< what is searched for
-    std::string_view exact_cliques;    ///< what was found when nodes are left
-    std::string_view no_approximation; ///< the last line when no node is left
-};
-
 /// Searches the nodes 1 to order.size(), in this order. A node that takes more than `max_time`
 /// seconds goes to the end of the queue; when all nodes in the queue have done so in a row, the
 /// search ends. Leaves the cliques found, then the sets found at nodes given up that lie in no
-/// clique before them, ascending; and in `core` the nodes not done, ascending.
+/// clique before them, ascending; and in `core` the nodes not done, ascending. The beginning of
+/// the search has been told already.
 void Search_in_time(Set_list& cliques, std::vector<Node> const& order, Node_finder& finder,
-                    double max_time, Clock const& clock, Search_words const& words,
-                    std::vector<Node>& core, Console& console);
+                    double max_time, Clock& clock, std::vector<Node>& core, Progress& progress);
 
 } // namespace cpm::Clique_find_time_sub_routines
 

@@ -10,16 +10,15 @@
 // Tested   Community_graph_test.cpp, the runs against the plain model.
 #include "Coms_funcs/Community_graph.h"
 
+#include "support/Bits.h"
 #include "support/Errors.h"
+#include "support/Grouping.h"
 
 #include <algorithm>
-#include <bit>
 
 namespace cpm {
 
 namespace {
-
-constexpr std::size_t word_bits = 64;
 
 // counts[value], which grows as values come.
 void Add_one(Flat_array<std::uint64_t>& counts, std::size_t value) {
@@ -49,21 +48,17 @@ void Community_graph::Prepare(Communities const& coms) {
     coms_ = &coms;
     walked_ = false;
     std::size_t const n_nodes = Number_nodes();
-    starts_.clear();
-    starts_.Resize(n_nodes + 1, 0);
+    offsets_.clear();
+    offsets_.Resize(n_nodes + 1, 0);
     for (Node const number : flat_) {
-        ++starts_[number];
+        ++offsets_[number];
     }
-    std::uint64_t end = 0;
-    for (std::uint64_t& start : starts_) {
-        end += start;
-        start = end;
-    }
+    Counts_to_ends(offsets_);
     // Filled from its end, each part arrives at its start.
     members_.Resize_uninitialised(flat_.size());
     for (std::size_t i = coms.size(), at = flat_.size(); i-- > 0;) {
         for (std::size_t n = coms.nodes[i].size(); n > 0; --n) {
-            members_[--starts_[flat_[--at]]] = static_cast<std::uint32_t>(i);
+            members_[--offsets_[flat_[--at]]] = static_cast<std::uint32_t>(i);
         }
     }
 }
@@ -95,7 +90,6 @@ void Community_graph::Walk(Take_overlaps const& take) {
     passed_.clear();
     passed_.Resize(N_nodes(), 0);
     shared_.Resize(n_coms, 0);
-    bits_.Resize(n_coms / word_bits + 1, 0);
     for (Flat_array<std::uint64_t>& counts : overlap_counts_) {
         counts.clear();
     }
@@ -123,8 +117,8 @@ void Community_graph::Fill_row(std::uint32_t community) {
     std::uint64_t const* const begins = coms_->nodes.Starts() + community;
     for (std::uint64_t n = begins[0]; n < begins[1]; ++n) {
         std::size_t const node = flat_[n];
-        std::uint64_t const end = starts_[node + 1];
-        for (std::uint64_t at = starts_[node] + ++passed_[node]; at < end; ++at) {
+        std::uint64_t const end = offsets_[node + 1];
+        for (std::uint64_t at = offsets_[node] + ++passed_[node]; at < end; ++at) {
             std::uint32_t const other = members_[at];
             // Written each time and kept the first time: which of the two no branch could foresee.
             touched_[n_touched] = other;
@@ -132,32 +126,13 @@ void Community_graph::Fill_row(std::uint32_t community) {
         }
     }
     touched_.Resize_uninitialised(n_touched);
-    Sort_touched(community);
+    // At low k a hub's communities overlap with most others: a bitmap sorts them.
+    constexpr std::size_t bits_worth_a_comparison_sort = 256; // for each number to sort
+    Sort_unique(touched_, community, coms_->size(), bits_worth_a_comparison_sort, bits_);
     row_.clear();
     for (std::uint32_t const other : touched_) {
         row_.push_back({other, shared_[other]});
         shared_[other] = 0;
-    }
-}
-
-// By a bitmap where that is cheaper: at low k a hub's communities overlap with most others.
-void Community_graph::Sort_touched(std::uint32_t community) {
-    constexpr std::size_t bits_worth_a_comparison_sort = 256; // for each number to sort
-    std::size_t const range = coms_->size() - community;
-    if (range / bits_worth_a_comparison_sort >= touched_.size()) {
-        std::ranges::sort(touched_);
-        return;
-    }
-    for (std::uint32_t const other : touched_) {
-        bits_[other / word_bits] |= std::uint64_t{1} << (other % word_bits);
-    }
-    touched_.clear();
-    for (std::size_t w = community / word_bits; w < bits_.size(); ++w) {
-        for (std::uint64_t rest = bits_[w]; rest != 0; rest &= rest - 1) {
-            auto const bit = static_cast<unsigned>(std::countr_zero(rest));
-            touched_.push_back(static_cast<std::uint32_t>(w * word_bits + bit));
-        }
-        bits_[w] = 0;
     }
 }
 

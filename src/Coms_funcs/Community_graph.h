@@ -5,7 +5,7 @@
 #ifndef PLEXOR_COMMUNITY_GRAPH_H
 #define PLEXOR_COMMUNITY_GRAPH_H
 
-#include "Types.h"
+#include "graph/Types.h"
 
 #include <array>
 #include <cstdint>
@@ -55,10 +55,10 @@ public:
 
     Communities const& Coms() const { return *coms_; }
     /// How many nodes are in communities. Here they have numbers from 0 on, as they occur first.
-    std::size_t N_nodes() const { return starts_.size() - 1; }
+    std::size_t N_nodes() const { return offsets_.size() - 1; }
     /// The communities of the node of this number, ascending.
     std::span<std::uint32_t const> Coms_of(std::size_t number) const {
-        return {members_.data() + starts_[number], members_.data() + starts_[number + 1]};
+        return {members_.data() + offsets_[number], members_.data() + offsets_[number + 1]};
     }
     /// Whether Walk() has been called; the rest is known from then on.
     bool Walked() const { return walked_; }
@@ -76,7 +76,6 @@ private:
     void Prepare(Communities const& coms);
     std::size_t Number_nodes();
     void Fill_row(std::uint32_t community);
-    void Sort_touched(std::uint32_t community);
     void Count_row(std::uint32_t community);
     void Count_pairs(std::uint32_t community, std::span<Overlap const> row, Pair_kind kind);
 
@@ -85,8 +84,8 @@ private:
     // one community are next to each other.
     Flat_array<Node> number_; ///< node -> its number + 1 while they are given, else 0
     Flat_array<Node> flat_;   ///< the numbers of the nodes of all communities, in their order
-    // The index: the communities of the node of a number begin at starts_[number] in members_.
-    Flat_array<std::uint64_t> starts_;
+    // The index: the communities of the node of a number begin at offsets_[number] in members_.
+    Flat_array<std::uint64_t> offsets_;
     Flat_array<std::uint32_t> members_;
     // The row under way. Before and after it all of shared_ and bits_ is zero.
     Flat_array<std::uint32_t> passed_;  ///< number -> how many of its communities rows have passed

@@ -3,39 +3,22 @@
 //
 // Going from k+1 to k communities only merge and grow: cliques of size k come in, and cliques that
 // share k-1 nodes become adjacent. So a community's sets are those of the communities it has
-// swallowed and what the new cliques bring. A new clique that another one led to brings only its
+// absorbed and what the new cliques bring. A new clique that another one led to brings only its
 // nodes that the other one lacks, and the pairs with these: a few, not half the square of its size.
 #ifndef PLEXOR_COMMUNITY_SETS_H
 #define PLEXOR_COMMUNITY_SETS_H
 
-#include "Coms_funcs/Overlap_index.h"
-#include "Coms_funcs/Pair_table.h"
-#include "Types.h"
+#include "Coms_funcs/Edge_numbering.h"
+#include "Coms_funcs/Ranked_cliques.h"
+#include "graph/Types.h"
 
+#include <memory>
 #include <vector>
 
 namespace cpm {
 
-class Community_sets {
-public:
-    /// All must outlive this object.
-    Community_sets(Set_list const& cliques, Overlap_index const& index, Pair_table const& pairs);
-
-    /// Starts a level. `nested`: each community of the level before lies inside one community of
-    /// this level; otherwise nothing is taken over.
-    void Start_level(bool nested);
-    /// Takes the cliques as new ones, though a community of this level may have them already.
-    void Forget(std::span<Partner const> members);
-    /// Adds the next community of the level: its cliques in the order in which they joined, each
-    /// with the nodes that the clique which led to it lacks.
-    void Add_community(std::span<Partner const> members);
-
-    std::size_t size() const { return communities_.size(); }
-    Node_set Nodes(std::size_t community) const;
-    /// The links, ascending.
-    void Links(std::size_t community, Take_links const& take) const;
-
-private:
+/// The communities of one level in the order in which they were found.
+struct Level_sets {
     static constexpr std::uint32_t none = 0xFFFFFFFF;
 
     struct Sets {
@@ -48,21 +31,42 @@ private:
         std::uint32_t sets = none;
     };
 
-    void Take_over(Community const& old, Sets& into);
-    void Add_new_part(Partner const& member);
-    void Add_whole(Clique_number clique);
-    template <class T> void Unite(Flat_array<T>& sorted, Flat_array<T>& more, std::size_t range);
-    template <class T> void Sort_unique(Flat_array<T>& values, std::size_t range);
+    std::vector<Community> communities;
+    std::vector<Sets> sets;
+};
 
-    Set_list const& cliques_;
-    Overlap_index const& index_;
-    Pair_table const& pairs_;
-    std::vector<Community> communities_;
-    std::vector<Community> old_communities_;
-    std::vector<Sets> sets_;
-    std::vector<Sets> old_sets_;
+class Community_sets {
+public:
+    /// Both must outlive this object.
+    Community_sets(Ranked_cliques const& cliques, Edge_numbering const& edges);
+
+    /// Starts a level. `nested`: each community of the level before lies inside one community of
+    /// this level; otherwise nothing is taken over.
+    void Start_level(bool nested);
+    /// Takes the cliques as new ones, though a community of this level may have them already.
+    void Forget(std::span<Adjacent_clique const> members);
+    /// Adds the next community of the level: its cliques in the order in which they joined, each
+    /// with the nodes that the clique which led to it lacks.
+    void Add_community(std::span<Adjacent_clique const> members);
+
+    std::size_t size() const { return level_->communities.size(); }
+    Node_set Nodes(std::size_t community) const;
+    /// The communities of this level by their places in `order`, with their links, ascending. What
+    /// is given out stays as it is.
+    std::shared_ptr<Community_links const> Links(std::vector<std::uint32_t> order) const;
+
+private:
+    void Absorb(Level_sets::Community const& old, Level_sets::Sets& into);
+    void Add_new_part(Adjacent_clique const& member);
+    template <class T> void Unite(Flat_array<T>& sorted, Flat_array<T>& more, std::size_t range);
+
+    Ranked_cliques const& cliques_;
+    Edge_numbering const& edges_;
+    std::shared_ptr<Level_sets> level_ = std::make_shared<Level_sets>();
+    std::shared_ptr<Level_sets> old_level_;
+    bool old_is_shared_ = false;             ///< results refer to the old level
     Flat_array<std::uint32_t> community_of_; ///< clique -> its community; none: no level had it yet
-    Flat_array<std::uint32_t> swallowed_by_; ///< old community -> the new one that has it
+    Flat_array<std::uint32_t> merged_into_;  ///< old community -> the new one that has it
     Flat_array<Node> more_nodes_;
     Flat_array<Link_number> more_links_;
     Flat_array<std::uint64_t> bits_; ///< all zero between calls

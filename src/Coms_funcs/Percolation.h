@@ -5,52 +5,74 @@
 #define PLEXOR_PERCOLATION_H
 
 #include "Coms_funcs/Community_sets.h"
-#include "Coms_funcs/Overlap_index.h"
-#include "Coms_funcs/Pair_table.h"
-#include "Coms_funcs/Stale_overlaps.h"
-#include "Types.h"
+#include "Coms_funcs/Edge_numbering.h"
+#include "Coms_funcs/Premerge_overlaps.h"
+#include "Coms_funcs/Ranked_cliques.h"
+#include "graph/Types.h"
 
+#include <memory>
 #include <vector>
 
 namespace cpm {
 
+namespace Percolation_sub {
+
+/// How a level gets from clique to clique: by the overlaps of the cliques as they are, or by those
+/// from before a merge.
+class Adjacency {
+public:
+    virtual ~Adjacency() = default;
+    /// Whether each community lies inside one community of the next smaller k.
+    virtual bool Levels_nest() const = 0;
+    /// Starts the level of k, 1 or more: no clique is visited.
+    virtual void Start_level(std::uint32_t k) = 0;
+    /// The first clique from this one on that is not visited, or the number of cliques.
+    virtual std::size_t Next_unvisited(std::size_t from) const = 0;
+    /// Visits the cliques that a community begins with and appends them, ascending; none when
+    /// `first`, unvisited and of k nodes or more, begins no community.
+    virtual void Visit_first(Clique_number first, Flat_array<Adjacent_clique>& members) = 0;
+    /// Visits the unvisited cliques adjacent to `from` and appends them, ascending.
+    virtual void Visit_adjacent(Adjacent_clique const& from,
+                                Flat_array<Adjacent_clique>& members) = 0;
+};
+
+} // namespace Percolation_sub
+
 class Percolation {
 public:
     /// The cliques (the first `n_exact` exact, the others approximated), the number of nodes and
-    /// the pairs that the links are numbered by. `nested` says whether a clique of the list may lie
-    /// inside another one. `stale` has the overlaps when these are not those of the cliques as they
-    /// are; it is null otherwise. All must outlive this object.
-    Percolation(Set_list const& cliques, std::size_t n_exact, Node n_nodes, Pair_table const& pairs,
-                bool nested = false, Stale_overlaps* stale = nullptr);
+    /// the numbers of the links. `nested` says whether a clique of the list may lie inside another
+    /// one. `premerge` has the overlaps when these are not those of the cliques as they are; it is
+    /// null otherwise. All must outlive this object.
+    Percolation(Set_list const& cliques, std::size_t n_exact, Node n_nodes,
+                Edge_numbering const& edges, bool nested = false,
+                Premerge_overlaps* premerge = nullptr);
+    /// The same of cliques that several of these share, each going its own way through the levels,
+    /// on threads of their own if they like (`premerge` can serve one only).
+    Percolation(std::shared_ptr<Ranked_cliques const> cliques, std::size_t n_exact,
+                Edge_numbering const& edges, bool nested = false,
+                Premerge_overlaps* premerge = nullptr);
 
     /// Finds the communities at k, any number. They are listed in the order of their first clique,
     /// those without an approximated clique before the others; the cliques of a community in the
-    /// order in which they joined: a clique brings in all its unclaimed partners, ascending, before
-    /// the first of these is looked at, which is then followed to the end before the next.
+    /// order in which they joined: a clique brings in all unvisited cliques adjacent to it,
+    /// ascending, before the first of these is looked at, which is then followed to the end before
+    /// the next. What is in `coms` gives its memory.
     void Coms_from_appr_ovlp_matr(Communities& coms, std::uint32_t k);
 
 private:
-    void Look_for_new_com(Clique_number first, std::uint32_t k);
-    bool Claim_all_of_row(Clique_number first, std::uint32_t k);
-    void Extend_com(std::uint32_t k);
-    void Claim_partners(Partner const& from, std::uint32_t k);
+    bool Grow_community(Clique_number first);
     void Join(std::size_t first_new);
-    std::size_t Next_unclaimed(std::size_t from) const;
     void List(Communities& coms);
 
-    Set_list const& cliques_;
+    std::shared_ptr<Ranked_cliques const> cliques_;
     std::size_t n_exact_;
-    Overlap_index index_;
+    std::unique_ptr<Percolation_sub::Adjacency> adjacency_;
     Community_sets sets_;
-    bool nested_;
-    Stale_overlaps* stale_;
-    std::vector<bool> stale_claimed_;          ///< used with stale overlaps only
-    std::vector<Clique_overlap> row_;          ///< likewise
     std::uint32_t last_k_ = 0;                 ///< 0: none yet
-    Flat_array<Partner> members_;              ///< of the community under way
+    Flat_array<Adjacent_clique> members_;      ///< of the community under way
     Flat_array<std::uint32_t> to_follow_;      ///< places of those not yet followed, the next last
     List_of_lists<Clique_number> com_cliques_; ///< as found
-    std::vector<std::uint32_t> order_;         ///< place in the output -> place as found
 };
 
 } // namespace cpm

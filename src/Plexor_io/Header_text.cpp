@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "Plexor_io/Header_text.h"
 
+#include "Plexor_io/Direktoriz.h"
+#include "Plexor_io/My_double2string.h"
+#include "Plexor_io/My_int2string.h"
 #include "Plexor_io/Text_file.h"
-#include "support/Direktoriz.h"
-#include "support/My_double2string.h"
-#include "support/My_int2string.h"
 
 namespace cpm {
 
@@ -43,11 +43,10 @@ void Extend_alap_szoveg(std::string& text, Run_settings const& settings) {
     }
 }
 
-void Kiir_params(std::string const& out_dir, std::string const& text, Console& console) {
-    Dir_prepare(out_dir, "keep");
-    Text_file file(out_dir + "/" + "input_params.txt", console);
+void Kiir_params(Run_files& files) {
+    Text_file file(files.place.Prepare().File("input_params.txt"), files);
     file.Put("# Plexor was run on links taken");
-    file.Put(text);
+    file.Put(files.alap_szoveg);
 }
 
 } // namespace cpm

@@ -5,8 +5,8 @@
 #define PLEXOR_HEADER_TEXT_H
 
 #include "Plexor_io/Read_links.h"
+#include "Plexor_io/Result_files.h"
 #include "Plexor_io/Run_settings.h"
-#include "support/Console.h"
 
 #include <string>
 
@@ -20,7 +20,7 @@ void Generate_alap_szoveg(std::string& text, std::string const& input_file,
 void Extend_alap_szoveg(std::string& text, Run_settings const& settings);
 
 /// Writes input_params.txt into the output directory, which is made if need be.
-void Kiir_params(std::string const& out_dir, std::string const& text, Console& console);
+void Kiir_params(Run_files& files);
 
 } // namespace cpm
 

@@ -1,21 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "Plexor_io/Kiir_cliques.h"
 
-#include "Plexor_io/Result_place.h"
+#include "Plexor_io/My_int2string.h"
 #include "Plexor_io/Text_file.h"
-#include "support/Direktoriz.h"
-#include "support/My_int2string.h"
 
 namespace cpm {
 
-void Kiir_cliques_PX(std::string const& dir, Set_list const& cliques, Name_labels const& labels,
-                     std::size_t n_exact, std::string const& com_flag,
-                     std::string const& alap_szoveg, Console& console) {
+void Kiir_cliques_PX(Set_list const& cliques, std::size_t n_exact, Name_labels const& labels,
+                     Run_files& files) {
     // The cliques do not depend on the intensity threshold.
-    std::string const kind = com_flag == "intensity" ? "" : com_flag;
-    Dir_prepare(dir, "keep");
-    Text_file file(dir + "/" + Word_before(kind, '_') + "cliques", console);
-    file.Put("# The " + Word_before(kind, ' ') + "cliques" + alap_szoveg);
+    bool const directed = files.com_flag == "directed";
+    Text_file file(files.place.Prepare().File(directed ? "directed_cliques" : "cliques"), files);
+    file.Put(directed ? "# The directed cliques" : "# The cliques");
+    file.Put(files.alap_szoveg);
     if (n_exact < cliques.size()) {
         file.Put("# Negative indices indicate approximate cliques.\n");
     }
@@ -25,11 +22,10 @@ void Kiir_cliques_PX(std::string const& dir, Set_list const& cliques, Name_label
     }
 }
 
-void Kiir_k_cliques_PX(std::string const& dir, K_clique_list const& k_cliques, std::uint32_t k,
-                       Name_labels const& labels, std::string const& alap_szoveg,
-                       Console& console) {
-    Text_file file(Prepare_k_dir(dir, k) + "/k-cliques", console);
-    file.Put("# The k-cliques at k=" + int2string(k) + alap_szoveg + '\n');
+void Kiir_k_cliques_PX(K_clique_list const& k_cliques, Name_labels const& labels,
+                       Level_files const& files) {
+    Text_file file(files.File("k-cliques"), files.run);
+    file.Put("# The k-cliques at k=" + int2string(files.k) + files.run.alap_szoveg + '\n');
     for (std::size_t i = 0; i < k_cliques.size(); ++i) {
         labels.Put_record(i, false, k_cliques[i], file);
     }

@@ -7,8 +7,8 @@
 
 #include "Coms_funcs/K_cliques.h"
 #include "Plexor_io/Name_labels.h"
-#include "Types.h"
-#include "support/Console.h"
+#include "Plexor_io/Result_files.h"
+#include "graph/Types.h"
 
 #include <cstdint>
 #include <string>
@@ -16,14 +16,13 @@
 namespace cpm {
 
 /// All maximal cliques. From position `n_exact` on they are approximated: "-" stands before their
-/// numbers, 0 included. `alap_szoveg` describes the run.
-void Kiir_cliques_PX(std::string const& dir, Set_list const& cliques, Name_labels const& labels,
-                     std::size_t n_exact, std::string const& com_flag,
-                     std::string const& alap_szoveg, Console& console);
+/// numbers, 0 included.
+void Kiir_cliques_PX(Set_list const& cliques, std::size_t n_exact, Name_labels const& labels,
+                     Run_files& files);
 
 /// The k-cliques of one k, into the directory of this k.
-void Kiir_k_cliques_PX(std::string const& dir, K_clique_list const& k_cliques, std::uint32_t k,
-                       Name_labels const& labels, std::string const& alap_szoveg, Console& console);
+void Kiir_k_cliques_PX(K_clique_list const& k_cliques, Name_labels const& labels,
+                       Level_files const& files);
 
 } // namespace cpm
 

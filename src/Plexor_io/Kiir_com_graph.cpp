@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Plexor_io/Kiir_com_graph.h"
 
-#include "Plexor_io/Result_place.h"
+#include "Plexor_io/My_int2string.h"
 #include "Plexor_io/Text_file.h"
-#include "support/My_int2string.h"
 
 #include <array>
 
@@ -24,14 +23,11 @@ struct Line_start {
 
 } // namespace
 
-void Kiir_com_graph_PX(Community_graph& graph, std::size_t n_exact_coms, std::string const& dir,
-                       std::uint32_t k, std::string const& com_flag, std::string const& alap_szoveg,
-                       Console& console) {
-    Text_file file(
-        Prepare_k_dir(dir, k) + "/graph_of_" + Word_before(com_flag, '_') + "communities", console);
+void Kiir_com_graph_PX(Community_graph& graph, std::size_t n_exact_coms, Level_files const& files) {
+    Text_file file(files.File("graph_of_" + files.run.Flag_before('_') + "communities"), files.run);
     // Deliberate: this header lacks the word "communities".
-    file.Put("# The graph of " + Word_before(com_flag, ' ') + "at k=" + int2string(k) + "\n#" +
-             alap_szoveg + '\n');
+    file.Put("# The graph of " + files.run.Flag_before(' ') + "at k=" + int2string(files.k) +
+             "\n#" + files.run.alap_szoveg + '\n');
     graph.Walk([&](std::uint32_t community, std::span<Overlap const> row) {
         Line_start const start(community, community >= n_exact_coms);
         for (Overlap const& overlap : row) {

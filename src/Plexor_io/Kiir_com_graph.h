@@ -4,7 +4,7 @@
 #define PLEXOR_KIIR_COM_GRAPH_H
 
 #include "Coms_funcs/Community_graph.h"
-#include "support/Console.h"
+#include "Plexor_io/Result_files.h"
 
 #include <cstdint>
 #include <string>
@@ -13,9 +13,7 @@ namespace cpm {
 
 /// Walks the graph, which counts the statistics on the way. The communities from `n_exact_coms` on
 /// hold approximated cliques, which "-" before their numbers shows.
-void Kiir_com_graph_PX(Community_graph& graph, std::size_t n_exact_coms, std::string const& dir,
-                       std::uint32_t k, std::string const& com_flag, std::string const& alap_szoveg,
-                       Console& console);
+void Kiir_com_graph_PX(Community_graph& graph, std::size_t n_exact_coms, Level_files const& files);
 
 } // namespace cpm
 

@@ -1,33 +1,24 @@
 // SPDX-License-Identifier: MIT
 #include "Plexor_io/Kiir_coms.h"
 
-#include "Plexor_io/Result_place.h"
+#include "Plexor_io/My_int2string.h"
 #include "Plexor_io/Text_file.h"
-#include "support/My_int2string.h"
 
 namespace cpm {
 
 namespace {
 
-std::string Prepared_path(std::string const& dir, std::uint32_t k, std::string const& com_flag,
-                          std::string const& name) {
-    return Prepare_k_dir(dir, k) + "/" + Word_before(com_flag, '_') + name;
-}
-
 // "# The <what>communities at k=<k>" and the description of the run.
-void Put_header(std::string const& what, std::uint32_t k, std::string const& com_flag,
-                std::string const& alap_szoveg, Text_sink& sink) {
-    sink.Put("# The " + what + Word_before(com_flag, ' ') + "communities at k=" + int2string(k) +
-             "\n#" + alap_szoveg);
+void Put_header(std::string const& what, Level_files const& files, Text_sink& sink) {
+    sink.Put("# The " + what + files.run.Flag_before(' ') +
+             "communities at k=" + int2string(files.k) + "\n#" + files.run.alap_szoveg);
 }
 
 } // namespace
 
-void Kiir_coms_PX(Communities const& coms, std::string const& dir, std::uint32_t k,
-                  Name_labels const& labels, std::string const& com_flag,
-                  std::string const& alap_szoveg, Console& console) {
-    Text_file file(Prepared_path(dir, k, com_flag, "communities"), console);
-    Put_header("", k, com_flag, alap_szoveg, file);
+void Kiir_coms_PX(Communities const& coms, Name_labels const& labels, Level_files const& files) {
+    Text_file file(files.File(files.run.Flag_before('_') + "communities"), files.run);
+    Put_header("", files, file);
     if (coms.n_exact < coms.size()) {
         file.Put("# Negative indices indicate approximate communities.\n");
     }
@@ -37,12 +28,10 @@ void Kiir_coms_PX(Communities const& coms, std::string const& dir, std::uint32_t
     }
 }
 
-void Kiir_coms_cliques_PX(Communities const& coms, std::string const& dir, std::uint32_t k,
-                          std::size_t n_exact_cliques, std::string const& com_flag,
-                          std::string const& alap_szoveg, Console& console) {
-    Text_file file(Prepared_path(dir, k, com_flag, "communities_cliques"), console);
-    Put_header("contained " + Word_before(com_flag, ' ') + "cliques in the ", k, com_flag,
-               alap_szoveg, file);
+void Kiir_coms_cliques_PX(Communities const& coms, std::size_t n_exact_cliques,
+                          Level_files const& files) {
+    Text_file file(files.File(files.run.Flag_before('_') + "communities_cliques"), files.run);
+    Put_header("contained " + files.run.Flag_before(' ') + "cliques in the ", files, file);
     file.Put('\n');
     for (std::size_t i = 0; i < coms.cliques.size(); ++i) {
         bool const approximated = i >= coms.n_exact;
@@ -56,19 +45,15 @@ void Kiir_coms_cliques_PX(Communities const& coms, std::string const& dir, std::
     }
 }
 
-void Kiir_com_links_PX(Communities const& coms, std::string const& dir, std::uint32_t k,
-                       Link_lines& lines, std::string const& com_flag,
-                       std::string const& alap_szoveg, Console& console) {
-    Text_file file(Prepared_path(dir, k, com_flag, "communities_links"), console);
-    Put_header("links inside the ", k, com_flag, alap_szoveg, file);
+void Kiir_com_links_PX(Communities const& coms, Link_writer& lines, Level_files const& files) {
+    Text_file file(files.File(files.run.Flag_before('_') + "communities_links"), files.run);
+    Put_header("links inside the ", files, file);
     file.Put('\n');
-    Take_links const put_lines{
-        .numbers = [&](std::span<Link_number const> numbers) { lines.Put(numbers, file); },
-        .all_pairs = [&](Node_set nodes) { lines.Put_all_pairs(nodes, file); }};
+    Links_to_text links(lines, file);
     for (std::size_t i = 0; i < coms.size(); ++i) {
         file.Put_number(i, i >= coms.n_exact);
         file.Put(":\n");
-        coms.links(i, put_lines);
+        coms.Visit_links(i, links);
     }
 }
 

@@ -5,32 +5,26 @@
 #ifndef PLEXOR_KIIR_COMS_H
 #define PLEXOR_KIIR_COMS_H
 
-#include "Plexor_io/Link_lines.h"
+#include "Plexor_io/Link_writer.h"
 #include "Plexor_io/Name_labels.h"
-#include "Types.h"
-#include "support/Console.h"
+#include "Plexor_io/Result_files.h"
+#include "graph/Types.h"
 
 #include <cstdint>
 #include <string>
 
 namespace cpm {
 
-/// The names of the nodes of each community. `com_flag` is the word for the kind of run,
-/// `alap_szoveg` describes the run; so for the others.
-void Kiir_coms_PX(Communities const& coms, std::string const& dir, std::uint32_t k,
-                  Name_labels const& labels, std::string const& com_flag,
-                  std::string const& alap_szoveg, Console& console);
+/// The names of the nodes of each community.
+void Kiir_coms_PX(Communities const& coms, Name_labels const& labels, Level_files const& files);
 
 /// The numbers of the cliques of each community. From `n_exact_cliques` on the cliques are
 /// approximated, which "-" shows.
-void Kiir_coms_cliques_PX(Communities const& coms, std::string const& dir, std::uint32_t k,
-                          std::size_t n_exact_cliques, std::string const& com_flag,
-                          std::string const& alap_szoveg, Console& console);
+void Kiir_coms_cliques_PX(Communities const& coms, std::size_t n_exact_cliques,
+                          Level_files const& files);
 
 /// The links inside each community, one a line.
-void Kiir_com_links_PX(Communities const& coms, std::string const& dir, std::uint32_t k,
-                       Link_lines& lines, std::string const& com_flag,
-                       std::string const& alap_szoveg, Console& console);
+void Kiir_com_links_PX(Communities const& coms, Link_writer& lines, Level_files const& files);
 
 } // namespace cpm
 

@@ -2,16 +2,13 @@
 #include "Plexor_io/Kiir_graph.h"
 
 #include "Plexor_io/Text_file.h"
-#include "support/Direktoriz.h"
 
 namespace cpm {
 
-void Kiir_graph(Link_map const& links, std::string const& out_dir, bool directed,
-                std::string const& header_text, bool weighted, Console& console) {
-    Dir_prepare(out_dir, "keep");
-    Text_file file(out_dir + (directed ? "/directed_graph" : "/graph"), console);
+void Kiir_graph(Link_map const& links, bool directed, bool weighted, Run_files& files) {
+    Text_file file(files.place.Prepare().File(directed ? "directed_graph" : "graph"), files);
     file.Put("# The links");
-    file.Put(header_text);
+    file.Put(files.alap_szoveg);
     // Deliberate: undirected runs say so although mutual links are listed. They become one link
     // only when the nodes get their indices.
     file.Put(directed ? "# (self-links were removed)\n\n"

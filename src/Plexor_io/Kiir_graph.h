@@ -3,8 +3,8 @@
 #ifndef PLEXOR_KIIR_GRAPH_H
 #define PLEXOR_KIIR_GRAPH_H
 
-#include "Types.h"
-#include "support/Console.h"
+#include "Plexor_io/Result_files.h"
+#include "graph/Types.h"
 
 #include <string>
 
@@ -12,8 +12,7 @@ namespace cpm {
 
 /// One line a link, in the order of the link map, with the weight when `weighted`. A link and its
 /// reverse are two lines whatever the run.
-void Kiir_graph(Link_map const& links, std::string const& out_dir, bool directed,
-                std::string const& header_text, bool weighted, Console& console);
+void Kiir_graph(Link_map const& links, bool directed, bool weighted, Run_files& files);
 
 } // namespace cpm
 

@@ -5,8 +5,8 @@
 #ifndef PLEXOR_NAME_LABELS_H
 #define PLEXOR_NAME_LABELS_H
 
-#include "Types.h"
-#include "support/Text_sink.h"
+#include "Plexor_io/Text_sink.h"
+#include "graph/Types.h"
 
 #include <array>
 #include <string_view>

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Plexor_io/Out_dir.h"
 
-#include "support/Direktoriz.h"
-#include "support/Errors.h"
-#include "support/My_double2string.h"
+#include "Plexor_io/My_double2string.h"
 
 namespace cpm {
 
@@ -37,12 +35,8 @@ void Generate_com_flag(std::string& flag, bool directed, bool intensity) {
     flag = intensity ? "intensity" : directed ? "directed" : "";
 }
 
-void Check_out_dir(std::string const& out_dir) {
-    bool empty = false;
-    std::string message;
-    if (Is_there_such_dir(out_dir, empty, message) && !empty && !List_dir(out_dir).empty()) {
-        throw Xerror_msg("ERROR: the output directory already exists and it is non-empty.\n");
-    }
+Result_place Check_out_dir(std::string const& out_dir) {
+    return Result_place(out_dir);
 }
 
 } // namespace cpm

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
-// The output directory: its name, and whether it may be written into. And the community flag, the
+// The name of the output directory, and whether it may be written into. And the community flag, the
 // short word that tells the writers which kind of search produced the results.
 #ifndef PLEXOR_OUT_DIR_H
 #define PLEXOR_OUT_DIR_H
 
 #include "Plexor_io/Read_links.h"
+#include "Plexor_io/Result_place.h"
 #include "Plexor_io/Run_settings.h"
 
 #include <optional>
@@ -22,8 +23,8 @@ std::string Output_dir_name(std::string const& input_file, Weight_interval const
 /// "" for an undirected search, "directed" or "intensity".
 void Generate_com_flag(std::string& flag, bool directed, bool intensity);
 
-/// Refuses a directory that holds something. Throws Xerror_msg.
-void Check_out_dir(std::string const& out_dir);
+/// The place for the results. Refuses a directory that holds something: throws Xerror_msg.
+Result_place Check_out_dir(std::string const& out_dir);
 
 } // namespace cpm
 

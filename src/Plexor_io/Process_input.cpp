@@ -2,10 +2,10 @@
 #include "Plexor_io/Process_input.h"
 
 #include "Plexor_io/Header_text.h"
+#include "Plexor_io/My_convert_from_string.h"
 #include "Plexor_io/Out_dir.h"
 #include "Plexor_io/Usage.h"
 #include "support/Errors.h"
-#include "support/My_convert_from_string.h"
 
 #include <algorithm>
 #include <array>
@@ -40,9 +40,10 @@ void Take_out_dir(Switch_params const& params, Input_request& request) {
     if (!Take_param(out_dir, name, params, request)) {
         return;
     }
-    // Without this, the files of the run would go to the root of the file system.
+    // Without this, the files of the run would go to the root of the file system. With -I the name
+    // is not empty in the end: it gets the ending of the intensity.
     std::vector<std::string> const& values = params[name];
-    if (!values.empty() && out_dir.empty()) {
+    if (!values.empty() && out_dir.empty() && !params.contains("-I")) {
         request.error_text += Unable_to_interpret(out_dir, name);
         request.error = true;
     }
@@ -53,29 +54,46 @@ void Take_out_dir(Switch_params const& params, Input_request& request) {
 
 void Process_input(int argc, char const* const* argv, Run_settings& settings, Link_map& links,
                    Console& console) {
+    Input_request request;
+    Take_command_line(argc, argv, settings, request, console);
+    Get_links(settings, request, Links_of_file(request), links);
+}
+
+void Take_command_line(int argc, char const* const* argv, Run_settings& settings,
+                       Input_request& request, Console& console) {
     Switches const switches(argc, argv);
     settings = Run_settings();
-    Input_request request;
+    request = Input_request();
     Examin_params(Switch_params(switches.Params()), settings, request);
     if (request.help) {
         Print_detailed_usage(switches.Prog_name(), console);
-        throw Xerror_msg("");
+        throw Usage_shown(true);
     }
     if (request.error) {
         Print_usage(switches.Prog_name(), request.error_text, console);
-        throw Xerror_msg("");
+        throw Usage_shown(false);
     }
+}
+
+void Get_links(Run_settings& settings, Input_request const& request, Link_source const& source,
+               Link_map& links) {
     settings.out_dir = Output_dir_name(request.input_file, request.weights, request.digits,
                                        request.out_dir, settings);
     settings.weighted =
         request.weights.lower_set || request.weights.upper_set || settings.intensity;
-    if (settings.weighted) {
-        Read_weighted_links(request.input_file, links, request.weights);
-    } else {
-        Read_unw_links(request.input_file, links);
-    }
+    source(settings.weighted, links);
     Generate_com_flag(settings.com_flag, settings.directed, settings.intensity);
     Generate_alap_szoveg(settings.header_text, request.input_file, request.weights);
+}
+
+Link_source Links_of_file(Input_request const& request) {
+    return [&request](bool weighted, Link_map& links) {
+        if (weighted) {
+            Read_weighted_links(request.input_file, links, request.weights);
+        } else {
+            Read_unw_links(request.input_file, links);
+        }
+    };
 }
 
 void Examin_params(Switch_params const& params, Run_settings& settings, Input_request& request) {

@@ -9,15 +9,11 @@
 // Tested   Read_links_test.cpp, the link reader's fuzzer, the runs against the plain model.
 #include "Plexor_io/Read_links.h"
 
-#include "Link_order.h"
 #include "Plexor_io/Line_reader.h"
-#include "Plexor_io/Name_interner.h"
+#include "graph/Link_collector.h"
 #include "support/Errors.h"
 
-#include <array>
-#include <bit>
 #include <charconv>
-#include <cstring>
 #include <sstream>
 
 namespace cpm {
@@ -92,99 +88,13 @@ bool Read_weight(std::string_view text, double& weight) {
     return static_cast<bool>(stream >> weight);
 }
 
-// Collects links in batches. The names of a whole batch are asked for before the first is looked
-// up, so that the cache misses of the hash table overlap: this halves the time of reading.
-class Link_collector {
-public:
-    Link_collector(Line_reader const& reader, bool weighted)
-        : reader_(reader), weighted_(weighted) {}
-
-    void Add(std::string_view source, std::string_view target, double weight) {
-        Entry& entry = batch_[filled_++];
-        entry = {source, target, Name_interner::Key(source, reader_.Readable(source.data())),
-                 Name_interner::Key(target, reader_.Readable(target.data()))};
-        names_.Prefetch(entry.source_key);
-        names_.Prefetch(entry.target_key);
-        if (weighted_) {
-            weights_.push_back(weight);
-        }
-        if (filled_ == batch_.size()) {
-            Close_batch();
-        }
-    }
-    // The names of a batch lie in the reader's block: to be called before that changes.
-    void Close_batch() {
-        for (std::size_t i = 0; i < filled_; ++i) {
-            Entry const& entry = batch_[i];
-            Node const source = names_.Number(entry.source, entry.source_key);
-            links_.push_back({source, names_.Number(entry.target, entry.target_key)});
-        }
-        filled_ = 0;
-    }
-    // Hands over the names in their order, and the links as they came.
-    void Finish(Link_map& links);
-
-private:
-    struct Entry {
-        std::string_view source;
-        std::string_view target;
-        std::uint64_t source_key = 0;
-        std::uint64_t target_key = 0;
-    };
-
-    Line_reader const& reader_;
-    bool weighted_;
-    Name_interner names_;
-    std::array<Entry, 32> batch_;
-    std::size_t filled_ = 0;
-    Flat_array<Node_pair> links_;
-    Flat_array<double> weights_;
-};
-
-// The first eight bytes of a name as a number that orders as the bytes do.
-std::uint64_t Order_prefix(std::string_view name) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, name.data(), std::min(name.size(), sizeof(word)));
-    return std::endian::native == std::endian::little ? __builtin_bswap64(word) : word;
-}
-
-struct Ordered_name {
-    std::uint64_t prefix = 0;
-    Node number = 0;
-};
-
-void Link_collector::Finish(Link_map& links) {
-    names_.Release_table();
-    Name_table const& names = names_.Names();
-    Node const n_names = static_cast<Node>(names.size());
-    Flat_array<Ordered_name> order;
-    order.Resize_uninitialised(n_names);
-    for (Node number = 0; number < n_names; ++number) {
-        order[number] = {Order_prefix(names[number]), number};
-    }
-    std::sort(order.begin(), order.end(), [&](Ordered_name const& a, Ordered_name const& b) {
-        return a.prefix != b.prefix ? a.prefix < b.prefix : names[a.number] < names[b.number];
-    });
-    Flat_array<Node> rank;
-    rank.Resize_uninitialised(n_names);
-    links.names.Reserve(n_names, names.Bytes());
-    for (Node place = 0; place < n_names; ++place) {
-        rank[order[place].number] = place;
-        links.names.Add(names[order[place].number]);
-    }
-    order.Release();
-    for (Node_pair& link : links_) {
-        link = {rank[link.first], rank[link.second]};
-    }
-    links.links = std::move(links_);
-    links.weights = std::move(weights_);
-}
-
 template <class Accept_weight>
-void Read_links(std::string const& file, Link_map& links, bool weighted, Accept_weight accept) {
+void Collect_links(std::string const& file, Link_collector& collector, bool weighted,
+                   Accept_weight accept) {
     Line_reader reader(file);
-    links = Link_map();
-    Link_collector collector(reader, weighted);
+    auto const keyed = [&reader](std::string_view name) {
+        return Link_collector::Keyed(name, reader.Readable(name.data()));
+    };
     std::string_view line;
     while (reader.Next_block()) {
         while (reader.Next_line(line)) {
@@ -200,34 +110,42 @@ void Read_links(std::string const& file, Link_map& links, bool weighted, Accept_
                 throw Xep_wrong_line(std::string(trimmed));
             }
             if (source != target && accept(weight)) {
-                collector.Add(source, target, weight);
+                collector.Add(keyed(source), keyed(target), weight);
             }
         }
-        collector.Close_batch();
+        collector.Close_batch(); // its names lie in the block, which goes now
     }
+}
+
+template <class Accept_weight>
+void Read_links(std::string const& file, Link_map& links, bool weighted, Accept_weight accept) {
+    links = Link_map();
+    Link_collector collector(weighted);
+    Collect_links(file, collector, weighted, accept);
     collector.Finish(links);
 }
 
-void Merge(Link_map& links) {
-    Sort_and_merge(links.links, links.weights, static_cast<Node>(links.names.size()));
+bool Any_weight(double) {
+    return true;
 }
 
 } // namespace
 
 void Read_links_as_given(std::string const& file, Link_map& links, bool weighted) {
-    Read_links(file, links, weighted, [](double) { return true; });
+    links = Link_map();
+    Link_collector collector(weighted);
+    Collect_links(file, collector, weighted, Any_weight);
+    collector.Finish_unmerged(links);
 }
 
 void Read_unw_links(std::string const& file, Link_map& links) {
-    Read_links_as_given(file, links, false);
-    Merge(links);
+    Read_links(file, links, false, Any_weight);
 }
 
 void Read_weighted_links(std::string const& file, Link_map& links,
                          Weight_interval const& interval) {
     Read_links(file, links, true,
                [&](double weight) { return Link_in_interval(weight, interval); });
-    Merge(links);
 }
 
 } // namespace cpm

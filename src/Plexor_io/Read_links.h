@@ -4,7 +4,7 @@
 #ifndef PLEXOR_READ_LINKS_H
 #define PLEXOR_READ_LINKS_H
 
-#include "Types.h"
+#include "graph/Types.h"
 
 #include <string>
 

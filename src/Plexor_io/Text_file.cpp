@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Plexor_io/Text_file.h"
 
-#include "support/Write_all.h"
+#include "Plexor_io/Write_all.h"
 
-#include <fcntl.h>
 #include <unistd.h>
 
 namespace cpm {
@@ -12,14 +11,12 @@ namespace {
 
 // Large enough that a system call is rare, small enough to stay in the second-level cache.
 constexpr std::size_t buffer_size = std::size_t{1} << 18;
-constexpr mode_t file_mode = 0666;
 
 } // namespace
 
-Text_file::Text_file(std::string path, Console& console)
-    : path_(std::move(path)), console_(console),
-      descriptor_(::open(path_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, file_mode)),
-      failed_(descriptor_ < 0), buffer_(new char[buffer_size]) {
+Text_file::Text_file(New_file const& file, Run_files& files)
+    : path_(file.Path()), files_(files), buffer_(new char[buffer_size]), descriptor_(file.Make()),
+      failed_(descriptor_ < 0) {
     Set_buffer(buffer_.get(), buffer_.get() + buffer_size);
 }
 
@@ -30,9 +27,10 @@ Text_file::~Text_file() {
         failed_ = true;
     }
     if (failed_) {
-        console_.Put(" WARNING: could not write '");
-        console_.Put(path_);
-        console_.Put_line("'.");
+        files_.console.Put(" WARNING: could not write '");
+        files_.console.Put(path_);
+        files_.console.Put_line("'.");
+        files_.not_written.push_back(std::move(path_));
     }
 }
 

@@ -3,8 +3,8 @@
 #ifndef PLEXOR_TEXT_FILE_H
 #define PLEXOR_TEXT_FILE_H
 
-#include "support/Console.h"
-#include "support/Text_sink.h"
+#include "Plexor_io/Result_files.h"
+#include "Plexor_io/Text_sink.h"
 
 #include <memory>
 #include <string>
@@ -13,10 +13,11 @@ namespace cpm {
 
 class Text_file : public Text_sink {
 public:
-    /// Opens the file for writing, emptied. A file that cannot be opened, or later not be written
-    /// whole, does not stop the run: closing it says " WARNING: could not write '<path>'." on the
-    /// console, once.
-    Text_file(std::string path, Console& console);
+    /// Makes the file, once there is memory for its text. A file that cannot be made, as when
+    /// something has its name, or later not be written whole, does not stop the run: closing it
+    /// says " WARNING: could not write '<path>'." on the console, once,
+    /// and notes it in `files`. Throws what New_file::Make() does.
+    Text_file(New_file const& file, Run_files& files);
     ~Text_file() override;
 
 protected:
@@ -26,10 +27,11 @@ private:
     void Flush();
 
     std::string path_;
-    Console& console_;
+    Run_files& files_;
+    // Before the descriptor: no file is left behind for which there is no memory.
+    std::unique_ptr<char[]> buffer_;
     int descriptor_;
     bool failed_;
-    std::unique_ptr<char[]> buffer_;
 };
 
 } // namespace cpm

@@ -3,7 +3,7 @@
 #ifndef PLEXOR_USAGE_H
 #define PLEXOR_USAGE_H
 
-#include "support/Console.h"
+#include "Plexor_io/Console.h"
 
 #include <string>
 

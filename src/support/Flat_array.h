@@ -5,7 +5,7 @@
 #ifndef PLEXOR_FLAT_ARRAY_H
 #define PLEXOR_FLAT_ARRAY_H
 
-#include "support/Large_pages.h"
+#include "support/Huge_pages.h"
 
 #include <cassert>
 #include <cstddef>
@@ -131,7 +131,7 @@ private:
             }
             handler();
         }
-        Ask_for_large_pages(moved, capacity * sizeof(T));
+        Ask_for_huge_pages(moved, capacity * sizeof(T));
         data_ = static_cast<T*>(moved);
         capacity_ = static_cast<Size>(capacity);
     }

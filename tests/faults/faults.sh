@@ -3,7 +3,8 @@
 # What the program does when the machine lets it down: files that cannot be read or written, a full
 # disk, a reader or a terminal that goes away, too little memory. Every run must end with status 0
 # and a line that says what is wrong, and must leave other people's files alone.
-#   faults.sh CASE PROGRAM LOST_TERMINAL      status 77: the case cannot be run on this machine
+#   faults.sh CASE PROGRAM LOST_TERMINAL SIZE_48      status 77: not on this machine
+# SIZE_48 is a library that makes every directory look as if it had 48 bytes.
 #
 # Nothing here depends on time. Where something has to happen in the middle of a run, the program is
 # held there: its reports are longer than a pipe, and nobody reads on until it has happened.
@@ -11,6 +12,7 @@ set -eu
 case=$1
 program=$2
 lost_terminal=$3
+size_48=$4
 
 work=$(mktemp -d "${TMPDIR:-/tmp}/plexor_faults_XXXXXX")
 mounted=""
@@ -235,6 +237,172 @@ case_no_right_to_make_the_directory() {
     run -i closed/net.txt
     says "ERROR: Make_dir() called with closed/net.txt_files and "
     says "Permission denied."
+}
+
+# --- Other people's files. ---
+
+refusal="ERROR: the output directory already exists and it is non-empty."
+replaced="ERROR: another directory has taken the place of the output directory."
+# A directory of somebody else, with a file of every name that a run uses.
+foreign_directory() {
+    mkdir -p "$1/k=3"
+    for file in input_params.txt graph cliques k=3/communities k=3/size_distribution; do
+        echo "foreign $file" >"$1/$file"
+    done
+    cp -R "$1" "$1.before"
+}
+is_as_before() {
+    diff -r "$1.before" "$1" || fail "somebody else's files were changed"
+}
+
+case_link_in_mid_run() {
+    foreign_directory foreign
+    in_mid_run 'mv out moved; ln -s foreign out'
+    says "$replaced"
+    says_nothing_of WARNING
+    is_as_before foreign
+    [ ! -e moved/cliques ] || fail "the run went on"
+}
+
+case_link_to_an_empty_directory_in_mid_run() {
+    mkdir foreign
+    in_mid_run 'mv out moved; ln -s foreign out'
+    says "$replaced"
+    [ -z "$(ls foreign)" ] || fail "the link was followed"
+}
+
+case_other_directory_in_mid_run() {
+    foreign_directory foreign
+    in_mid_run 'mv out moved; cp -R foreign out'
+    says "$replaced"
+    diff -r foreign out || fail "somebody else's files were changed"
+}
+
+case_link_above_in_mid_run() {
+    foreign_directory foreign/out
+    mkdir above
+    strip 8000 >strip.txt
+    { status=0; ./plexor -i strip.txt -o above/out 2>errors.txt || status=$?
+      echo "$status" >status.txt; } |
+        { head -c 3000 >beginning.txt; mv above moved; ln -s foreign above; cat >out.txt; }
+    ended_well
+    says "$replaced"
+    is_as_before foreign/out
+}
+
+case_link_in_place_of_a_file() {
+    echo foreign >foreign.txt
+    in_mid_run 'ln -s ../foreign.txt out/cliques'
+    says " WARNING: could not write 'out/cliques'."
+    [ "$(grep -c WARNING out.txt)" -eq 1 ] || fail "a warning too many"
+    ran_to_its_end
+    [ "$(cat foreign.txt)" = foreign ] || fail "the link was followed"
+    [ -s out/k=3/communities ] || fail "the other files are not there"
+}
+
+case_link_to_nowhere_in_place_of_a_file() {
+    in_mid_run 'ln -s ../new.txt out/cliques'
+    says " WARNING: could not write 'out/cliques'."
+    ran_to_its_end
+    [ ! -e new.txt ] || fail "the link was followed"
+}
+
+case_link_in_place_of_a_directory_of_k() {
+    foreign_directory foreign
+    in_mid_run 'ln -s ../foreign out/k=3'
+    [ "$(grep -c "^ WARNING: could not write 'out/k=3/" out.txt)" -eq 8 ] || fail "warnings"
+    ran_to_its_end
+    is_as_before foreign
+    [ -s out/cliques ] || fail "the other files are not there"
+}
+
+case_pipe_in_place_of_a_file() {
+    in_mid_run 'mkfifo out/cliques'
+    says " WARNING: could not write 'out/cliques'."
+    ran_to_its_end
+    [ -p out/cliques ] || fail "the pipe is gone"
+}
+
+case_files_in_place_of_files() {
+    in_mid_run 'mkdir out/k=3; echo foreign >out/cliques; echo foreign >out/k=3/communities'
+    says " WARNING: could not write 'out/cliques'."
+    says " WARNING: could not write 'out/k=3/communities'."
+    [ "$(grep -c WARNING out.txt)" -eq 2 ] || fail "a warning too many"
+    ran_to_its_end
+    [ "$(cat out/cliques out/k=3/communities)" = "foreign
+foreign" ] || fail "somebody else's files were changed"
+}
+
+case_link_to_nowhere_where_a_file_is_moved() {
+    in_mid_run 'echo foreign >out/k=3; ln -s nowhere out/k=31'
+    says_nothing_of WARNING
+    ran_to_its_end
+    [ "$(cat out/k=32)" = foreign ] || fail "the file was not moved aside"
+    [ "$(readlink out/k=31)" = nowhere ] || fail "the link was replaced"
+}
+
+case_directory_that_counts_as_empty() {
+    (LD_PRELOAD=$size_48 ./plexor -h >/dev/null 2>&1) || skip "no preloading in this build"
+    as_user="env LD_PRELOAD=$size_48"
+    mkdir out other
+    echo foreign >out/graph
+    run -i net.txt -o out
+    says " WARNING: could not write 'out/graph'."
+    [ "$(grep -c WARNING out.txt)" -eq 1 ] || fail "a warning too many"
+    ran_to_its_end
+    [ "$(cat out/graph)" = foreign ] || fail "somebody else's file was changed"
+    echo foreign >other/input_params.txt
+    run -i net.txt -o other
+    says " WARNING: could not write 'other/input_params.txt'."
+    ran_to_its_end
+    [ "$(cat other/input_params.txt)" = foreign ] || fail "somebody else's file was changed"
+}
+
+case_two_runs_at_once() {
+    printf 'cat dog\ndog eel\neel cat\neel fox\n' >other.txt
+    ./plexor -i net.txt -o whole_1 >/dev/null
+    ./plexor -i other.txt -o whole_2 >/dev/null
+    # The headers name the input; each file tells whose it is.
+    for turn in $(seq 200); do
+        rm -rf here
+        case $((turn % 3)) in
+        0) mkdir -p here/out ;;
+        1) mkdir here ;;
+        esac
+        ./plexor -i net.txt -o here/out >1.txt 2>errors.txt &
+        ./plexor -i other.txt -o here/out >2.txt 2>>errors.txt
+        wait $!
+        echo 0 >status.txt
+        ended_well
+        winner=1
+        grep -qxF "$refusal" 2.txt || winner=2
+        mv $winner.txt out.txt
+        ran_to_its_end
+        says_nothing_of WARNING
+        mv $((3 - winner)).txt out.txt
+        says "$refusal"
+        diff -r whole_$winner here/out || fail "turn $turn: the results of two runs are mixed"
+    done
+}
+
+case_killed_run_and_another() {
+    strip 8000 >strip.txt
+    mkfifo reports
+    ./plexor -i strip.txt -o out >reports 2>errors.txt &
+    exec 3<reports
+    head -c 3000 <&3 >beginning.txt
+    kill -9 $!
+    wait $! || true
+    exec 3<&-
+    [ -e out/input_params.txt ] || fail "the run had not begun to write"
+    cp -R out out.before
+    run -i net.txt -o out
+    says "$refusal"
+    is_as_before out
+    rm -r out
+    run -i net.txt -o out
+    ran_to_its_end
+    same_results net.txt
 }
 
 # --- Reports that nobody takes. ---

@@ -1,11 +1,28 @@
 # SPDX-License-Identifier: MIT
 # Installs into an empty prefix and compares the files there with the list below, both ways.
+set(packed)
+if(GZIP)
+    set(packed .gz)
+endif()
 set(expected
     ${BINDIR}/plexor
-    ${MANDIR}/man1/plexor.1
+    ${MANDIR}/man1/plexor.1${packed}
     ${DATADIR}/bash-completion/completions/plexor
-    ${DATADIR}/doc/plexor/CHANGELOG.md
-    ${DATADIR}/doc/plexor/copyright)
+    ${DATADIR}/fish/vendor_completions.d/plexor.fish
+    ${DATADIR}/zsh/site-functions/_plexor
+    ${DATADIR}/doc/plexor/CITATION.cff
+    ${DATADIR}/doc/plexor/README.md
+    ${DATADIR}/doc/plexor/changelog${packed}
+    ${DATADIR}/doc/plexor/copyright
+    ${DATADIR}/doc/plexor/docs/formats.md
+    ${DATADIR}/doc/plexor/docs/guide.md
+    ${DATADIR}/doc/plexor/docs/how-it-works.md
+    ${DATADIR}/doc/plexor/docs/limits.md
+    ${DATADIR}/doc/plexor/docs/performance.md
+    ${DATADIR}/doc/plexor/docs/us-airports.svg
+    ${DATADIR}/doc/plexor/examples/README.md
+    ${DATADIR}/doc/plexor/examples/uk-faculty.txt
+    ${DATADIR}/doc/plexor/examples/us-airports.txt)
 list(SORT expected)
 
 unset(ENV{DESTDIR})

@@ -53,7 +53,15 @@ must_be_same("the table of the README" "${of_readme}" "${of_usage}")
 execute_process(
     COMMAND ${BASH} -c
         "source \"$1\"; COMP_WORDS=(plexor -); COMP_CWORD=1; _plexor; printf '\\n%s' \"\${COMPREPLY[@]}\""
-        bash ${COMPLETION}
+        bash ${COMPLETIONS}/plexor.bash
     OUTPUT_VARIABLE completion)
 switches_in("${completion}" "\n-([a-zA-Z])" of_completion)
-must_be_same("the completion" "${of_completion}" "${of_usage}")
+must_be_same("the completion for Bash" "${of_completion}" "${of_usage}")
+
+# The other shells may not be there: their files are read.
+file(READ ${COMPLETIONS}/_plexor of_zsh)
+switches_in("${of_zsh}" "[')]-([a-zA-Z])" of_zsh)
+file(READ ${COMPLETIONS}/plexor.fish of_fish)
+switches_in("${of_fish}" "\ncomplete -c plexor -o ([a-zA-Z]) " of_fish)
+must_be_same("the completion for Zsh" "${of_zsh}" "${of_usage}")
+must_be_same("the completion for fish" "${of_fish}" "${of_usage}")

@@ -100,6 +100,8 @@ void Add_below(int fd, std::string const& prefix, Tree& tree) {
                 Fail("read the link", name);
             }
             entry = {Entry::Kind::symlink, std::string(target.data(), static_cast<std::size_t>(n))};
+        } else if (S_ISFIFO(mode)) {
+            entry = {Entry::Kind::pipe, ""};
         } else {
             entry = {Entry::Kind::file, Read_all(Open(fd, name, O_RDONLY).Get())};
         }
@@ -133,6 +135,11 @@ void Make(int at, std::string const& name, Entry const& entry) {
     case Entry::Kind::symlink:
         if (::symlinkat(entry.content.c_str(), at, name.c_str()) != 0) {
             Fail("link", name);
+        }
+        break;
+    case Entry::Kind::pipe:
+        if (::mkfifoat(at, name.c_str(), 0644) != 0) {
+            Fail("make the pipe", name);
         }
         break;
     case Entry::Kind::file: {

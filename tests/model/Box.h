@@ -10,9 +10,9 @@
 namespace cpm::model {
 
 struct Entry {
-    enum class Kind { directory, file, symlink };
+    enum class Kind { directory, file, symlink, pipe };
     Kind kind = Kind::directory;
-    std::string content; // a file's bytes, a symbolic link's target, empty for a directory
+    std::string content; // a file's bytes, a symbolic link's target, else empty
 
     bool operator==(Entry const&) const = default;
 };

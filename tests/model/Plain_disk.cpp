@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <map>
 #include <set>
 #include <sstream>
@@ -28,6 +29,12 @@ std::vector<std::string> Components(std::string const& path) {
 
 bool Is_there(std::string const& path) {
     return ::access(path.c_str(), F_OK) == 0;
+}
+
+/// True when the path has anything at all, be it a link that leads nowhere.
+bool Is_taken(std::string const& path) {
+    struct stat ignored {};
+    return ::lstat(path.c_str(), &ignored) == 0;
 }
 
 bool Is_directory(std::string const& path) {
@@ -98,7 +105,7 @@ void Prepare_dir(std::string const& path) {
     }
     if (Is_there(path)) {
         unsigned n = 1;
-        while (Is_there(path + std::to_string(n))) {
+        while (Is_taken(path + std::to_string(n))) {
             ++n;
         }
         std::string const aside = path + std::to_string(n);
@@ -114,6 +121,17 @@ void Prepare_dir(std::string const& path) {
         }
         prefix += "/";
     }
+    // By now the path may lead to a directory that was out of reach before.
+    Refuse_non_empty(path);
+}
+
+bool Write_new(std::string const& path, std::string const& text) {
+    if (Is_taken(path)) {
+        return false;
+    }
+    std::ofstream file(path, std::ios::binary);
+    file << text << std::flush;
+    return file.good();
 }
 
 } // namespace cpm::model

@@ -45,7 +45,9 @@ void Read_value(Switches const& switches, std::string const& name, std::optional
         return;
     }
     std::string const& text = found->second.front();
-    if ((name == "-o" && text.empty()) || !Read(text, *value)) {
+    // An empty name stays empty unless -I adds its ending to it.
+    bool const no_name = name == "-o" && text.empty() && !switches.contains("-I");
+    if (no_name || !Read(text, *value)) {
         errors += " Unable to interpret the value '" + text + "' for switch " + name + ".\n";
     }
 }

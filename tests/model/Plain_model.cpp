@@ -7,7 +7,6 @@
 #include "Plain_text.h"
 
 #include <exception>
-#include <fstream>
 #include <sstream>
 
 namespace cpm::model {
@@ -130,9 +129,7 @@ struct Run {
     void Write(std::string const& directory, std::string const& name, std::string const& text) {
         Prepare_dir(directory);
         std::string const path = directory + "/" + name;
-        std::ofstream file(path);
-        file << text;
-        if (!file) {
+        if (!Write_new(path, text)) {
             out << " WARNING: could not write '" << path << "'.\n";
         }
     }

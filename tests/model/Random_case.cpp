@@ -492,6 +492,7 @@ void Add_obstacle(Case& test, Text const& path, Dice& dice) {
         put(path, Entry::Kind::file, "in the way\n");
         put(path + "1", Entry::Kind::directory, "");
         put(path + "2", Entry::Kind::file, "");
+        put(path + "3", Entry::Kind::symlink, "nowhere");
         break;
     case 4:
         put(path, Entry::Kind::directory, "");
@@ -553,6 +554,12 @@ Text Output_path(Case& test, Dice& dice) {
     }
     case 12: // the link file itself is moved aside
         return test.link_file.starts_with(work) ? test.link_file.substr(work.size()) : "out";
+    case 13: // there only once "new" has been made
+        test.tree[work + "full"] = {};
+        test.tree[work + "full/cliques"] = {Entry::Kind::file, "kept\n"};
+        return "new/../full";
+    case 14: // the working directory, which holds the link file
+        return "new/..";
     default:
         return "out";
     }

@@ -246,6 +246,8 @@ char const* Kind_name(Entry const& entry) {
         return "directory";
     case Entry::Kind::file:
         return "file";
+    case Entry::Kind::pipe:
+        return "pipe";
     case Entry::Kind::symlink:
         break;
     }

@@ -3,6 +3,8 @@
 
 from __future__ import annotations
 
+import subprocess
+import sys
 from pathlib import Path
 
 import numpy as np
@@ -140,3 +142,55 @@ def test_arrays_are_the_engines_own_and_stay(examples: Path) -> None:
     assert not members.flags.owndata and not members.flags.writeable
     del level
     assert np.array_equal(members, kept)
+
+
+MODES: list[tuple[list[str], dict]] = [
+    ([], {}),
+    (["-D"], {"directed": True}),
+    (["-w", "2", "-W", "7"], {"weights": (2, 7)}),
+    (["-D", "-w", "2"], {"weights": (2, None), "directed": True}),
+    (["-I", "3"], {"intensity": 3}),
+    (["-t", "1000"], {"time_limit": 1000}),
+]
+
+
+@pytest.mark.parametrize("switches, question", MODES, ids=lambda x: str(x))
+def test_random_lines(
+    switches: list[str], question: dict, program: Path, tmp_path: Path
+) -> None:
+    """Lists of links with everything in them: repeats, reverses, self-links, names of all kinds."""
+    rng = np.random.default_rng(len(switches))
+    alphabet = ["a", "B", "10", "9", "-1:", "é", "名", "\udcff", "long-name-of-a-node", "#"]
+    for case in range(12):
+        n, n_links = int(rng.integers(2, 14)), int(rng.integers(0, 90))
+        names = [f"n{rng.choice(alphabet)}{i}" for i in range(n)]
+        source, target = rng.integers(0, n, n_links), rng.integers(0, n, n_links)
+        weight = rng.integers(1, 40, n_links) / 4
+        lines = [f"{names[a]} {names[b]} {w}\n" for a, b, w in zip(source, target, weight)]
+        file = tmp_path / str(case)
+        file.write_bytes("".join(lines).encode("utf-8", "surrogateescape"))
+        target_folder = tmp_path / f"{case}-result"
+        command = [program, "-i", file, "-o", target_folder, *switches]
+        subprocess.run(command, check=True, stdout=subprocess.DEVNULL)
+        (directory,) = tmp_path.glob(f"{case}-result*")
+        network = plexor.Network(source, target, weight, names)
+        assert_same(plexor.find_communities(network, **question), plexor.load(directory))
+
+
+def test_too_little_memory(examples: Path) -> None:
+    """MemoryError, and whatever was there before still works."""
+    script = """
+import resource, numpy, plexor
+rng = numpy.random.default_rng(1)
+small = plexor.Network(rng.integers(0, 50, 500), rng.integers(0, 50, 500))
+before = plexor.find_communities(small)
+large = plexor.Network(rng.integers(0, 1000, 250_000), rng.integers(0, 1000, 250_000))
+used = int(open("/proc/self/statm").read().split()[0]) * resource.getpagesize()
+resource.setrlimit(resource.RLIMIT_AS, (used + 40_000_000, resource.RLIM_INFINITY))
+try:
+    plexor.find_cliques(large)
+except MemoryError:
+    print("MemoryError", plexor.find_communities(small).cliques == before.cliques)
+"""
+    done = subprocess.run([sys.executable, "-c", script], capture_output=True, text=True)
+    assert done.stdout == "MemoryError True\n", done.stderr

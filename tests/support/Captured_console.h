@@ -3,7 +3,8 @@
 #ifndef PLEXOR_CAPTURED_CONSOLE_H
 #define PLEXOR_CAPTURED_CONSOLE_H
 
-#include "support/Console.h"
+#include "Plexor_io/Console.h"
+#include "Plexor_io/Console_progress.h"
 
 #include <array>
 #include <cerrno>
@@ -19,6 +20,8 @@ public:
     /// The console to hand to the code under test.
     Console& Get() { return console_; }
     operator Console&() { return console_; }
+    /// What prints on it.
+    operator Progress&() { return progress_; }
 
     /// All text put so far, flushed or not.
     std::string Output() {
@@ -49,6 +52,7 @@ private:
 
     Memory_file file_;
     Console console_{file_.descriptor};
+    Console_progress progress_{console_};
 };
 
 } // namespace cpm

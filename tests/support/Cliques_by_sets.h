@@ -4,10 +4,10 @@
 #ifndef PLEXOR_CLIQUES_BY_SETS_H
 #define PLEXOR_CLIQUES_BY_SETS_H
 
-#include "Clique_find/Reports.h"
-#include "Vertex_maps.h"
+#include "Plexor_io/Reports.h"
+#include "Plexor_io/Text_sink.h"
+#include "records/Vertex_maps.h"
 #include "support/Graph_makers.h"
-#include "support/Text_sink.h"
 
 #include <algorithm>
 #include <deque>

@@ -3,7 +3,7 @@
 #ifndef PLEXOR_GRAPH_MAKERS_H
 #define PLEXOR_GRAPH_MAKERS_H
 
-#include "Types.h"
+#include "graph/Types.h"
 #include "support/Random_numbers.h"
 
 #include <set>
@@ -99,21 +99,36 @@ inline std::vector<std::vector<Node>> To_vectors(Set_list const& list) {
 
 /// Collects the links of a community as pairs of nodes; a number is the place in `all_pairs`.
 /// Both must outlive it.
-inline Take_links To_pairs(std::span<Node_pair const> all_pairs, std::vector<Node_pair>& result) {
-    return {.numbers =
-                [all_pairs, &result](std::span<Link_number const> numbers) {
-                    for (Link_number const number : numbers) {
-                        result.push_back(all_pairs[number]);
-                    }
-                },
-            .all_pairs =
-                [&result](Node_set nodes) {
-                    for (std::size_t i = 0; i < nodes.size(); ++i) {
-                        for (Node const larger : nodes.subspan(i + 1)) {
-                            result.push_back({nodes[i], larger});
-                        }
-                    }
-                }};
+class To_pairs : public Link_visitor {
+public:
+    To_pairs(std::span<Node_pair const> all_pairs, std::vector<Node_pair>& result)
+        : all_pairs_(all_pairs), result_(result) {}
+
+    void Numbers(std::span<Link_number const> numbers) override {
+        for (Link_number const number : numbers) {
+            result_.push_back(all_pairs_[number]);
+        }
+    }
+    void All_pairs(Node_set nodes) override {
+        for (std::size_t i = 0; i < nodes.size(); ++i) {
+            for (Node const larger : nodes.subspan(i + 1)) {
+                result_.push_back({nodes[i], larger});
+            }
+        }
+    }
+
+private:
+    std::span<Node_pair const> all_pairs_;
+    std::vector<Node_pair>& result_;
+};
+
+/// The links of a community as pairs of nodes.
+inline std::vector<Node_pair> Links_of(Communities const& coms, std::size_t community,
+                                       std::span<Node_pair const> all_pairs) {
+    std::vector<Node_pair> pairs;
+    To_pairs visitor(all_pairs, pairs);
+    coms.Visit_links(community, visitor);
+    return pairs;
 }
 
 } // namespace cpm::test

@@ -4,7 +4,7 @@
 #ifndef PLEXOR_WEIGHTED_NETWORKS_H
 #define PLEXOR_WEIGHTED_NETWORKS_H
 
-#include "Types.h"
+#include "graph/Types.h"
 #include "support/Graph_makers.h"
 #include "support/Random_numbers.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Clique_find/Appr_core_cliques.h"
 
-#include "Vertex_maps.h"
+#include "records/Vertex_maps.h"
 #include "support/Graph_makers.h"
 
 #include <algorithm>

@@ -1,15 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "Clique_find/Clique_find_dir.h"
 
-#include "Clique_find/Reports.h"
+#include "Plexor_io/Reports.h"
 #include "support/Captured_console.h"
 #include "support/Graph_makers.h"
+#include "support/Test_clocks.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <list>
 #include <map>
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>
@@ -88,7 +90,7 @@ public:
         return Listed();
     }
 
-    Sets In_time(Clock const& clock, double max_time, std::vector<Node>& core, Console& console) {
+    Sets In_time(Clock& clock, double max_time, std::vector<Node>& core, Console& console) {
         clock_ = &clock;
         max_time_ = max_time;
         Text title;
@@ -104,7 +106,8 @@ public:
                                     Count(order_.size()), console);
             Node const node = queue.front();
             queue.pop_front();
-            t_start_ = clock();
+            clock.Start();
+            t_start_ = clock.Now();
             too_slow_ = false;
             Start(node);
             if (!too_slow_) {
@@ -215,7 +218,7 @@ private:
         }
         for (std::size_t e = 0; e < line.size() && !too_slow_; ++e) {
             while (!line[e].candidates.empty() && !too_slow_) {
-                if (clock_ != nullptr && (*clock_)() - t_start_ > max_time_) {
+                if (clock_ != nullptr && clock_->Now() - t_start_ > max_time_) {
                     too_slow_ = true;
                     return;
                 }
@@ -266,7 +269,7 @@ private:
     std::vector<Nodes> cliques_;
     std::vector<Nodes> known_;
     std::map<unsigned, Nodes> found_;
-    Clock const* clock_ = nullptr;
+    Clock* clock_ = nullptr;
     double max_time_ = 0;
     double t_start_ = 0;
     bool too_slow_ = false;
@@ -391,28 +394,31 @@ Outcome Find_literally(Arc_set const& arcs) {
     return {cliques, {}, console.Output()};
 }
 
-// The clock is made from the console: so it can know how many nodes have been tried.
 template <class Make_clock>
 Outcome Find_in_time(Arc_set const& arcs, double max_time, Make_clock make_clock) {
     Captured_console console;
-    Clock const clock = make_clock(console);
+    auto const clock = make_clock();
     Set_list cliques{{1, 2, 3}};
     std::vector<Node> core{7};
-    Clique_find_dir_time(cliques, Vertices(arcs), core, max_time, clock, console);
+    Clique_find_dir_time(cliques, Vertices(arcs), core, max_time, *clock, console);
     return {To_vectors(cliques), core, console.Output()};
 }
 
 template <class Make_clock>
 Outcome Find_in_time_literally(Arc_set const& arcs, double max_time, Make_clock make_clock) {
     Captured_console console;
-    Clock const clock = make_clock(console);
+    auto const clock = make_clock();
     std::vector<Node> core;
-    Sets const cliques = Search_by_gaps(arcs).In_time(clock, max_time, core, console);
+    Sets const cliques = Search_by_gaps(arcs).In_time(*clock, max_time, core, console);
     return {cliques, core, console.Output()};
 }
 
-Clock Stepping_clock(double step) {
-    return [step, now = 0.0]() mutable { return now += step; };
+template <class Now_function> std::unique_ptr<Clock> Made_clock(Now_function now) {
+    return std::make_unique<Clock_of<Now_function>>(std::move(now));
+}
+
+std::unique_ptr<Clock> Stepping_clock(double step) {
+    return Made_clock([step, now = 0.0]() mutable { return now += step; });
 }
 
 std::string Shown(Arc_set const& arcs) {
@@ -548,7 +554,7 @@ TEST(Clique_find_dir_time, Time_that_stands_still_gives_the_exact_search) {
     Random_numbers random(4);
     for (int run = 0; run < 2000; ++run) {
         Arc_set const arcs = Random_arcs(8, random);
-        auto const clock = [](Captured_console&) { return Stepping_clock(0); };
+        auto const clock = [] { return Stepping_clock(0); };
         Outcome const outcome = Find_in_time(arcs, 0, clock);
         ASSERT_EQ(outcome.cliques, Find(arcs).cliques) << Shown(arcs);
         ASSERT_EQ(outcome, Find_in_time_literally(arcs, 0, clock)) << Shown(arcs);
@@ -563,7 +569,7 @@ TEST(Clique_find_dir_time, A_clock_that_strikes_at_the_first_check_leaves_what_w
     std::size_t pending = 0;
     for (int run = 0; run < 6000; ++run) {
         Arc_set const arcs = Random_arcs(run % 10 == 0 ? 11 : 8, random);
-        auto const clock = [](Captured_console&) { return Stepping_clock(2); };
+        auto const clock = [] { return Stepping_clock(2); };
         Outcome const outcome = Find_in_time(arcs, 1, clock);
         ASSERT_EQ(outcome, Find_in_time_literally(arcs, 1, clock)) << Shown(arcs);
         pending += !outcome.core.empty() && outcome.cliques.size() > 3 ? 1U : 0U;
@@ -583,21 +589,9 @@ TEST(Clique_find_dir_time, Nodes_given_up_for_a_while_come_again) {
         for (std::size_t i = 0; i < strikes.size(); ++i) {
             strikes[i] = random.Percent(chance);
         }
-        auto const clock = [&strikes](Captured_console& console) {
-            return [&strikes, &console, attempt = std::size_t{0}]() mutable {
-                std::string const text = console.Output();
-                std::size_t attempts = 0;
-                for (auto at = text.find("Locating"); at != std::string::npos;
-                     at = text.find("Locating", at + 1)) {
-                    ++attempts;
-                }
-                bool const first_reading = attempts != attempt;
-                attempt = attempts;
-                return !first_reading && strikes[attempts % strikes.size()] ? 10.0 : 0.0;
-            };
-        };
-        Outcome const outcome = Find_in_time(arcs, 1, clock);
-        ASSERT_EQ(outcome, Find_in_time_literally(arcs, 1, clock)) << Shown(arcs);
+        auto const clock = [&strikes] { return std::make_unique<Fitful_clock>(strikes); };
+        Outcome const outcome = Find_in_time(arcs, 0.5, clock);
+        ASSERT_EQ(outcome, Find_in_time_literally(arcs, 0.5, clock)) << Shown(arcs);
         cores += outcome.core.empty() ? 0U : 1U;
     }
     EXPECT_GT(cores, 100U);
@@ -607,8 +601,8 @@ TEST(Clique_find_dir_time, A_node_whose_lines_are_finished_after_two_steps_never
     // Three nodes: each line of three is complete. The clock would strike at once.
     Arc_set const arcs{{1, 2}, {2, 3}, {1, 3}};
     std::size_t readings = 0;
-    auto const clock = [&readings](Captured_console&) {
-        return [&readings] { return static_cast<double>(++readings); };
+    auto const clock = [&readings] {
+        return Made_clock([&readings] { return static_cast<double>(++readings); });
     };
     Outcome const outcome = Find_in_time(arcs, 0.5, clock);
     EXPECT_EQ(outcome.cliques, (Sets{{1, 2, 3}}));
@@ -617,7 +611,7 @@ TEST(Clique_find_dir_time, A_node_whose_lines_are_finished_after_two_steps_never
 }
 
 TEST(Clique_find_dir_time, A_node_that_overruns_stays_a_neighbour_of_the_others) {
-    auto const clock = [](Captured_console&) { return Stepping_clock(2); };
+    auto const clock = [] { return Stepping_clock(2); };
     Outcome const outcome = Find_in_time(Both_ways(Complete(1, 4)), 1, clock);
     EXPECT_EQ(outcome.core, (std::vector<Node>{1, 2, 3, 4}));
     EXPECT_NE(outcome.text.find(" Exceeded allowed time at node no.4,\n"
@@ -627,7 +621,7 @@ TEST(Clique_find_dir_time, A_node_that_overruns_stays_a_neighbour_of_the_others)
 }
 
 TEST(Clique_find_dir_time, The_title_shows_the_time_with_three_decimals) {
-    auto const clock = [](Captured_console&) { return Stepping_clock(0); };
+    auto const clock = [] { return Stepping_clock(0); };
     EXPECT_TRUE(Find_in_time({{1, 2}}, 0.5, clock)
                     .text.starts_with(std::string(53, '_') +
                                       "\n Locating dir. cliques, max. allowed time/node=0.500:\n"

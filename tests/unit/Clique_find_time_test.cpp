@@ -5,6 +5,7 @@
 #include "support/Captured_console.h"
 #include "support/Cliques_by_sets.h"
 #include "support/Graph_makers.h"
+#include "support/Test_clocks.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -39,7 +40,7 @@ Result Search(Vtx_map const& vertices, double max_time) {
     Set_list cliques{{7, 8, 9}}; // what was there before goes
     std::vector<Node> core{5};
     Result result;
-    Clock const clock = [&] { return static_cast<double>(++result.readings); };
+    Clock_of clock([&] { return static_cast<double>(++result.readings); });
     Clique_find_part_time(cliques, vertices, core, max_time, clock, console);
     result.cliques = To_vectors(cliques);
     result.core = core;
@@ -156,33 +157,14 @@ TEST(Clique_find_part_time, What_was_found_at_nodes_given_up_is_listed) {
     EXPECT_TRUE(result.reports.ends_with(" Altogether 1 exact cliques found.\n"));
 }
 
-// A clock that lets some attempts overrun at its first reading after the attempt's start. It knows
-// the attempt from the reports: one comes before each.
-struct Fitful_clock {
-    Captured_console& console;
-    std::vector<bool> const& overruns;
-    std::size_t last_attempt = 0;
-
-    double operator()() {
-        std::string const text = console.Output();
-        std::size_t attempt = 0;
-        for (std::size_t at = 0; (at = text.find(" to do (", at)) != std::string::npos; ++at) {
-            ++attempt;
-        }
-        bool const is_start = attempt != last_attempt;
-        last_attempt = attempt;
-        bool const overrun = attempt <= overruns.size() && overruns[attempt - 1];
-        return !is_start && overrun ? 1 : 0;
-    }
-};
-
 TEST(Clique_find_part_time, Nodes_that_overrun_are_tried_again_after_the_others) {
     Vtx_map const vertices = Vertices(Complete(1, 5));
     std::vector<bool> const overruns{true, true, false, true, true, true, false};
     Captured_console console;
     Set_list cliques;
     std::vector<Node> core;
-    Clique_find_part_time(cliques, vertices, core, 0.5, Fitful_clock{console, overruns}, console);
+    Fitful_clock clock(overruns);
+    Clique_find_part_time(cliques, vertices, core, 0.5, clock, console);
     EXPECT_EQ(To_vectors(cliques), (Sets{{1, 2, 3, 4, 5}}));
     EXPECT_EQ(core, std::vector<Node>());
     std::string text = console.Output();
@@ -208,8 +190,8 @@ TEST(Clique_find_part_time, The_cliques_of_a_done_hub_are_not_found_again) {
     Captured_console console;
     Set_list cliques;
     std::vector<Node> core;
-    Clique_find_part_time(cliques, Vertices(links), core, 0.5, Fitful_clock{console, overruns},
-                          console);
+    Fitful_clock clock(overruns);
+    Clique_find_part_time(cliques, Vertices(links), core, 0.5, clock, console);
     EXPECT_NE(console.Output().find("4 out of 5 skipped"), std::string::npos);
     EXPECT_EQ(To_vectors(cliques), (Sets{{1, 2, 3, 4, 5}}));
 }
@@ -233,8 +215,8 @@ TEST(Clique_find_part_time, Random_overruns_agree_with_the_search_by_sets) {
         Captured_console console;
         Set_list cliques;
         std::vector<Node> core;
-        Clique_find_part_time(cliques, vertices, core, 0.5, Fitful_clock{console, overruns},
-                              console);
+        Fitful_clock clock(overruns);
+        Clique_find_part_time(cliques, vertices, core, 0.5, clock, console);
         ASSERT_EQ(console.Output(), by_sets.Reports()) << "round " << round;
         ASSERT_EQ(To_vectors(cliques), by_sets.Cliques()) << "round " << round;
         ASSERT_EQ(core, by_sets.Core()) << "round " << round;

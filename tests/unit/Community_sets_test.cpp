@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <numeric>
 #include <set>
 
 namespace cpm::test {
@@ -35,23 +36,26 @@ struct Network {
     Set_list cliques;
     Node n_nodes;
     Index_links links = Pairs_inside(cliques);
-    Overlap_index index{cliques, n_nodes};
-    Pair_table pairs{links, n_nodes, cliques, cliques.size()};
-    Community_sets sets{cliques, index, pairs};
+    Ranked_cliques ranked{cliques, n_nodes};
+    Edge_numbering edges{links, n_nodes, cliques, cliques.size()};
+    Community_sets sets{ranked, edges};
 
     Network(Set_list const& list, Node n) : cliques(list), n_nodes(n) {}
 
     Pairs Links_of(std::size_t community) const {
+        std::vector<std::uint32_t> order(sets.size());
+        std::iota(order.begin(), order.end(), 0U);
         Pairs result;
-        sets.Links(community, test::To_pairs(links.pairs, result));
+        test::To_pairs visitor(links.pairs, result);
+        sets.Links(order)->Visit(community, sets.Nodes(community), visitor);
         return result;
     }
     // The clique, with the nodes that another clique lacks.
-    Partner Led_by(Clique_number leader, Clique_number clique) const {
-        std::span<Node const> const ranked = index.Ranked(clique);
+    Adjacent_clique Led_by(Clique_number leader, Clique_number clique) const {
+        std::span<Node const> const nodes = ranked[clique];
         std::uint64_t bits = 0;
-        for (std::size_t i = 0; i < ranked.size(); ++i) {
-            if (!std::ranges::binary_search(cliques[leader], ranked[i])) {
+        for (std::size_t i = 0; i < nodes.size(); ++i) {
+            if (!std::ranges::binary_search(cliques[leader], nodes[i])) {
                 bits |= std::uint64_t{1} << i;
             }
         }
@@ -75,14 +79,14 @@ struct Network {
     }
 };
 
-Partner Whole(Clique_number clique) {
-    return {clique, Overlap_index::all_new};
+Adjacent_clique Whole(Clique_number clique) {
+    return {clique, all_new};
 }
 
 TEST(Community_sets, A_single_clique_is_its_community) {
     Network network({{1, 2, 4}, {3, 5, 6}}, 6);
     network.sets.Start_level(true);
-    network.sets.Add_community(std::vector<Partner>{Whole(1)});
+    network.sets.Add_community(std::vector<Adjacent_clique>{Whole(1)});
     ASSERT_EQ(network.sets.size(), 1U);
     EXPECT_EQ(To_vector(network.sets.Nodes(0)), (Node_list{3, 5, 6}));
     EXPECT_EQ(network.Links_of(0), (Pairs{{3, 5}, {3, 6}, {5, 6}}));
@@ -91,7 +95,7 @@ TEST(Community_sets, A_single_clique_is_its_community) {
 TEST(Community_sets, A_clique_brings_what_its_leader_lacks) {
     Network network({{2, 3, 4}, {1, 2, 3}}, 4);
     network.sets.Start_level(true);
-    network.sets.Add_community(std::vector<Partner>{Whole(0), network.Led_by(0, 1)});
+    network.sets.Add_community(std::vector<Adjacent_clique>{Whole(0), network.Led_by(0, 1)});
     EXPECT_EQ(To_vector(network.sets.Nodes(0)), (Node_list{1, 2, 3, 4}));
     EXPECT_EQ(network.Links_of(0), (Pairs{{1, 2}, {1, 3}, {2, 3}, {2, 4}, {3, 4}}));
 }
@@ -99,24 +103,39 @@ TEST(Community_sets, A_clique_brings_what_its_leader_lacks) {
 TEST(Community_sets, A_level_takes_over_the_communities_of_the_one_before) {
     Network network({{1, 2, 3, 4}, {2, 3, 4, 5}, {5, 6, 7, 8}, {3, 5, 9}}, 9);
     network.sets.Start_level(true);
-    network.sets.Add_community(std::vector<Partner>{Whole(0), network.Led_by(0, 1)});
-    network.sets.Add_community(std::vector<Partner>{Whole(2)});
+    network.sets.Add_community(std::vector<Adjacent_clique>{Whole(0), network.Led_by(0, 1)});
+    network.sets.Add_community(std::vector<Adjacent_clique>{Whole(2)});
     network.sets.Start_level(true);
-    network.sets.Add_community(std::vector<Partner>{Whole(2), network.Led_by(2, 3),
-                                                    network.Led_by(3, 1), network.Led_by(1, 0)});
+    network.sets.Add_community(std::vector<Adjacent_clique>{
+        Whole(2), network.Led_by(2, 3), network.Led_by(3, 1), network.Led_by(1, 0)});
     ASSERT_EQ(network.sets.size(), 1U);
     EXPECT_EQ(To_vector(network.sets.Nodes(0)), (Node_list{1, 2, 3, 4, 5, 6, 7, 8, 9}));
     EXPECT_EQ(network.Links_of(0), network.Expected_links({0, 1, 2, 3}));
 }
 
+TEST(Community_sets, Links_given_out_stay_when_the_next_level_absorbs_their_community) {
+    Network network({{1, 2, 3, 4}, {2, 3, 4, 5}, {3, 5, 6}}, 6);
+    network.sets.Start_level(true);
+    network.sets.Add_community(std::vector<Adjacent_clique>{Whole(0), network.Led_by(0, 1)});
+    auto const kept = network.sets.Links({0});
+    network.sets.Start_level(true);
+    network.sets.Add_community(
+        std::vector<Adjacent_clique>{Whole(0), network.Led_by(0, 1), network.Led_by(1, 2)});
+    EXPECT_EQ(network.Links_of(0), network.Expected_links({0, 1, 2}));
+    Pairs result;
+    test::To_pairs visitor(network.links.pairs, result);
+    kept->Visit(0, {}, visitor);
+    EXPECT_EQ(result, network.Expected_links({0, 1}));
+}
+
 TEST(Community_sets, A_level_that_does_not_nest_takes_nothing_over) {
     Network network({{1, 2, 3}, {2, 3, 4}, {4, 5, 6}}, 6);
     network.sets.Start_level(true);
-    network.sets.Add_community(std::vector<Partner>{Whole(0), Whole(1), Whole(2)});
+    network.sets.Add_community(std::vector<Adjacent_clique>{Whole(0), Whole(1), Whole(2)});
     network.sets.Start_level(false);
     EXPECT_EQ(network.sets.size(), 0U);
-    network.sets.Add_community(std::vector<Partner>{Whole(0), network.Led_by(0, 1)});
-    network.sets.Add_community(std::vector<Partner>{Whole(2)});
+    network.sets.Add_community(std::vector<Adjacent_clique>{Whole(0), network.Led_by(0, 1)});
+    network.sets.Add_community(std::vector<Adjacent_clique>{Whole(2)});
     EXPECT_EQ(To_vector(network.sets.Nodes(0)), (Node_list{1, 2, 3, 4}));
     EXPECT_EQ(network.Links_of(0), network.Expected_links({0, 1}));
     EXPECT_EQ(To_vector(network.sets.Nodes(1)), (Node_list{4, 5, 6}));
@@ -125,8 +144,9 @@ TEST(Community_sets, A_level_that_does_not_nest_takes_nothing_over) {
 TEST(Community_sets, A_clique_may_be_in_two_communities_when_the_first_is_forgotten) {
     Network network({{1, 2, 3}, {2, 3, 4}, {4, 5, 6}}, 6);
     network.sets.Start_level(false);
-    for (std::vector<Partner> const& members :
-         {std::vector<Partner>{Whole(0), Whole(1)}, std::vector<Partner>{Whole(1), Whole(2)}}) {
+    for (std::vector<Adjacent_clique> const& members :
+         {std::vector<Adjacent_clique>{Whole(0), Whole(1)},
+          std::vector<Adjacent_clique>{Whole(1), Whole(2)}}) {
         network.sets.Forget(members);
         network.sets.Add_community(members);
     }
@@ -164,7 +184,7 @@ void Compare_levels(Network& network, Random_numbers& random) {
         }
         network.sets.Start_level(nested);
         for (Group const& group : merged) {
-            std::vector<Partner> members{Whole(group[0])};
+            std::vector<Adjacent_clique> members{Whole(group[0])};
             for (std::uint32_t i = 1; i < group.size(); ++i) {
                 bool const known = network.cliques[group[i]].size() <= 64 && random.Percent(80);
                 members.push_back(known ? network.Led_by(group[random.Below(i)], group[i])

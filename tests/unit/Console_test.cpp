@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "support/Console.h"
+#include "Plexor_io/Console.h"
 
 #include "support/Captured_console.h"
 

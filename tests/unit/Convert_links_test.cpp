@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Plexor_io/Convert_links.h"
+#include "graph/Convert_links.h"
 
 #include "support/Random_numbers.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "support/Direktoriz.h"
+#include "Plexor_io/Direktoriz.h"
 
 #include "support/Errors.h"
 #include "support/Temp_dir.h"
@@ -379,6 +379,28 @@ TEST_F(Moving_a_path_aside, The_first_free_number_is_taken) {
     EXPECT_EQ(Read_file("out1"), "1");
     EXPECT_EQ(Read_file("out3"), "x");
     EXPECT_EQ(Read_file("out4"), "4");
+}
+
+TEST_F(Moving_a_path_aside, A_link_to_nowhere_takes_its_number) {
+    Write_file("out", "x");
+    fs::create_symlink("nowhere", "out1");
+    Rename_auto("out");
+    EXPECT_EQ(fs::read_symlink("out1"), "nowhere");
+    EXPECT_EQ(Read_file("out2"), "x");
+}
+
+TEST_F(Moving_a_path_aside, A_link_is_moved_itself) {
+    Write_file("there", "x");
+    fs::create_symlink("there", "out");
+    Rename_auto("out");
+    EXPECT_EQ(fs::read_symlink("out1"), "there");
+    EXPECT_EQ(Read_file("there"), "x");
+}
+
+TEST_F(Moving_a_path_aside, Reports_what_is_in_the_way) {
+    EXPECT_EQ(Error_of([] { Rename_auto("missing"); }),
+              "ERROR: Rename_the_path() called with missing and missing1 and \n"
+              "A component of the path file_name does not exist.");
 }
 
 using Renaming_to_a_path_that_may_be_taken = Direktoriz;

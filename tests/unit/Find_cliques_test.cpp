@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Find_cliques.h"
+#include "Clique_find/Find_cliques.h"
 
 #include "Clique_find/Appr_core_cliques.h"
 #include "Clique_find/Clique_find.h"
@@ -7,6 +7,7 @@
 #include "Clique_find/Clique_find_time.h"
 #include "support/Captured_console.h"
 #include "support/Graph_makers.h"
+#include "support/Test_clocks.h"
 
 #include <gtest/gtest.h>
 #include <string>
@@ -59,8 +60,8 @@ Result Find(Graph const& graph, std::optional<double> max_time) {
     Captured_console console;
     Result result;
     double seconds = 0;
-    Find_cliques(
-        result.found, graph, max_time, [&] { return ++seconds; }, console);
+    Clock_of clock([&] { return ++seconds; });
+    Find_cliques(result.found, graph, max_time, clock, console);
     result.reports = console.Output();
     return result;
 }
@@ -70,7 +71,7 @@ Result Find_by_parts(Graph const& graph, double max_time) {
     Captured_console console;
     Result result;
     double seconds = 0;
-    Clock const clock = [&] { return ++seconds; };
+    Clock_of clock([&] { return ++seconds; });
     std::vector<Node> core;
     Set_list& cliques = result.found.cliques;
     if (graph.directed) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "Find_coms.h"
+#include "Plexor_io/Find_coms.h"
 
+#include "Plexor_io/Console_progress.h"
 #include "support/Captured_console.h"
 #include "support/Graph_makers.h"
 #include "support/Temp_dir.h"
@@ -20,7 +21,10 @@ using File_names = std::set<std::string>;
 // Nodes 1 to n, named after themselves, and cliques of which the first are exact.
 struct One_run {
     Temp_dir dir;
+    Result_place place{dir.Path() + "/out"};
     Captured_console console;
+    Run_files files{place, "", " from net\n", console};
+    Console_progress progress{console};
     Run_settings settings;
     Found_cliques found;
     Index_links links;
@@ -29,8 +33,6 @@ struct One_run {
     std::uint32_t largest = 0;
 
     One_run(Links const& all_links, Set_list const& cliques, std::size_t n_exact) {
-        settings.out_dir = dir.Path() + "/out";
-        settings.header_text = " from net\n";
         found.cliques = cliques;
         found.n_exact = n_exact;
         for (auto const& [a, b] : all_links) {
@@ -45,16 +47,14 @@ struct One_run {
             largest = std::max(largest, static_cast<std::uint32_t>(cliques[c].size()));
         }
     }
-    Coms_input Input() const {
-        return {found, links, *labels, Last_node(links), largest, settings};
-    }
-    void Find(std::uint32_t k) { Coms_finder(Input(), console).Find_coms(k); }
+    Coms_input Input() { return {found, links, *labels, Last_node(links), largest, settings}; }
+    void Find(std::uint32_t k) { Coms_finder(Input(), files, progress).Find_coms(k); }
     File_names Files(std::uint32_t k) const {
-        File_names files;
+        File_names names_of_k;
         for (auto const& entry : std::filesystem::directory_iterator(Path(k))) {
-            files.insert(entry.path().filename().string());
+            names_of_k.insert(entry.path().filename().string());
         }
-        return files;
+        return names_of_k;
     }
     // The lines of a file that are not comments or empty.
     std::string Lines(std::uint32_t k, std::string const& file) const {
@@ -67,7 +67,7 @@ struct One_run {
     }
 
 private:
-    std::string Path(std::uint32_t k) const { return settings.out_dir + "/k=" + std::to_string(k); }
+    std::string Path(std::uint32_t k) const { return dir.Path() + "/out/k=" + std::to_string(k); }
 };
 
 Links const two_triangles{{1, 2}, {1, 3}, {2, 3}, {3, 4}, {3, 5}, {4, 5}};
@@ -223,7 +223,7 @@ TEST(Find_coms, One_k_after_the_other_gives_what_each_gives_alone) {
     One_run together(links, cliques, n_exact);
     together.found.nested = true;
     ASSERT_GT(together.largest, 4U);
-    Coms_finder finder(together.Input(), together.console);
+    Coms_finder finder(together.Input(), together.files, together.progress);
     for (std::uint32_t k = together.largest; k > 2; --k) {
         finder.Find_coms(k);
     }

@@ -194,6 +194,31 @@ TEST(Flat_arrays, A_size_beyond_all_memory_is_refused) {
     EXPECT_EQ(In(array), (Values{1, 2}));
 }
 
+// Each bound counts alone. The bytes of 2^62 + 1 values are 4 in 64 bits: the array would get
+// these and believe that it has room for all.
+TEST(Flat_arrays, A_size_whose_bytes_do_not_fit_is_refused) {
+    constexpr std::size_t wraps_to_nothing = std::numeric_limits<std::size_t>::max() / 4 + 1;
+    Array array = Made_of({1, 2});
+    EXPECT_THROW(array.Reserve(wraps_to_nothing + 1), std::bad_alloc);
+    EXPECT_THROW(array.Reserve(wraps_to_nothing), std::bad_alloc);
+    EXPECT_THROW(array.Resize_uninitialised(wraps_to_nothing), std::bad_alloc);
+    EXPECT_EQ(In(array), (Values{1, 2}));
+}
+
+TEST(Flat_arrays, A_size_that_the_type_of_sizes_cannot_hold_is_refused) {
+    Flat_array<char, std::uint8_t> array(2, 'x');
+    EXPECT_THROW(array.Reserve(256), std::bad_alloc);
+    EXPECT_THROW(array.Resize(1000), std::bad_alloc);
+    EXPECT_EQ(array.size(), 2U);
+    array.Reserve(255);
+    array.Resize(255, 'y');
+    EXPECT_EQ(array.size(), 255U);
+    EXPECT_EQ(array[1], 'x');
+    EXPECT_EQ(array.back(), 'y');
+    EXPECT_THROW(array.push_back('z'), std::bad_alloc);
+    EXPECT_EQ(array.size(), 255U);
+}
+
 #if defined(__SANITIZE_ADDRESS__)
 #define PLEXOR_MEMORY_IS_WATCHED
 #elif defined(__has_feature)

@@ -5,6 +5,7 @@
 
 #include "support/Captured_console.h"
 #include "support/Graph_makers.h"
+#include "support/Test_clocks.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -119,7 +120,7 @@ Result Search_in_time(Find const& find, Vertices const& vertices, double max_tim
                       std::size_t most_readings) {
     Captured_console console;
     Result result;
-    Clock const clock = Counting_clock(result.readings, most_readings);
+    Clock_of clock(Counting_clock(result.readings, most_readings));
     find(result.cliques, vertices, result.core, max_time, clock, console);
     result.reports = console.Output();
     result.overruns = Overruns(result.reports);

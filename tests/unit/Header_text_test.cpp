@@ -110,7 +110,9 @@ struct Params_file : testing::Test {
 };
 
 TEST_F(Params_file, Holds_the_header_text_and_nothing_else) {
-    Kiir_params("a/out", " from here\n# more\n", console);
+    Result_place place("a/out");
+    Run_files files{place, "", " from here\n# more\n", console};
+    Kiir_params(files);
     EXPECT_EQ(Read_file("a/out/input_params.txt"),
               "# Plexor was run on links taken from here\n# more\n");
     EXPECT_EQ(console.Output(), "");
@@ -123,7 +125,9 @@ TEST_F(Params_file, Describes_a_run_in_whole_lines) {
     settings.k_given = true;
     settings.k = 4;
     Extend_alap_szoveg(text, settings);
-    Kiir_params("out", text, console);
+    Result_place place("out");
+    Run_files files{place, "", text, console};
+    Kiir_params(files);
     EXPECT_EQ(Read_file("out/input_params.txt"),
               "# Plexor was run on links taken from " + here.Path() +
                   "/net.txt\n"
@@ -134,28 +138,32 @@ TEST_F(Params_file, Describes_a_run_in_whole_lines) {
                   "# The communities were extracted solely at k=4.\n");
 }
 
-TEST_F(Params_file, Replaces_an_older_one) {
-    Kiir_params("out", " of a longer text than the next one\n", console);
-    Kiir_params("out", "\n", console);
-    EXPECT_EQ(Read_file("out/input_params.txt"), "# Plexor was run on links taken\n");
+TEST_F(Params_file, Does_not_replace_an_older_one) {
+    Result_place place("out");
+    Run_files first{place, "", " of the first\n", console};
+    Kiir_params(first);
+    Run_files second{place, "", " of the second\n", console};
+    Kiir_params(second);
+    EXPECT_TRUE(first.not_written.empty());
+    EXPECT_EQ(second.not_written, std::vector<std::string>{"out/input_params.txt"});
+    EXPECT_EQ(Read_file("out/input_params.txt"), "# Plexor was run on links taken of the first\n");
+    EXPECT_EQ(console.Output(), " WARNING: could not write 'out/input_params.txt'.\n");
 }
 
 TEST_F(Params_file, A_file_in_place_of_the_directory_is_moved_aside) {
     Write_file("out", "x");
-    Kiir_params("out", "\n", console);
+    Result_place place("out");
+    Run_files files{place, "", "\n", console};
+    Kiir_params(files);
     EXPECT_EQ(Read_file("out/input_params.txt"), "# Plexor was run on links taken\n");
     EXPECT_EQ(Read_file("out1"), "x");
 }
 
-TEST_F(Params_file, The_run_goes_on_when_it_cannot_be_opened) {
-    fs::create_directories("out/input_params.txt");
-    Kiir_params("out", "\n", console);
-    EXPECT_EQ(console.Output(), " WARNING: could not write 'out/input_params.txt'.\n");
-}
-
 TEST_F(Params_file, A_directory_that_cannot_be_made_is_an_error) {
     Write_file("file", "x");
-    EXPECT_THROW(Kiir_params("file/out", "\n", console), Xerror_msg);
+    Result_place place("file/out");
+    Run_files files{place, "", "\n", console};
+    EXPECT_THROW(Kiir_params(files), Xerror_msg);
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Coms_funcs/Intensity_coms.h"
 
+#include "Coms_funcs/Adjacent_k_cliques.h"
+#include "Coms_funcs/K_cliques.h"
 #include "support/Captured_console.h"
 #include "support/Errors.h"
 #include "support/Weighted_networks.h"
@@ -51,8 +53,7 @@ Outcome Communities_of(K_clique_list const& k_cliques, Index_links const& links,
         EXPECT_TRUE(coms.cliques.empty());
         outcome.nodes = To_vectors(coms.nodes);
         for (std::size_t i = 0; i < coms.size(); ++i) {
-            outcome.links.emplace_back();
-            coms.links(i, test::To_pairs(links.pairs, outcome.links.back()));
+            outcome.links.push_back(Links_of(coms, i, links.pairs));
         }
     } catch (Xerror_msg const& error) {
         outcome.error = error.what();
@@ -433,19 +434,16 @@ TEST(Check_intersection, Does_not_mix_up_k_cliques_that_begin_alike) {
     EXPECT_TRUE(test.Check_intersection(std::vector<Node>{2, 3, 4}, 2));  // 2 3
 }
 
-TEST(Labels, Rules_lead_to_the_smallest_label_connected) {
-    Coms_from_k_cls_sub::Labels labels(8);
-    labels.Unite(6, 7);
-    labels.Unite(3, 5);
-    labels.Unite(7, 3);
-    labels.Unite(5, 2);
-    labels.Unite(2, 7);
-    EXPECT_EQ(labels.Get_uni_rules_recur(7), 2U);
-    EXPECT_EQ(labels.Get_uni_rules_recur(4), 4U);
-    auto const communities = std::move(labels).Get_trans_rules();
-    EXPECT_EQ(std::vector<std::uint32_t>(communities.begin(), communities.end()),
-              (std::vector<std::uint32_t>{0, 1, 2, 2, 3, 2, 2, 2}));
-}
+struct Numbers_taken : Link_visitor {
+    void Numbers(std::span<Link_number const> piece) override {
+        numbers.insert(numbers.end(), piece.begin(), piece.end());
+        longest = std::max(longest, piece.size());
+    }
+    void All_pairs(Node_set) override { FAIL() << "intensity communities have numbers"; }
+
+    std::vector<Link_number> numbers;
+    std::size_t longest = 0;
+};
 
 TEST(Intensity_coms_from_k_cliques, Hands_out_many_links_in_pieces_as_often_as_asked) {
     Node const size = 30;
@@ -472,15 +470,10 @@ TEST(Intensity_coms_from_k_cliques, Hands_out_many_links_in_pieces_as_often_as_a
         }
     }
     for (int time = 0; time < 2; ++time) {
-        std::vector<Link_number> got;
-        std::size_t longest = 0;
-        auto const take = [&](std::span<Link_number const> numbers) {
-            got.insert(got.end(), numbers.begin(), numbers.end());
-            longest = std::max(longest, numbers.size());
-        };
-        coms.links(0, {.numbers = take, .all_pairs = {}});
-        EXPECT_EQ(got, expected);
-        EXPECT_LT(longest, 5000U);
+        Numbers_taken taken;
+        coms.Visit_links(0, taken);
+        EXPECT_EQ(taken.numbers, expected);
+        EXPECT_LT(taken.longest, 5000U);
     }
 }
 
@@ -506,7 +499,7 @@ TEST(Intensity_coms_from_k_cliques, Stays_exact_when_the_sets_of_one_node_take_m
     double const intensity = 0.7;
     Link_rows const rows(links);
     Coms_from_k_cls_sub::Shared_test test(4, rows, intensity);
-    Coms_from_k_cls_sub::Labels labels(k_cliques.size());
+    Disjoint_sets sets(k_cliques.size());
     std::map<std::vector<Node>, std::uint32_t> first_with;
     for (std::uint32_t i = 0; i < k_cliques.size(); ++i) {
         for (std::size_t left_out = 0; left_out < 4; ++left_out) {
@@ -514,11 +507,11 @@ TEST(Intensity_coms_from_k_cliques, Stays_exact_when_the_sets_of_one_node_take_m
             shared.erase(shared.begin() + static_cast<std::ptrdiff_t>(left_out));
             auto const [entry, is_new] = first_with.emplace(shared, i);
             if (!is_new && test.Check_intersection(k_cliques[i], left_out)) {
-                labels.Unite(entry->second, i);
+                sets.Unite(entry->second, i);
             }
         }
     }
-    auto const community_of = std::move(labels).Get_trans_rules();
+    auto const community_of = std::move(sets).Number_sets();
     std::map<std::uint32_t, Nodes> expected;
     for (std::size_t i = 0; i < k_cliques.size(); ++i) {
         expected[community_of[i]].insert(k_cliques[i].begin(), k_cliques[i].end());

@@ -408,7 +408,7 @@ TEST(Generate_k_cls_from_cls, Finds_nearly_whole_cliques_of_many_nodes) {
 }
 
 TEST(Generate_k_cls_from_cls, Gives_up_what_cannot_pass_in_large_cliques) {
-    // 2^60 sets of nodes are out of the question.
+    // 2^60 sets of nodes are out of the query.
     Node const size = 60;
     std::vector<Node> nodes;
     for (Node node = 1; node <= size; ++node) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Plexor_io/Kiir_cliques.h"
 
+#include "Plexor_io/Header_text.h"
 #include "support/Captured_console.h"
 #include "support/Temp_dir.h"
 
@@ -23,13 +24,16 @@ Names_map Five_names() {
 
 struct Writing {
     Temp_dir dir;
+    Result_place place{dir.Path()};
     Captured_console console;
     Names_map names = Five_names();
     Name_labels labels{names};
 
+    Run_files Files() { return {place, "", about, console}; }
     std::string Cliques(Set_list const& cliques, std::size_t n_exact, std::string const& com_flag,
                         std::string const& file = "cliques") {
-        Kiir_cliques_PX(dir.Path(), cliques, labels, n_exact, com_flag, about, console);
+        Run_files files{place, com_flag, about, console};
+        Kiir_cliques_PX(cliques, n_exact, labels, files);
         return Read_file(dir.Path() + "/" + file);
     }
 };
@@ -79,8 +83,10 @@ TEST(Kiir_cliques_PX, A_second_time_replaces_the_file) {
 
 TEST(Kiir_cliques_PX, A_file_that_cannot_be_opened_is_told) {
     Writing writing;
+    Run_files files = writing.Files();
+    Kiir_params(files);
     std::filesystem::create_directory(writing.dir.Path() + "/cliques");
-    Kiir_cliques_PX(writing.dir.Path(), {{1, 2}}, writing.labels, 1, "", about, writing.console);
+    Kiir_cliques_PX({{1, 2}}, 1, writing.labels, files);
     EXPECT_EQ(writing.console.Output(),
               " WARNING: could not write '" + writing.dir.Path() + "/cliques'.\n");
 }
@@ -91,7 +97,8 @@ TEST(Kiir_k_cliques_PX, Are_numbered_in_their_order) {
     k_cliques.Add(std::vector<Node>{1, 2, 3});
     k_cliques.Add(std::vector<Node>{2, 3, 5});
     k_cliques.Finish();
-    Kiir_k_cliques_PX(writing.dir.Path(), k_cliques, 3, writing.labels, about, writing.console);
+    Run_files files = writing.Files();
+    Kiir_k_cliques_PX(k_cliques, writing.labels, {files, 3});
     EXPECT_EQ(Read_file(writing.dir.Path() + "/k=3/k-cliques"),
               "# The k-cliques at k=3 from net.txt\n# more\n\n"
               "0: a b c \n1: b c a name of seventeen \n");
@@ -99,8 +106,8 @@ TEST(Kiir_k_cliques_PX, Are_numbered_in_their_order) {
 
 TEST(Kiir_k_cliques_PX, No_k_cliques_leave_the_header) {
     Writing writing;
-    Kiir_k_cliques_PX(writing.dir.Path(), K_clique_list(1), 1, writing.labels, about,
-                      writing.console);
+    Run_files files = writing.Files();
+    Kiir_k_cliques_PX(K_clique_list(1), writing.labels, {files, 1});
     EXPECT_EQ(Read_file(writing.dir.Path() + "/k=1/k-cliques"),
               "# The k-cliques at k=1 from net.txt\n# more\n\n");
 }

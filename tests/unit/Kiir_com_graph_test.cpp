@@ -23,9 +23,18 @@ struct Writing {
         coms.n_exact = n_exact;
         Community_graph graph;
         Prepare_community_graph(coms, graph);
-        Kiir_com_graph_PX(graph, n_exact, dir.Path(), 4, com_flag, about, console);
-        return Read_file(dir.Path() + "/" + file);
+        std::string const out = Fresh();
+        Result_place place(out);
+        Run_files files{place, com_flag, about, console};
+        Kiir_com_graph_PX(graph, n_exact, {files, 4});
+        return Read_file(out + "/" + file);
     }
+
+    /// A path for results that nothing has been written to.
+    std::string Fresh() { return dir.Path() + "/" + std::to_string(n_written_++); }
+
+private:
+    unsigned n_written_ = 0;
 };
 
 TEST(Kiir_com_graph_PX, Lists_pairs_that_share_nodes_ascending) {

@@ -28,22 +28,48 @@ struct Writing {
     }
     std::string Coms(Communities const& coms, std::string const& com_flag = "",
                      std::string const& file = "k=3/communities") {
-        Kiir_coms_PX(coms, dir.Path(), 3, Name_labels(names), com_flag, about, console);
-        return Read_file(dir.Path() + "/" + file);
+        std::string const out = Fresh();
+        Result_place place(out);
+        Run_files files{place, com_flag, about, console};
+        Kiir_coms_PX(coms, Name_labels(names), {files, 3});
+        return Read_file(out + "/" + file);
     }
     std::string Cliques(Communities const& coms, std::size_t n_exact_cliques,
                         std::string const& com_flag = "",
                         std::string const& file = "k=3/communities_cliques") {
-        Kiir_coms_cliques_PX(coms, dir.Path(), 3, n_exact_cliques, com_flag, about, console);
-        return Read_file(dir.Path() + "/" + file);
+        std::string const out = Fresh();
+        Result_place place(out);
+        Run_files files{place, com_flag, about, console};
+        Kiir_coms_cliques_PX(coms, n_exact_cliques, {files, 3});
+        return Read_file(out + "/" + file);
     }
     std::string Links(Communities const& coms, std::string const& com_flag = "",
                       std::string const& file = "k=3/communities_links") {
-        Pair_table const pairs(links, 4, {}, 0);
+        std::string const out = Fresh();
+        Result_place place(out);
+        Edge_numbering const pairs(links, 4, {}, 0);
         Name_labels const labels(names);
-        Link_lines lines(pairs, links, labels);
-        Kiir_com_links_PX(coms, dir.Path(), 3, lines, com_flag, about, console);
-        return Read_file(dir.Path() + "/" + file);
+        Link_writer lines(pairs, links, labels);
+        Run_files files{place, com_flag, about, console};
+        Kiir_com_links_PX(coms, lines, {files, 3});
+        return Read_file(out + "/" + file);
+    }
+
+    /// A path for results that nothing has been written to.
+    std::string Fresh() { return dir.Path() + "/" + std::to_string(n_written_++); }
+
+private:
+    unsigned n_written_ = 0;
+};
+
+class Two_links : public Community_links {
+    void Visit(std::size_t community, Node_set nodes, Link_visitor& visitor) const override {
+        if (community == 0) {
+            visitor.Numbers(std::vector<Link_number>{0});
+            visitor.Numbers(std::vector<Link_number>{1, 2});
+        } else {
+            visitor.All_pairs(nodes);
+        }
     }
 };
 
@@ -54,14 +80,7 @@ Communities Two_communities(std::uint32_t n_exact) {
     coms.nodes = Set_list{{1, 2, 3}, {2, 3, 4}};
     coms.cliques = List_of_lists<Clique_number>{{5, 0, 12345}, {1}};
     coms.n_exact = n_exact;
-    coms.links = [](std::size_t community, Take_links const& take) {
-        if (community == 0) {
-            take.numbers(std::vector<Link_number>{0});
-            take.numbers(std::vector<Link_number>{1, 2});
-        } else {
-            take.all_pairs(std::vector<Node>{2, 3, 4});
-        }
-    };
+    coms.links = std::make_shared<Two_links>();
     return coms;
 }
 
@@ -157,18 +176,20 @@ TEST(Kiir_com_links_PX, No_communities_leave_the_header) {
 
 TEST(Kiir_coms, Files_that_cannot_be_opened_are_told) {
     Writing writing;
+    Result_place place(writing.dir.Path());
     std::string expected;
     for (char const* const name : {"communities", "communities_cliques", "communities_links"}) {
         std::filesystem::create_directories(writing.dir.Path() + "/k=3/" + name);
         expected += " WARNING: could not write '" + writing.dir.Path() + "/k=3/" + name + "'.\n";
     }
     Communities const coms = Two_communities(2);
-    Pair_table const pairs(writing.links, 4, {}, 0);
+    Edge_numbering const pairs(writing.links, 4, {}, 0);
     Name_labels const labels(writing.names);
-    Link_lines lines(pairs, writing.links, labels);
-    Kiir_coms_PX(coms, writing.dir.Path(), 3, labels, "", about, writing.console);
-    Kiir_coms_cliques_PX(coms, writing.dir.Path(), 3, 9, "", about, writing.console);
-    Kiir_com_links_PX(coms, writing.dir.Path(), 3, lines, "", about, writing.console);
+    Link_writer lines(pairs, writing.links, labels);
+    Run_files files{place, "", about, writing.console};
+    Kiir_coms_PX(coms, labels, {files, 3});
+    Kiir_coms_cliques_PX(coms, 9, {files, 3});
+    Kiir_com_links_PX(coms, lines, {files, 3});
     EXPECT_EQ(writing.console.Output(), expected);
 }
 

@@ -22,8 +22,10 @@ Community_distributions Some_distributions() {
 
 TEST(Kiir_stats_PX, Writes_four_files) {
     Temp_dir const dir;
+    Result_place place(dir.Path());
     Captured_console console;
-    Kiir_stats_PX(Some_distributions(), dir.Path(), 3, "", "", about, console);
+    Run_files files{place, "", about, console};
+    Kiir_stats_PX(Some_distributions(), "", {files, 3});
     std::string const k_dir = dir.Path() + "/k=3/";
     EXPECT_EQ(Read_file(k_dir + "membership_distribution"),
               "# The node membership distr. in the  communities at k=3\n# from net.txt\n# more\n\n"
@@ -41,8 +43,10 @@ TEST(Kiir_stats_PX, Writes_four_files) {
 
 TEST(Kiir_stats_PX, The_suffix_ends_the_name_and_enters_the_header) {
     Temp_dir const dir;
+    Result_place place(dir.Path());
     Captured_console console;
-    Kiir_stats_PX(Some_distributions(), dir.Path(), 3, "", "_exact", about, console);
+    Run_files files{place, "", about, console};
+    Kiir_stats_PX(Some_distributions(), "_exact", {files, 3});
     EXPECT_EQ(Read_file(dir.Path() + "/k=3/size_distribution_exact"),
               "# The size distr. of the _exact communities at k=3\n# from net.txt\n# more\n\n"
               "3 2\n\n");
@@ -50,8 +54,10 @@ TEST(Kiir_stats_PX, The_suffix_ends_the_name_and_enters_the_header) {
 
 TEST(Kiir_stats_PX, The_kind_of_run_begins_the_name_and_enters_the_header) {
     Temp_dir const dir;
+    Result_place place(dir.Path());
     Captured_console console;
-    Kiir_stats_PX(Some_distributions(), dir.Path(), 3, "directed", "_appr", about, console);
+    Run_files files{place, "directed", about, console};
+    Kiir_stats_PX(Some_distributions(), "_appr", {files, 3});
     EXPECT_EQ(Read_file(dir.Path() + "/k=3/directed_size_distribution_appr"),
               "# The size distr. of the _apprdirected  communities at k=3\n# from net.txt\n"
               "# more\n\n3 2\n\n");
@@ -59,24 +65,33 @@ TEST(Kiir_stats_PX, The_kind_of_run_begins_the_name_and_enters_the_header) {
 
 TEST(Kiir_stats_PX, Only_the_bare_suffix_appr_is_given_a_full_stop) {
     Temp_dir const dir;
+    Result_place place(dir.Path());
     Captured_console console;
-    Kiir_stats_PX(Some_distributions(), dir.Path(), 3, "", "appr", about, console);
+    Run_files files{place, "", about, console};
+    Kiir_stats_PX(Some_distributions(), "appr", {files, 3});
     EXPECT_TRUE(Read_file(dir.Path() + "/k=3/overlap_distributionappr")
                     .starts_with("# The overlap size distr. of the appr. communities at k=3\n"));
 }
 
 TEST(Kiir_PX_dist, An_empty_distribution_is_the_header_and_two_empty_lines) {
     Temp_dir const dir;
+    Result_place place(dir.Path());
     Captured_console console;
-    Kiir_PX_dist(dir.Path() + "/dist", {}, "# header\n", console);
+    Run_files files{place, "", about, console};
+    Kiir_PX_dist(place.Prepare().File("dist"), {}, "# header\n", files);
     EXPECT_EQ(Read_file(dir.Path() + "/dist"), "# header\n\n\n");
 }
 
 TEST(Kiir_PX_dist, A_file_that_cannot_be_opened_is_told) {
     Temp_dir const dir;
+    Result_place place(dir.Path());
     Captured_console console;
-    Kiir_PX_dist(dir.Path() + "/missing/dist", {}, "# header\n", console);
-    EXPECT_EQ(console.Output(), " WARNING: could not write '" + dir.Path() + "/missing/dist'.\n");
+    Run_files files{place, "", about, console};
+    Prepared_dir const k_dir = place.Prepare(3);
+    std::filesystem::create_directory(dir.Path() + "/k=3/dist");
+    Kiir_PX_dist(k_dir.File("dist"), {}, "# header\n", files);
+    EXPECT_EQ(files.not_written, std::vector<std::string>{dir.Path() + "/k=3/dist"});
+    EXPECT_EQ(console.Output(), " WARNING: could not write '" + dir.Path() + "/k=3/dist'.\n");
 }
 
 } // namespace

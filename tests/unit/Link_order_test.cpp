@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Link_order.h"
+#include "graph/Link_order.h"
 
 #include "support/Random_numbers.h"
 

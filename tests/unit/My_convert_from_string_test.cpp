@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "support/My_convert_from_string.h"
+#include "Plexor_io/My_convert_from_string.h"
 
 #include <gtest/gtest.h>
 

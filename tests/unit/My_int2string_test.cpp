@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "support/My_int2string.h"
+#include "Plexor_io/My_int2string.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "support/My_string_to_d.h"
+#include "Plexor_io/My_string_to_d.h"
 
 #include <gtest/gtest.h>
 

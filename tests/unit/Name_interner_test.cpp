@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Plexor_io/Name_interner.h"
+#include "graph/Name_interner.h"
 
 #include "support/Random_numbers.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Clique_find/Node_order.h"
 
-#include "Vertex_maps.h"
+#include "records/Vertex_maps.h"
 #include "support/Graph_makers.h"
 
 #include <gtest/gtest.h>

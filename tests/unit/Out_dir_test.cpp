@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Plexor_io/Out_dir.h"
 
-#include "support/Direktoriz.h"
+#include "Plexor_io/Direktoriz.h"
 #include "support/Errors.h"
 #include "support/Temp_dir.h"
 

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <map>
 #include <set>
+#include <thread>
 
 namespace cpm::test {
 namespace {
@@ -109,24 +110,32 @@ private:
     std::vector<std::uint32_t> members_;
 };
 
-Result Communities_at(std::uint32_t k, Percolation& percolation, Pair_table const& pairs) {
-    Communities coms;
-    percolation.Coms_from_appr_ovlp_matr(coms, k);
+std::vector<Node_pair> All_pairs(Edge_numbering const& edges) {
+    std::vector<Node_pair> pairs;
+    for (Node a = 0; a < edges.Smaller_ends_end(); ++a) {
+        for (Node const b : edges.Larger_neighbours(a)) {
+            pairs.push_back({a, b});
+        }
+    }
+    return pairs;
+}
+
+Result Listed(Communities const& coms, Edge_numbering const& edges) {
     Result result;
     result.nodes = To_vectors(coms.nodes);
     result.cliques = To_vectors(coms.cliques);
     result.n_exact = coms.n_exact;
-    std::vector<Node_pair> all_pairs;
-    for (Node a = 0; a < pairs.Firsts_end(); ++a) {
-        for (Node const b : pairs.Seconds(a)) {
-            all_pairs.push_back({a, b});
-        }
-    }
+    std::vector<Node_pair> const all_pairs = All_pairs(edges);
     for (std::size_t i = 0; i < coms.size(); ++i) {
-        result.links.emplace_back();
-        coms.links(i, test::To_pairs(all_pairs, result.links.back()));
+        result.links.push_back(Links_of(coms, i, all_pairs));
     }
     return result;
+}
+
+Result Communities_at(std::uint32_t k, Percolation& percolation, Edge_numbering const& edges) {
+    Communities coms;
+    percolation.Coms_from_appr_ovlp_matr(coms, k);
+    return Listed(coms, edges);
 }
 
 // The maximal cliques of three nodes or more, by trying to grow every clique; a list without order.
@@ -178,8 +187,8 @@ std::size_t Largest(Set_list const& cliques) {
 
 TEST(Percolation, No_clique_of_k_nodes_gives_no_communities) {
     Set_list const cliques{{1, 2, 3}};
-    Pair_table const pairs(To_index_links(Complete(1, 3)), 3, cliques, 1);
-    Percolation percolation(cliques, 1, 3, pairs);
+    Edge_numbering const edges(To_index_links(Complete(1, 3)), 3, cliques, 1);
+    Percolation percolation(cliques, 1, 3, edges);
     Communities coms;
     percolation.Coms_from_appr_ovlp_matr(coms, 4);
     EXPECT_EQ(coms.size(), 0U);
@@ -188,9 +197,9 @@ TEST(Percolation, No_clique_of_k_nodes_gives_no_communities) {
 
 TEST(Percolation, A_clique_without_a_neighbour_is_a_community_with_all_its_pairs) {
     Set_list const cliques{{1, 2, 3}};
-    Pair_table const pairs(To_index_links(Complete(1, 3)), 3, cliques, 1);
-    Percolation percolation(cliques, 1, 3, pairs);
-    Result const result = Communities_at(3, percolation, pairs);
+    Edge_numbering const edges(To_index_links(Complete(1, 3)), 3, cliques, 1);
+    Percolation percolation(cliques, 1, 3, edges);
+    Result const result = Communities_at(3, percolation, edges);
     EXPECT_EQ(result.nodes, (Lists{{1, 2, 3}}));
     EXPECT_EQ(result.cliques, (Lists{{0}}));
     EXPECT_EQ(result.links, (std::vector<std::vector<Node_pair>>{{{1, 2}, {1, 3}, {2, 3}}}));
@@ -200,9 +209,9 @@ TEST(Percolation, A_shared_pair_is_listed_once_smaller_node_first) {
     Set_list const cliques{{1, 2, 3}, {2, 3, 4}};
     Links links = Complete(1, 4);
     links.erase({1, 4});
-    Pair_table const pairs(To_index_links(links), 4, cliques, 2);
-    Percolation percolation(cliques, 2, 4, pairs);
-    Result const result = Communities_at(3, percolation, pairs);
+    Edge_numbering const edges(To_index_links(links), 4, cliques, 2);
+    Percolation percolation(cliques, 2, 4, edges);
+    Result const result = Communities_at(3, percolation, edges);
     EXPECT_EQ(result.links,
               (std::vector<std::vector<Node_pair>>{{{1, 2}, {1, 3}, {2, 3}, {2, 4}, {3, 4}}}));
 }
@@ -220,9 +229,9 @@ TEST(Percolation, Approximated_communities_follow_and_may_hold_exact_cliques) {
             }
         }
     }
-    Pair_table const pairs(To_index_links(links), 13, cliques, 3);
-    Percolation percolation(cliques, 3, 13, pairs);
-    Result const result = Communities_at(3, percolation, pairs);
+    Edge_numbering const edges(To_index_links(links), 13, cliques, 3);
+    Percolation percolation(cliques, 3, 13, edges);
+    Result const result = Communities_at(3, percolation, edges);
     EXPECT_EQ(result.cliques, (Lists{{0}, {2}, {1, 3}, {4}}));
     EXPECT_EQ(result.n_exact, 2U);
 }
@@ -232,11 +241,11 @@ TEST(Percolation, K_0_finds_nothing_and_k_1_needs_a_shared_node) {
     Links links = Complete(1, 3);
     links.merge(Complete(3, 5));
     links.merge(Complete(6, 8));
-    Pair_table const pairs(To_index_links(links), 8, cliques, 3);
-    Percolation percolation(cliques, 3, 8, pairs);
-    EXPECT_EQ(Communities_at(0, percolation, pairs).nodes.size(), 0U);
-    EXPECT_EQ(Communities_at(1, percolation, pairs).cliques, (Lists{{0, 1}, {2}}));
-    EXPECT_EQ(Communities_at(2, percolation, pairs).cliques, (Lists{{0, 1}, {2}}));
+    Edge_numbering const edges(To_index_links(links), 8, cliques, 3);
+    Percolation percolation(cliques, 3, 8, edges);
+    EXPECT_EQ(Communities_at(0, percolation, edges).nodes.size(), 0U);
+    EXPECT_EQ(Communities_at(1, percolation, edges).cliques, (Lists{{0, 1}, {2}}));
+    EXPECT_EQ(Communities_at(2, percolation, edges).cliques, (Lists{{0, 1}, {2}}));
 }
 
 TEST(Percolation, A_long_chain_does_not_exhaust_the_stack) {
@@ -250,8 +259,8 @@ TEST(Percolation, A_long_chain_does_not_exhaust_the_stack) {
         links.pairs.push_back({i, i + 2});
     }
     links.pairs.push_back({length + 1, length + 2});
-    Pair_table const pairs(links, length + 2, cliques, length);
-    Percolation percolation(cliques, length, length + 2, pairs);
+    Edge_numbering const edges(links, length + 2, cliques, length);
+    Percolation percolation(cliques, length, length + 2, edges);
     Communities coms;
     percolation.Coms_from_appr_ovlp_matr(coms, 3);
     ASSERT_EQ(coms.size(), 1U);
@@ -275,21 +284,76 @@ TEST(Percolation, Random_networks_agree_with_the_matrix) {
         for (auto const& [a, b] : links) {
             index_links.pairs.push_back({a, b});
         }
-        Pair_table const pairs(index_links, n, cliques, n_exact);
+        Edge_numbering const edges(index_links, n, cliques, n_exact);
         By_matrix by_matrix(cliques, n_exact);
-        Percolation percolation(cliques, n_exact, n, pairs);
+        Percolation percolation(cliques, n_exact, n, edges);
         auto const largest = static_cast<std::uint32_t>(Largest(cliques));
         for (std::uint32_t k = largest + 1; k > 1; --k) {
-            ASSERT_EQ(Communities_at(k, percolation, pairs), by_matrix.Communities_at(k))
+            ASSERT_EQ(Communities_at(k, percolation, edges), by_matrix.Communities_at(k))
                 << "round " << round << ", k " << k;
         }
         for (int again = 0; again < 3; ++again) {
             std::uint32_t const k = 1 + random.Below(largest + 2);
             if (k > 1) {
-                ASSERT_EQ(Communities_at(k, percolation, pairs), by_matrix.Communities_at(k))
+                ASSERT_EQ(Communities_at(k, percolation, edges), by_matrix.Communities_at(k))
                     << "round " << round << ", k " << k << " out of turn";
             }
         }
+    }
+}
+
+struct One_network {
+    explicit One_network(std::uint32_t seed) {
+        Random_numbers random(seed);
+        Links const links = Random_teams(40, 30, 9, random);
+        cliques = Shuffled(Maximal_cliques(links, 40), random);
+        n_exact = cliques.size() - 2;
+        Index_links index_links;
+        for (auto const& [a, b] : links) {
+            index_links.pairs.push_back({a, b});
+        }
+        edges = Edge_numbering(index_links, 40, cliques, n_exact);
+    }
+    Set_list cliques;
+    std::size_t n_exact = 0;
+    Edge_numbering edges;
+};
+
+TEST(Percolation,
+     Communities_stay_valid_when_the_levels_below_are_found_and_when_all_else_is_gone) {
+    One_network const network(53);
+    std::vector<Communities> kept;
+    auto const largest = static_cast<std::uint32_t>(Largest(network.cliques));
+    {
+        Percolation percolation(network.cliques, network.n_exact, 40, network.edges);
+        for (std::uint32_t k = largest; k > 1; --k) {
+            kept.emplace_back();
+            percolation.Coms_from_appr_ovlp_matr(kept.back(), k);
+        }
+    }
+    By_matrix by_matrix(network.cliques, network.n_exact);
+    for (std::uint32_t k = largest; k > 1; --k) {
+        EXPECT_EQ(Listed(kept[largest - k], network.edges), by_matrix.Communities_at(k)) << k;
+    }
+}
+
+TEST(Percolation, Levels_run_side_by_side_and_share_the_cliques) {
+    One_network const network(59);
+    auto const cliques = std::make_shared<Ranked_cliques>(network.cliques, 40);
+    auto const largest = static_cast<std::uint32_t>(Largest(network.cliques));
+    std::vector<Communities> levels(largest + 1);
+    auto const every_second = [&](std::uint32_t from) {
+        Percolation percolation(cliques, network.n_exact, network.edges);
+        for (std::uint32_t k = from; k > 1; k -= std::min(k, 2U)) {
+            percolation.Coms_from_appr_ovlp_matr(levels[k], k);
+        }
+    };
+    std::thread other(every_second, largest);
+    every_second(largest - 1);
+    other.join();
+    By_matrix by_matrix(network.cliques, network.n_exact);
+    for (std::uint32_t k = largest; k > 1; --k) {
+        EXPECT_EQ(Listed(levels[k], network.edges), by_matrix.Communities_at(k)) << k;
     }
 }
 

@@ -208,6 +208,14 @@ TEST(Examining_switches, An_empty_output_directory_is_refused) {
     EXPECT_EQ(Error_text({"-i", "a.txt", "-o"}), " No value is given for switch -o.\n");
 }
 
+TEST(Examining_switches, With_an_intensity_an_empty_output_directory_gets_a_name) {
+    EXPECT_EQ(Error_text({"-i", "a.txt", "-o", "", "-I", "0.3"}), "");
+    EXPECT_EQ(Error_text({"-i", "a.txt", "-I", "0.3", "-o", ""}), "");
+    EXPECT_EQ(Error_text({"-i", "a.txt", "-o", "", "-I"}), " No value is given for switch -I.\n");
+    EXPECT_EQ(Error_text({"-i", "a.txt", "-o", "-I", "0.3"}),
+              " No value is given for switch -o.\n");
+}
+
 TEST(Examining_switches, Errors_come_in_the_order_of_examination) {
     EXPECT_EQ(Error_text({"-k", "-I", "x", "-t", "y", "-d", "-1x0", "-o", "-W", "a", "-w"}),
               unknown_parameter);

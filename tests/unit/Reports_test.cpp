@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Clique_find/Reports.h"
+#include "Plexor_io/Reports.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "support/Switches.h"
+#include "Plexor_io/Switches.h"
 
 #include "support/Errors.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "support/Text_sink.h"
+#include "Plexor_io/Text_sink.h"
 
 #include <gtest/gtest.h>
 

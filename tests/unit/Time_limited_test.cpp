@@ -3,6 +3,7 @@
 
 #include "support/Captured_console.h"
 #include "support/Graph_makers.h"
+#include "support/Test_clocks.h"
 
 #include <gtest/gtest.h>
 
@@ -15,8 +16,6 @@ namespace {
 
 using namespace Clique_find_time_sub_routines;
 using Sets = std::vector<std::vector<Node>>;
-
-constexpr Search_words words{" Looking for things, time=", "things", "exact things", "that is all"};
 
 // What a node's attempts give, one after the other; the last one stays.
 struct Attempt {
@@ -71,14 +70,16 @@ Result Search(std::vector<Node> const& order, Scripted_finder& finder) {
     Captured_console console;
     Set_list cliques{{7, 8, 9}};
     std::vector<Node> core{3};
-    Clock const clock = [&finder] { return finder.Read_clock(); };
-    Search_in_time(cliques, order, finder, 1, clock, words, core, console);
+    Clock_of clock([&finder] { return finder.Read_clock(); });
+    Progress& progress = console;
+    progress.Search_began({.directed = false, .max_time = 1});
+    Search_in_time(cliques, order, finder, 1, clock, core, progress);
     return {To_vectors(cliques), core, console.Output()};
 }
 
 std::string Progress(std::string const& to_do, std::string const& done) {
-    return "________________________________\n Looking for things, time=1.000:\n " + to_do +
-           " nodes to do (" + done + "% done)\n";
+    return "________________________________________________\n Locating cliques, max. allowed time/node=1.000:\n " +
+           to_do + " nodes to do (" + done + "% done)\n";
 }
 
 TEST(Time_limited, A_node_that_always_overruns_ends_the_search_at_once_when_it_is_alone) {
@@ -88,11 +89,11 @@ TEST(Time_limited, A_node_that_always_overruns_ends_the_search_at_once_when_it_i
     EXPECT_EQ(result.reports, Progress("1 of 1", "0.00") +
                                   " Exceeded allowed time at node no.1,\n"
                                   " skipping, 1 out of 1 skipped in a row, (100.00%)\n" +
-                                  std::string(6 + 43, '_') +
-                                  "\n The extraction of things has been found too slow \n"
+                                  std::string(7 + 43, '_') +
+                                  "\n The extraction of cliques has been found too slow \n"
                                   " at all of the remaining nodes.\n" +
-                                  std::string(1 + 12 + 20, '_') +
-                                  "\n Altogether 0 exact things found.\n");
+                                  std::string(1 + 13 + 20, '_') +
+                                  "\n Altogether 0 exact cliques found.\n");
 }
 
 TEST(Time_limited, Nodes_done_list_their_cliques_in_the_order_found) {
@@ -101,8 +102,9 @@ TEST(Time_limited, Nodes_done_list_their_cliques_in_the_order_found) {
     EXPECT_EQ(result.cliques, (Sets{{2, 3, 4}, {1, 2, 4}, {1, 3, 4}}));
     EXPECT_TRUE(result.core.empty());
     EXPECT_EQ(finder.done, (std::vector<Node>{2, 1, 3, 4}));
-    EXPECT_TRUE(result.reports.ends_with(std::string(1 + 6 + 20, '_') +
-                                         "\n Altogether 3 things found.\nthat is all\n"));
+    EXPECT_TRUE(
+        result.reports.ends_with(std::string(1 + 7 + 20, '_') +
+                                 "\n Altogether 3 cliques found.\n no approximation was needed\n"));
 }
 
 TEST(Time_limited, A_node_that_overran_comes_again_behind_all_others) {
@@ -195,7 +197,8 @@ TEST(Time_limited, No_nodes_need_no_time) {
     Result const result = Search({}, finder);
     EXPECT_TRUE(result.cliques.empty());
     EXPECT_EQ(finder.readings, 0);
-    EXPECT_TRUE(result.reports.ends_with("\n Altogether 0 things found.\nthat is all\n"));
+    EXPECT_TRUE(
+        result.reports.ends_with("\n Altogether 0 cliques found.\n no approximation was needed\n"));
 }
 
 } // namespace

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Vertex_maps.h"
+#include "records/Vertex_maps.h"
 
 #include "support/Errors.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Vtx.h"
+#include "records/Vtx.h"
 
 #include "support/Errors.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Vtxd.h"
+#include "records/Vtxd.h"
 
 #include "support/Errors.h"
 

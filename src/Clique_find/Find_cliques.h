@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+// Find_cliques: chooses the clique search and completes its list by approximated cliques.
+#ifndef PLEXOR_FIND_CLIQUES_H
+#define PLEXOR_FIND_CLIQUES_H
+
+#include "Clique_find/Clock.h"
+#include "graph/Types.h"
+#include "records/Vertex_maps.h"
+#include "support/Progress.h"
+
+#include <optional>
+
+namespace cpm {
+
+/// All cliques of a run.
+struct Found_cliques {
+    Set_list cliques;        ///< exact ones first
+    std::size_t n_exact = 0; ///< how many these are
+    bool nested = false;     ///< a clique of the list may lie inside another one
+    /// The exact cliques before approximated ones were merged in, kept when the merge dropped some
+    /// of them: the overlaps are then still those of this list.
+    std::optional<Set_list> before_merge;
+};
+
+/// The graph of a run, as its search takes it.
+struct Graph {
+    Index_links const* links = nullptr; ///< undirected; must outlive the graph
+    Vtx_map vertices;                   ///< undirected, for the search with a time limit
+    Vtxd_map dir_vertices;              ///< directed
+    bool directed = false;
+};
+
+/// The graph of these links, which must outlive it, for a search with a time limit or one without.
+Graph Graph_of_links(Index_links const& links, bool directed, bool timed);
+
+/// Finds all maximal cliques of three nodes or more. With a time limit (seconds a node, measured by
+/// the clock) the nodes that take longer are given up, and their cliques approximated.
+void Find_cliques(Found_cliques& found, Graph const& graph, std::optional<double> max_time_per_node,
+                  Clock& clock, Progress& progress);
+
+} // namespace cpm
+
+#endif

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+// A whole run: from the links to the last result file. `main` starts it, and so may any other
+// program that wants the same files.
+#ifndef PLEXOR_RUN_H
+#define PLEXOR_RUN_H
+
+#include "Plexor_io/Console.h"
+#include "Plexor_io/Process_input.h"
+#include "Plexor_io/Run_settings.h"
+#include "support/Progress.h"
+
+#include <string>
+#include <vector>
+
+namespace cpm {
+
+/// How a run ended. What it has printed tells the same to a person.
+struct Run_outcome {
+    enum class Kind {
+        completed,     ///< to the last file, but for those in `not_written`
+        help,          ///< it was asked for help, which it has printed
+        refused,       ///< it cannot use the command line
+        failed,        ///< an error has ended it
+        out_of_memory, ///< memory ran out
+        cancelled,     ///< the progress has ended it
+    };
+    Kind kind = Kind::completed;
+    std::string text;                     ///< of the error
+    std::vector<std::string> not_written; ///< paths of result files, as the warnings have them
+};
+
+/// Does what the settings and the request ask for, with the links from `source`. Prints the
+/// banner, all that `plexor` prints besides what it tells `progress`, and the text of the error
+/// that ends it.
+Run_outcome Run(Run_settings const& settings, Input_request const& request,
+                Link_source const& source, Progress& progress, Console& console);
+
+/// The same for a command line, with the links from its input file.
+Run_outcome Run_command_line(int argc, char const* const* argv, Progress& progress,
+                             Console& console);
+
+} // namespace cpm
+
+#endif

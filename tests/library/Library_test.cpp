@@ -1,0 +1,293 @@
+// SPDX-License-Identifier: MIT
+// The library as a program sees it: its public headers and nothing else.
+#include <plexor/plexor.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using plexor::Cliques;
+using plexor::Edge;
+using plexor::Error;
+using plexor::Graph;
+using plexor::Level;
+using plexor::Levels;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+std::vector<Edge> const triangle_and_tail = {{1, 2}, {1, 3}, {2, 3}, {3, 4}};
+
+// `n_groups` groups of three, every two nodes linked that are of different groups.
+Graph Moon_moser(std::uint32_t n_groups) {
+    std::vector<Edge> edges;
+    for (std::uint32_t a = 0; a < 3 * n_groups; ++a) {
+        for (std::uint32_t b = a + 1; b < 3 * n_groups; ++b) {
+            if (a / 3 != b / 3) {
+                edges.push_back({a, b});
+            }
+        }
+    }
+    return Graph::From_edges(edges);
+}
+
+std::vector<std::vector<std::uint32_t>> Ids(Graph const& graph, auto const& sets) {
+    std::vector<std::vector<std::uint32_t>> all;
+    for (std::size_t i = 0; i < sets.size(); ++i) {
+        std::vector<std::uint32_t>& ids = all.emplace_back();
+        for (plexor::Node const node : sets[i]) {
+            ids.push_back(graph.Id(node));
+        }
+    }
+    return all;
+}
+
+Error::Kind Kind_thrown(auto const& action) {
+    try {
+        action();
+    } catch (Error const& error) {
+        EXPECT_STRNE(error.what(), "");
+        return error.What_kind();
+    }
+    ADD_FAILURE() << "nothing was thrown";
+    return {};
+}
+
+TEST(Graph, numbers_nodes_as_the_links_name_them) {
+    std::vector<Edge> const edges = {{70, 5}, {5, 900000000}, {70, 900000000}};
+    Graph const graph = Graph::From_edges(edges);
+    EXPECT_EQ(graph.Number_of_nodes(), 3U);
+    EXPECT_EQ(graph.Number_of_links(), 3U);
+    EXPECT_EQ(graph.Id(1), 70U);
+    EXPECT_EQ(graph.Id(2), 5U);
+    EXPECT_EQ(graph.Id(3), 900000000U);
+    EXPECT_EQ(graph.Link(0), (Edge{1, 2}));
+    EXPECT_EQ(graph.Link(2), (Edge{2, 3}));
+}
+
+TEST(Graph, numbers_names_in_the_order_of_sorted_links) {
+    std::vector<plexor::Named_edge> const edges = {{"b", "c"}, {"a", "z"}};
+    Graph const graph = Graph::From_names(edges);
+    EXPECT_EQ(graph.Name(1), "a");
+    EXPECT_EQ(graph.Name(2), "z");
+    EXPECT_EQ(graph.Name(3), "b");
+    EXPECT_EQ(graph.Name(4), "c");
+}
+
+TEST(Graph, merges_a_link_and_its_reverse_unless_directed) {
+    std::vector<Edge> const edges = {{1, 2}, {2, 1}, {1, 2}};
+    std::vector<double> const weights = {1, 10, 100};
+    Graph const undirected = Graph::From_edges(edges, weights);
+    ASSERT_EQ(undirected.Number_of_links(), 1U);
+    EXPECT_EQ(undirected.Weight(0), 111);
+    Graph const directed = Graph::From_edges(edges, weights, {.directed = true});
+    ASSERT_EQ(directed.Number_of_links(), 2U);
+    EXPECT_EQ(directed.Weight(0), 101);
+    EXPECT_EQ(directed.Weight(1), 10);
+}
+
+TEST(Graph, leaves_out_loops_and_weights_at_the_bounds) {
+    std::vector<Edge> const edges = {{1, 1}, {1, 2}, {2, 3}, {3, 4}};
+    std::vector<double> const weights = {5, 1, 2, 3};
+    Graph const graph = Graph::From_edges(edges, weights, {.above = 1, .below = 3});
+    ASSERT_EQ(graph.Number_of_links(), 1U);
+    EXPECT_EQ(graph.Id(graph.Link(0).source), 2U);
+    EXPECT_EQ(graph.Number_of_nodes(), 2U);
+}
+
+TEST(Graph, of_nothing_is_empty) {
+    Graph const graph = Graph::From_edges({});
+    EXPECT_EQ(graph.Number_of_nodes(), 0U);
+    Cliques const cliques = plexor::Find_cliques(graph);
+    EXPECT_EQ(cliques.size(), 0U);
+    EXPECT_EQ(cliques.Largest(), 0U);
+    EXPECT_FALSE(Levels(graph, cliques).Next());
+}
+
+TEST(Graph, takes_ids_up_to_the_largest) {
+    std::uint32_t const largest = std::numeric_limits<std::uint32_t>::max();
+    std::vector<Edge> const edges = {{largest, 0}, {largest - 1, largest}, {0, largest - 1}};
+    Graph const graph = Graph::From_edges(edges);
+    EXPECT_THAT(Ids(graph, plexor::Find_cliques(graph)),
+                ElementsAre(ElementsAre(largest, 0U, largest - 1)));
+}
+
+TEST(Graph, refuses_weights_that_do_not_fit) {
+    std::vector<double> const two = {1, 2};
+    EXPECT_EQ(Kind_thrown([&] { Graph::From_edges(triangle_and_tail, two); }),
+              Error::Kind::bad_argument);
+    EXPECT_EQ(Kind_thrown([&] { Graph::From_edges(triangle_and_tail, {}, {.above = 1}); }),
+              Error::Kind::bad_argument);
+}
+
+TEST(Cliques, are_maximal_and_of_three_nodes_or_more) {
+    Graph const graph = Graph::From_edges(triangle_and_tail);
+    Cliques const cliques = plexor::Find_cliques(graph);
+    EXPECT_THAT(Ids(graph, cliques), ElementsAre(ElementsAre(1, 2, 3)));
+    EXPECT_EQ(cliques.Number_of_exact(), 1U);
+    EXPECT_EQ(cliques.Largest(), 3U);
+    EXPECT_THAT(cliques.Members(), ElementsAre(1, 2, 3));
+    EXPECT_THAT(cliques.Offsets(), ElementsAre(0, 3));
+}
+
+TEST(Cliques, of_a_directed_graph_follow_the_links) {
+    std::vector<Edge> const line = {{1, 2}, {1, 3}, {2, 3}};
+    std::vector<Edge> const cycle = {{1, 2}, {2, 3}, {3, 1}};
+    plexor::Graph_options const directed{.directed = true};
+    EXPECT_EQ(plexor::Find_cliques(Graph::From_edges(line, {}, directed)).size(), 1U);
+    EXPECT_EQ(plexor::Find_cliques(Graph::From_edges(cycle, {}, directed)).size(), 0U);
+}
+
+TEST(Cliques, outlive_their_graph) {
+    Cliques const cliques = plexor::Find_cliques(Moon_moser(4));
+    EXPECT_EQ(cliques.size(), 81U);
+    EXPECT_EQ(cliques[80].size(), 4U);
+}
+
+// A clock on which every reading is an hour after the one before.
+class Hour_clock : public plexor::Clock {
+public:
+    double Now() override { return 3600 * ++readings_; }
+
+private:
+    double readings_ = 0;
+};
+
+TEST(Cliques, of_nodes_given_up_are_approximated) {
+    Hour_clock clock;
+    Graph const graph = Moon_moser(5);
+    Cliques const cliques = plexor::Find_cliques(graph, {.time_limit = 1, .clock = &clock});
+    EXPECT_LT(cliques.Number_of_exact(), cliques.size());
+    Level const level = Levels(graph, cliques).At(5);
+    EXPECT_LT(level.Number_of_exact(), level.size());
+    EXPECT_EQ(Kind_thrown([&] { Levels(graph, cliques, {.intensity = 1}); }),
+              Error::Kind::bad_argument);
+    EXPECT_EQ(Kind_thrown([&] { plexor::Find_cliques(graph, {.time_limit = 0}); }),
+              Error::Kind::bad_argument);
+}
+
+// Ends what it watches at the n-th question.
+class Stop_after : public plexor::Progress {
+public:
+    explicit Stop_after(int questions) : left_(questions) {}
+    bool Cancel() override { return left_-- <= 0; }
+    void Searching(std::uint32_t to_do, std::uint32_t total) override {
+        EXPECT_LE(to_do, total);
+        ++n_nodes;
+    }
+    int n_nodes = 0;
+
+private:
+    int left_;
+};
+
+TEST(Progress, ends_a_search_without_end) {
+    Graph const graph = Moon_moser(60); // 3 ** 60 cliques
+    for (int const questions : {0, 1, 20}) {
+        Stop_after stop(questions);
+        EXPECT_THROW(plexor::Find_cliques(graph, {.progress = &stop}), plexor::Cancelled);
+        EXPECT_GT(stop.n_nodes, 0);
+    }
+}
+
+TEST(Levels, go_down_from_the_largest_clique) {
+    Graph const graph = Moon_moser(4);
+    Levels levels(graph, plexor::Find_cliques(graph));
+    std::optional<Level> const four = levels.Next();
+    std::optional<Level> const three = levels.Next();
+    ASSERT_TRUE(four && three);
+    EXPECT_EQ(four->K(), 4U);
+    EXPECT_EQ(four->size(), 1U); // each clique shares three nodes with eight others
+    EXPECT_EQ(three->size(), 1U);
+    EXPECT_FALSE(levels.Next());
+    EXPECT_FALSE(levels.Next());
+}
+
+TEST(Levels, can_be_asked_in_any_order) {
+    // Two cliques of four that share two nodes.
+    std::vector<Edge> const edges = {{1, 2}, {1, 3}, {1, 4}, {2, 3}, {2, 4}, {3, 4},
+                                     {3, 5}, {3, 6}, {4, 5}, {4, 6}, {5, 6}};
+    Graph const graph = Graph::From_edges(edges);
+    Cliques const cliques = plexor::Find_cliques(graph);
+    Levels levels(graph, cliques);
+    EXPECT_EQ(levels.At(3).size(), 1U);
+    Level const level = levels.At(4);
+    EXPECT_EQ(levels.Next()->K(), 4U); // At() does not count
+    EXPECT_EQ(levels.At(5).size(), 0U);
+    EXPECT_THAT(Ids(graph, level),
+                ElementsAre(ElementsAre(1, 2, 3, 4), ElementsAre(3, 4, 5, 6)));
+}
+
+TEST(Levels, leave_values_that_need_nothing_else) {
+    std::optional<Level> kept;
+    {
+        Graph const graph = Moon_moser(4);
+        Levels levels(graph, plexor::Find_cliques(graph));
+        kept = levels.Next();
+        levels.Next();
+    }
+    EXPECT_EQ(kept->Links_of(0).size(), 54U);
+    EXPECT_EQ(kept->Cliques_of(0).size(), 81U);
+    EXPECT_THAT(kept->Count().size, ElementsAre(plexor::Value_count{12, 1}));
+}
+
+TEST(Levels, tell_which_communities_share_nodes) {
+    std::vector<Edge> const edges = {{1, 2}, {1, 3}, {2, 3}, {3, 4}, {3, 5}, {4, 5}};
+    Graph const graph = Graph::From_edges(edges);
+    Level const level = Levels(graph, plexor::Find_cliques(graph)).At(3);
+    std::vector<plexor::Overlap> overlaps;
+    level.For_each_overlap([&](plexor::Overlap const& one) { overlaps.push_back(one); });
+    EXPECT_THAT(overlaps, ElementsAre(plexor::Overlap{0, 1, 1}));
+    plexor::Distributions const counts = level.Count();
+    EXPECT_THAT(counts.membership,
+                ElementsAre(plexor::Value_count{0, 0}, plexor::Value_count{1, 4},
+                            plexor::Value_count{2, 1}));
+    EXPECT_THAT(counts.degree, ElementsAre(plexor::Value_count{1, 2}));
+    EXPECT_THAT(counts.overlap, ElementsAre(plexor::Value_count{1, 1}));
+    EXPECT_THAT(level.Count(plexor::Part::approximated).size, IsEmpty());
+}
+
+TEST(Levels, by_intensity_go_by_k_cliques) {
+    std::vector<Edge> const edges = {{1, 2}, {1, 3}, {2, 3}, {2, 4}, {3, 4}};
+    std::vector<double> const weights = {3, 2, 4, 1, 1};
+    Graph const graph = Graph::From_edges(edges, weights);
+    Cliques const cliques = plexor::Find_cliques(graph);
+    Levels levels(graph, cliques, {.intensity = 2});
+    Level const level = levels.At(3);
+    EXPECT_THAT(Ids(graph, level), ElementsAre(ElementsAre(1, 2, 3)));
+    EXPECT_THAT(level.Links_of(0), ElementsAre(Edge{1, 2}, Edge{1, 3}, Edge{2, 3}));
+    EXPECT_THAT(level.Cliques_of(0), IsEmpty());
+    EXPECT_EQ(Kind_thrown([&] { Levels(graph, cliques, {.intensity = 0.1}).At(2); }),
+              Error::Kind::missing_link);
+    Graph const directed = Graph::From_edges(edges, weights, {.directed = true});
+    EXPECT_EQ(Kind_thrown([&] {
+                  Levels(directed, plexor::Find_cliques(directed), {.intensity = 1});
+              }),
+              Error::Kind::bad_argument);
+}
+
+TEST(Library, serves_two_threads_at_once) {
+    Graph const shared = Moon_moser(5);
+    std::vector<std::size_t> sizes(4);
+    std::vector<std::thread> threads;
+    for (std::size_t& size : sizes) {
+        threads.emplace_back([&size, &shared] {
+            Graph const own = Moon_moser(5);
+            Levels levels(own, plexor::Find_cliques(shared));
+            while (auto const level = levels.Next()) {
+                size += (*level)[0].size();
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_THAT(sizes, testing::Each(45U)); // 15 nodes at k = 5, 4 and 3
+}
+
+} // namespace

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+// Adjacent cliques when the slices of the lists need more room than they may have: large cliques of
+// few nodes, whose lists are all long and scanned all the time.
+#include "Coms_funcs/Adjacent_cliques.h"
+
+#include "support/Random_numbers.h"
+
+#include <bit>
+#include <gtest/gtest.h>
+
+namespace cpm::test {
+namespace {
+
+constexpr std::uint32_t n_cliques = 6000;
+constexpr Node n_nodes = 64;
+constexpr int clique_size = 33;
+
+// A bit a node, node 1 first.
+using Mask = std::uint64_t;
+
+struct Network {
+    Set_list cliques;
+    std::vector<Mask> masks;
+};
+
+Network Random_halves(std::uint32_t seed) {
+    Random_numbers random(seed);
+    Network network;
+    for (std::uint32_t c = 0; c < n_cliques; ++c) {
+        Mask mask = 0;
+        while (std::popcount(mask) < clique_size) {
+            mask |= Mask{1} << random.Below(n_nodes);
+        }
+        for (Node node = 1; node <= n_nodes; ++node) {
+            if ((mask >> (node - 1) & 1) != 0) {
+                network.cliques.Append(node);
+            }
+        }
+        network.cliques.Close_list();
+        network.masks.push_back(mask);
+    }
+    return network;
+}
+
+// What each clique in turn finds among those that none before it has found.
+std::vector<std::vector<Clique_number>> By_counting(Network const& network,
+                                                    std::uint32_t min_shared) {
+    std::vector<bool> visited(n_cliques, false);
+    std::vector<std::vector<Clique_number>> found(n_cliques);
+    for (Clique_number from = 0; from < n_cliques; ++from) {
+        for (Clique_number c = 0; c < n_cliques; ++c) {
+            auto const shared = std::popcount(network.masks[c] & network.masks[from]);
+            if (!visited[c] && shared >= static_cast<int>(min_shared)) {
+                visited[c] = true;
+                found[from].push_back(c);
+            }
+        }
+    }
+    return found;
+}
+
+// With 1,024 buckets of nodes the slices of a list take 128 bytes a clique. At 24 shared nodes each
+// clique is in ten lists, 1,280 bytes in all; a clique of 33 nodes makes room for 264. What does
+// not fit makes all lists give way, and come back, many times over.
+TEST(Adjacent_cliques_room, Lists_that_give_way_to_others_lose_no_adjacent_clique) {
+    Network const network = Random_halves(83);
+    Ranked_cliques const ranked(network.cliques, n_nodes);
+    Adjacent_cliques index(ranked);
+    std::size_t n_others = 0;
+    for (std::uint32_t const min_shared : {25U, 24U}) {
+        auto const expected = By_counting(network, min_shared);
+        index.Start_level(min_shared, min_shared);
+        for (Clique_number from = 0; from < n_cliques; ++from) {
+            Flat_array<Adjacent_clique> adjacent;
+            index.Visit_adjacent({from, all_new}, adjacent);
+            std::vector<Clique_number> found;
+            for (Adjacent_clique const& one : adjacent) {
+                found.push_back(one.clique);
+                n_others += one.clique == from ? 0 : 1;
+            }
+            ASSERT_EQ(found, expected[from]) << "asked by " << from << " at " << min_shared;
+        }
+    }
+    EXPECT_GT(n_others, 1000U);
+}
+
+} // namespace
+} // namespace cpm::test
