@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
 from collections.abc import Callable
+from typing import Any
 import numpy as np
 import numpy.typing as npt
 
