@@ -5,11 +5,11 @@ from __future__ import annotations
 
 import gzip
 import json
-import os
 import shutil
 import signal
 import subprocess
 import sys
+import time
 from collections.abc import Callable
 from pathlib import Path
 
@@ -261,65 +261,56 @@ def test_a_failed_run_keeps_the_old_results(tmp_path: Path, in_process: Tool) ->
 
 @pytest.mark.parametrize("overwrite", [False, True])
 def test_an_interrupted_run_says_what_is_there(overwrite: bool, tmp_path: Path) -> None:
-    # A stand-in for the program that says where it is and then waits for ever.
-    folder = tmp_path / "bin"
-    folder.mkdir()
-    ready = tmp_path / "ready"
-    os.mkfifo(ready)
-    stand_in = folder / "plexor"
-    stand_in.write_text(
-        "#!/bin/sh\n"
-        'while [ "$1" != -o ]; do shift; done\n'
-        'mkdir -p "$2/k=4" && echo > "$2/input_params.txt" && echo > "$2/graph"\n'
-        f"echo started > {ready}\n"
-        "exec sleep 1000\n"
-    )
-    stand_in.chmod(0o755)
+    # 3 ** 30 cliques: the search would take years.
+    nodes = range(90)
+    hard = "".join(f"n{i} n{j}\n" for i in nodes for j in range(i) if i // 3 != j // 3)
     links = tmp_path / "net.txt"
-    links.write_bytes(b"a1 b1\nb1 c1\nc1 a1\n")
     out = tmp_path / "out"
     if overwrite:
+        links.write_bytes(b"a1 b1\nb1 c1\nc1 a1\n")
         assert run_tool("run", links, "-o", out).status == 0
     old = tree(out) if overwrite else {}
-    environment = {**tool_environment(), "PATH": f"{folder}:{os.environ['PATH']}"}
+    links.write_text(hard)
     command = [sys.executable, "-m", "plexor.tool", "run", "-q", str(links), "-o", str(out)]
     with subprocess.Popen(
-        command + (["-O"] if overwrite else []), stderr=subprocess.PIPE, env=environment
+        command + (["-O"] if overwrite else []), stderr=subprocess.PIPE, env=tool_environment()
     ) as process:
-        with ready.open() as stream:
-            assert stream.read() == "started\n"
+        # The graph file is the last one before the search.
+        def begun() -> bool:
+            folders = [out]
+            if overwrite:
+                folders = [p / "results" for p in tmp_path.iterdir() if p.name.startswith(".out")]
+            return any((p / "graph").exists() and (p / "graph").stat().st_size for p in folders)
+
+        while not begun():
+            assert process.poll() is None
+            time.sleep(0.01)
         process.send_signal(signal.SIGINT)
         assert process.stderr is not None
         said = process.stderr.read().decode()
         assert process.wait() == 130
     assert said.endswith("plexor-tool: interrupted\n")
     if overwrite:
-        assert f"'{out}' is as it was" in said
+        assert "the results of before are as they were" in said
         assert tree(out) == old
     else:
-        assert f"'{out}' has 2 files and the folders of 1 k" in said
-    assert sorted(p.name for p in tmp_path.iterdir()) == ["bin", "net.txt", "out", "ready"]
+        assert f"'{out}' has 2 files and the folders of 0 k" in said
+    assert sorted(p.name for p in tmp_path.iterdir()) == ["net.txt", "out"]
 
 
-def test_files_that_could_not_be_written_fail_the_run(tmp_path: Path) -> None:
-    folder = tmp_path / "bin"
-    folder.mkdir()
-    stand_in = folder / "plexor"
-    banner = "_" * 52
-    stand_in.write_text(
-        f"#!/bin/sh\necho {banner}\necho \" WARNING: could not write 'out/graph'.\"\n"
-        f"echo {banner}\n"
-    )
-    stand_in.chmod(0o755)
+def test_files_that_could_not_be_written_fail_the_run(
+    tmp_path: Path, in_process: Tool, monkeypatch: pytest.MonkeyPatch
+) -> None:
+    import plexor
+    from plexor.running import RunSummary
+
+    def run(*_: object, **__: object) -> RunSummary:
+        return RunSummary(tmp_path / "out", (Path("out/graph"),))
+
+    monkeypatch.setattr(plexor, "run", run, raising=False)
     links = tmp_path / "net.txt"
     links.write_bytes(b"a1 b1\nb1 c1\nc1 a1\n")
-    environment = {**tool_environment(), "PATH": f"{folder}:{os.environ['PATH']}"}
-    done = subprocess.run(
-        [sys.executable, "-m", "plexor.tool", "run", "-q", str(links), "--summary", "-"],
-        env=environment,
-        capture_output=True,
-        check=False,
-    )
-    assert done.returncode == 1
-    assert done.stderr.decode() == "plexor-tool: could not write 'out/graph'\n"
-    assert json.loads(done.stdout)["not_written"] == ["out/graph"]
+    done = in_process("run", "-q", links, "--summary", "-")
+    assert done.status == 1
+    assert done.said == "plexor-tool: could not write 'out/graph'\n"
+    assert json.loads(done.out)["not_written"] == ["out/graph"]

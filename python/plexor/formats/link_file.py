@@ -30,6 +30,18 @@ def number_text(value: float) -> str:
     return text[:-2] if text.endswith(".0") else text
 
 
+def names_for_links(table: LinkTable) -> list[str]:
+    """The names as a link file has them: all escaped where the name of a linked node needs it."""
+    other = table.source != table.target
+    used = np.zeros(len(table.names), dtype=bool)
+    used[table.source[other]] = True
+    used[table.target[other]] = True
+    if any(needs_escape(name) for name, is_used in zip(table.names, used) if is_used):
+        return [escape(name) for name in table.names]
+    # Names that no link has may be anything; the engine wants words.
+    return [name if is_used else escape(name) for name, is_used in zip(table.names, used)]
+
+
 def write_link_file(table: LinkTable, stream: BinaryIO) -> Written:
     """Writes the links in their order, with weights if there are, without self-links.
 

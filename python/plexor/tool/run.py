@@ -2,10 +2,10 @@
 """`plexor-tool run`: a run of `plexor` on a network of any format.
 
 Takes    a file, and plexor's switches under their short or long names.
-Leaves   the result files of `plexor`, byte for byte. A file that `plexor` would not read rightly
-         is converted first; its own path stands in the headers all the same.
-Safety   what is converted, or replaces earlier results, is made in a directory beside the final
-         one and takes its place when it is whole.
+Leaves   the result files of `plexor`, byte for byte. The engine works in this process; a file that
+         its own reader would not read rightly is read here, and handed over as arrays.
+Safety   what replaces earlier results is made in a directory beside the final one and takes its
+         place when it is whole.
 """
 
 from __future__ import annotations
@@ -21,20 +21,20 @@ import sys
 import tempfile
 import time
 from collections.abc import Iterator
+from dataclasses import dataclass, field
 from pathlib import Path
 from typing import Any
 
-from plexor.errors import ResultError
-from plexor.formats import Reading, write_link_file
+from plexor.errors import PlexorError, ResultError
+from plexor.formats import LinkTable
+from plexor.formats.link_file import names_for_links
 from plexor.results import load
 from plexor.tool.console import Console, ToolError, UsageError, output_file
-from plexor.tool.program import ProgramEnd, find_program, run_program
 from plexor.tool.reading import (
     add_reading_arguments,
     plural,
     read_network,
     reasons_to_convert,
-    say_written,
 )
 
 _NOT_EMPTY = "the output directory already exists and it is non-empty"
@@ -233,7 +233,6 @@ def _intensity_ending(arguments: argparse.Namespace) -> str:
 
 
 def _run(arguments: argparse.Namespace, summary: _Summary, console: Console) -> int:
-    find_program()
     final = Path(_final_directory(arguments))
     summary.output = str(final)
     replaces = _look_at_place(final, arguments.overwrite)
@@ -244,51 +243,79 @@ def _run(arguments: argparse.Namespace, summary: _Summary, console: Console) -> 
     )
     if weighted and reading.table.weight is None:
         raise ToolError("-w, -W and -I need weights, and none were read from this file")
-    reasons = reasons_to_convert(reading)
-    if not reasons and not replaces:
-        return _run_in_place(arguments, final, summary, console)
-    with _beside(final) as work:
-        links = arguments.file
-        if reasons:
-            links = str(work / "links")
-            with open(links, "xb") as stream:
-                say_written(reading.table, write_link_file(reading.table, stream), console)
-        del reading
-        made = work / ("results" + _intensity_ending(arguments))
-        left = f"'{final}' is as it was" if replaces else f"nothing is in '{final}'"
-        command = ["-i", links, *_switches(arguments), "-o", str(work / "results")]
-        try:
-            end = _observed(command, console)
-        except KeyboardInterrupt:
-            console.error(left)
-            raise
-        _say_end(end, summary, left, console)
+    links: Any = arguments.file
+    if reasons_to_convert(reading):
+        links = _network(reading.table)
+    del reading
+    if not replaces:
+        end = _finished(arguments, links, arguments.output, final, console)
+        _say_end(end, summary, _left(final), console)
         if not end.completed or end.not_written:
             return 1
-        if reasons:
-            _name_input(made, os.path.abspath(links), os.path.abspath(arguments.file))
-        if arguments.summary is not None:
-            summary.found = _found(made)
-        _put_in_place(made, final, replaces)
-    return _done(final, summary, console)
-
-
-def _run_in_place(
-    arguments: argparse.Namespace, final: Path, summary: _Summary, console: Console
-) -> int:
-    """plexor reads the file itself, and writes where it would."""
-    output = [] if arguments.output is None else ["-o", arguments.output]
-    try:
-        end = _observed(["-i", arguments.file, *_switches(arguments), *output], console)
-    except KeyboardInterrupt:
-        console.error(_left(final))
-        raise
-    _say_end(end, summary, _left(final), console)
-    if not end.completed or end.not_written:
-        return 1
+        made = final
+    else:
+        with _beside(final) as work:
+            end = _finished(arguments, links, str(work / "results"), None, console)
+            _say_end(end, summary, f"'{final}' is as it was", console)
+            if not end.completed or end.not_written:
+                return 1
+            _put_in_place(work / ("results" + _intensity_ending(arguments)), final)
+            made = final
     if arguments.summary is not None:
-        summary.found = _found(final)
+        summary.found = _found(made)
     return _done(final, summary, console)
+
+
+def _network(table: LinkTable) -> Any:
+    """The links for the engine, with names that its files can hold."""
+    from plexor import Network
+
+    names = names_for_links(table)
+    return Network(table.source, table.target, table.weight, names)
+
+
+@dataclass
+class _End:
+    """How a run ended. ``completed``: to its last file but for those in ``not_written``."""
+
+    completed: bool
+    error: str = ""
+    not_written: list[str] = field(default_factory=list)
+
+
+def _finished(
+    arguments: argparse.Namespace, links: Any, output: str | None, final: Path | None, console: Console
+) -> _End:
+    """Runs to the end. `final` is where half a run would be; None when nobody will see it."""
+    import plexor
+
+    lower, upper = arguments.lower_weight, arguments.upper_weight
+    bounds = (
+        None if lower is None else float(lower),
+        None if upper is None else float(upper),
+    )
+    try:
+        done = plexor.run(
+            links,
+            output,
+            k=None if arguments.clique_size is None else int(arguments.clique_size),
+            directed=arguments.directed,
+            weights=None if bounds == (None, None) else bounds,
+            intensity=None if arguments.intensity is None else float(arguments.intensity),
+            time_limit=None if arguments.time_limit is None else float(arguments.time_limit),
+            digits=6 if arguments.digits is None else int(arguments.digits),
+            name=None if isinstance(links, str) else arguments.file,
+            progress=not console.quiet and sys.stderr.isatty(),
+        )
+    except KeyboardInterrupt:
+        if final is None:
+            console.error("the results of before are as they were")
+        else:
+            console.error(_left(final))
+        raise
+    except PlexorError as error:
+        return _End(False, " ".join(str(error).split()))
+    return _End(True, "", [str(path) for path in done.not_written])
 
 
 def _left(final: Path) -> str:
@@ -304,7 +331,7 @@ def _left(final: Path) -> str:
     )
 
 
-def _say_end(end: ProgramEnd, summary: _Summary, left: str, console: Console) -> None:
+def _say_end(end: _End, summary: _Summary, left: str, console: Console) -> None:
     summary.not_written = end.not_written
     if not end.completed:
         summary.error = end.error
@@ -323,23 +350,6 @@ def _done(final: Path, summary: _Summary, console: Console) -> int:
         levels = "communities at " + ", ".join(f"k={k}" for k in dict.fromkeys((sizes[0], sizes[-1])))
     console.say(f"results in {final}: {levels.replace(', k', ' to k')}")
     return 0
-
-
-def _observed(switches: list[str], console: Console) -> ProgramEnd:
-    """Runs the program, with a bar where somebody can see it."""
-    if console.quiet or not sys.stderr.isatty():
-        return run_program(switches)
-    try:
-        from tqdm import tqdm
-    except ImportError:
-        return run_program(switches)
-    with tqdm(total=0, desc="clique search", unit=" nodes", leave=False, file=sys.stderr) as bar:
-
-        def show(done: int, total: int) -> None:
-            bar.total = total
-            bar.update(max(0, done - bar.n))
-
-        return run_program(switches, show)
 
 
 def _found(directory: Path) -> dict[str, Any]:
@@ -409,27 +419,6 @@ def _beside(final: Path) -> Iterator[Path]:
         shutil.rmtree(work, ignore_errors=True)
 
 
-def _name_input(directory: Path, converted: str, given: str) -> None:
-    """Puts the path of the given file where the headers name the converted one."""
-    old, new = (f" from {os.fsdecode(path)}\n".encode("utf-8", "surrogateescape")
-                for path in (converted, given))
-    for path in sorted(directory.rglob("*")):
-        if not path.is_file():
-            continue
-        with path.open("rb") as stream:
-            # The path stands in the first line, or in the second.
-            head = stream.readline()
-            if old[1:] not in head:
-                head += stream.readline()
-            if head.count(old[1:]) != 1:
-                raise ToolError(f"'{path}' does not name its input")
-            beside = path.with_name(path.name + ".new")
-            with beside.open("xb") as target:
-                target.write(head.replace(old[1:], new[1:]))
-                shutil.copyfileobj(stream, target, 1 << 20)
-        beside.replace(path)
-
-
 def _exchange(one: Path, other: Path) -> bool:
     """Swaps two directories in one step; False where the file system cannot."""
     at_cwd, exchange = -100, 2
@@ -440,12 +429,8 @@ def _exchange(one: Path, other: Path) -> bool:
     return bool(swap(at_cwd, os.fsencode(one), at_cwd, os.fsencode(other), exchange) == 0)
 
 
-def _put_in_place(made: Path, final: Path, replaces: bool) -> None:
-    if not replaces:
-        if final.exists() and not final.is_dir():
-            raise ToolError(f"'{final}' is a file; name another directory by -o")
-        made.rename(final)  # an empty directory gives way
-        return
+def _put_in_place(made: Path, final: Path) -> None:
+    """Puts new results in the place of old ones, which go where the new ones were."""
     if _exchange(made, final):
         return
     old = made.with_name("old")
