@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
 from collections.abc import Callable
+from typing import Any
 import numpy as np
 import numpy.typing as npt
 
@@ -45,6 +46,20 @@ class Level:
 def links_outside_triangles(source: _Numbers, target: _Numbers, n_nodes: int) -> _Ints: ...
 def number_nodes(source: _Ints, target: _Ints) -> tuple[_Ints, _Numbers, _Numbers]: ...
 def read_links(path: bytes, weighted: bool) -> tuple[list[bytes], _Numbers, _Numbers, _Floats]: ...
+def read_edge_list(
+    data: bytes,
+    delimiter: bytes,
+    quotes: bool,
+    comment: bytes,
+    comment_decides: bool,
+    header: bool,
+    source: int,
+    target: int,
+    weight: int | None,
+    fields: int | None,
+    decimal_comma: bool,
+    escaped: bool,
+) -> dict[str, Any]: ...
 def run(
     input: bytes,
     output: bytes | None,

@@ -2,6 +2,7 @@
 // The module plexor._engine: Engine_access for Python. Arrays go in and out without a copy where
 // their types fit. The interpreter is free while the engine works; a watcher takes it back for a
 // moment, to look for Ctrl-C and to move a bar.
+#include "Edge_list_reader.h"
 #include "Engine_access.h"
 
 #include <pybind11/numpy.h>
@@ -250,6 +251,7 @@ PYBIND11_MODULE(_engine, module) {
         },
         py::arg("source"), py::arg("target"));
     module.def("read_links", &Read, py::arg("path"), py::arg("weighted"));
+    plexor_formats::Register_edge_list_reader(module);
     module.def("run", &Whole_run, py::arg("input"), py::arg("output"), py::arg("k"),
                py::arg("directed"), py::arg("lower"), py::arg("upper"), py::arg("intensity"),
                py::arg("time_limit"), py::arg("digits"), py::arg("log"), py::arg("links"),
