@@ -1,7 +1,8 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
 # Builds Plexor and runs every test, installing what that needs.
-#   ./test.sh          the release code by GCC and by Clang, the Python package, the sanitizers
+#   ./test.sh          the release code by GCC and by Clang, the Python package, plexor-tool,
+#                      the pages in a browser, the sanitizers
 #   ./test.sh quick    the release code by GCC only
 set -eu
 cd "$(dirname "$0")"
@@ -31,7 +32,18 @@ run_preset test
 if [ "${1:-}" = quick ]; then
     exit 0
 fi
-tests/python/run.sh
+run_script() {
+    echo "== $1"
+    say_still "$1" &
+    still=$!
+    trap 'kill "$still" 2>/dev/null || true' EXIT
+    "$1"
+    kill "$still" 2>/dev/null || true
+}
+
+run_script tests/python/run.sh
+run_script tests/tool/run.sh
+run_script tests/page/run.sh
 need clang++ clang clang-format clang-format
 find src python/src tests bench -name '*.cpp' -o -name '*.h' | xargs clang-format --dry-run --Werror
 run_preset test-clang
