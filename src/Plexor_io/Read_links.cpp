@@ -119,7 +119,6 @@ void Collect_links(std::string const& file, Link_collector& collector, bool weig
 
 template <class Accept_weight>
 void Read_links(std::string const& file, Link_map& links, bool weighted, Accept_weight accept) {
-    links = Link_map();
     Link_collector collector(weighted);
     Collect_links(file, collector, weighted, accept);
     collector.Finish(links);
@@ -132,7 +131,6 @@ bool Any_weight(double) {
 } // namespace
 
 void Read_links_as_given(std::string const& file, Link_map& links, bool weighted) {
-    links = Link_map();
     Link_collector collector(weighted);
     Collect_links(file, collector, weighted, Any_weight);
     collector.Finish_unmerged(links);

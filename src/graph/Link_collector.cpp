@@ -41,6 +41,7 @@ void Link_collector::Finish(Link_map& links) {
 }
 
 void Link_collector::Finish_unmerged(Link_map& links) {
+    links = Link_map();
     Close_batch();
     names_.Release_table();
     Name_table const& names = names_.Names();

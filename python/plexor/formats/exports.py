@@ -161,6 +161,8 @@ class _Table:
     def __init__(self, stream: BinaryIO, guard: bool) -> None:
         self._text = io.StringIO(newline="")
         self._csv = csv.writer(self._text, lineterminator="\n")
+        # The module puts a carriage return in quotation marks only where lines end with one.
+        self._quoted = csv.writer(self._text, lineterminator="\n", quoting=csv.QUOTE_ALL)
         self._stream = stream
         self._guard = guard
 
@@ -168,7 +170,9 @@ class _Table:
         return "'" + name if self._guard and is_formula(name) else name
 
     def row(self, fields: Iterable[Any]) -> None:
-        self._csv.writerow(fields)
+        values = list(fields)
+        returns = any(isinstance(value, str) and "\r" in value for value in values)
+        (self._quoted if returns else self._csv).writerow(values)
         if self._text.tell() > 1 << 20:
             self.flush()
 
