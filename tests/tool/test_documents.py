@@ -18,8 +18,6 @@ from plexor.tool.completion import SHELLS
 from conftest import PROGRAM, ROOT, tool_environment
 
 PAGE = (ROOT / "docs/formats-in-and-out.md").read_text(encoding="utf-8")
-# The commands whose manual pages and options are held against each other here.
-OURS = ["check", "convert", "run", "export"]
 
 
 def commands_of_the_page() -> list[tuple[str, str]]:
@@ -74,7 +72,7 @@ def options_of(name: str) -> set[str]:
     return {o for action in command_parser(name)._actions for o in action.option_strings}
 
 
-@pytest.mark.parametrize("name", OURS)
+@pytest.mark.parametrize("name", COMMANDS)
 def test_the_manual_page_has_all_options(name: str) -> None:
     path = ROOT / f"docs/man/plexor-tool-{name}.1"
     text = path.read_text(encoding="utf-8").split(".SH OPTIONS", 1)[1].split(".SH EXIT", 1)[0]
@@ -87,7 +85,7 @@ def test_the_manual_page_has_all_options(name: str) -> None:
     assert found == options_of(name)
 
 
-@pytest.mark.parametrize("page", ["plexor-tool", *(f"plexor-tool-{name}" for name in OURS)])
+@pytest.mark.parametrize("page", ["plexor-tool", *(f"plexor-tool-{name}" for name in COMMANDS)])
 def test_manual_pages_are_set_without_a_warning(page: str) -> None:
     done = subprocess.run(
         ["groff", "-man", "-ww", "-z", "-K", "utf8", ROOT / f"docs/man/{page}.1"],
@@ -113,6 +111,9 @@ def test_completions_are_those_of_the_options(shell: str) -> None:
         (["plexor-tool", "convert", "-f", "g"], {"gml", "graphml", "gexf"}),
         (["plexor-tool", "export", "-f", "cd"], {"cdlib"}),
         (["plexor-tool", "check", "--decimal", ""], {".", ","}),
+        (["plexor-tool", "sw"], {"sweep"}),
+        (["plexor-tool", "report", "--names", ""], {"unescape", "raw"}),
+        (["plexor-tool", "compare", "--over-"], {"--over-time"}),
     ],
 )
 def test_bash_completes(line: list[str], expected: set[str]) -> None:
