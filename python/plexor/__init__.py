@@ -12,6 +12,7 @@ NumPy.
 from typing import TYPE_CHECKING, Any
 
 if TYPE_CHECKING:
+    from .comparison import compare, compare_over_time
     from .errors import LinkFileError, LinkFileNotFoundError, PlexorError, ResultError
     from .network import Network
     from .results import (
@@ -27,6 +28,7 @@ if TYPE_CHECKING:
     )
     from .running import RunSummary, run
     from .search import Cliques, find_cliques, find_communities, levels
+    from .sweeping import sweep
 
     __version__: str
 
@@ -46,16 +48,20 @@ __all__ = [
     "ResultError",
     "RunSummary",
     "SetList",
+    "compare",
+    "compare_over_time",
     "find_cliques",
     "find_communities",
     "levels",
     "load",
     "run",
+    "sweep",
 ]
 
 # Names are imported when they are first used: results can be read without the compiled module, and
 # NetworkX, which imports its backends, is not slowed down.
 _MODULES = {
+    "comparison": ("compare", "compare_over_time"),
     "errors": ("LinkFileError", "LinkFileNotFoundError", "PlexorError", "ResultError"),
     "network": ("Network",),
     "results": (
@@ -71,6 +77,7 @@ _MODULES = {
     ),
     "running": ("RunSummary", "run"),
     "search": ("Cliques", "find_cliques", "find_communities", "levels"),
+    "sweeping": ("sweep",),
 }
 _MODULE_OF = {name: module for module, names in _MODULES.items() for name in names}
 

@@ -27,6 +27,8 @@ if TYPE_CHECKING:
     import networkx
     import pandas
 
+    from .report import Report
+
 __all__ = [
     "ESCAPE_MARKER",
     "Community",
@@ -487,6 +489,14 @@ class Result:
             "largest_clique": int(self.cliques.sizes.max(initial=0)),
             "levels": [level.summary() for level in self],
         }
+
+    def report(self, path: str | os.PathLike[str], **options: Any) -> Report:
+        """Writes a page of the result to `path`, one HTML file for a browser; replaces what is there.
+        The options are those of `plexor.report.write_report`: `title`, `ks`, `unescape`, ... Returns
+        the page and what it had no room for. Raises OSError when it cannot be written."""
+        from .report import write_report
+
+        return write_report(self, path, **options)
 
     def _repr_html_(self) -> str:
         numbers = self.summary()

@@ -10,6 +10,7 @@ from types import ModuleType
 import networks
 import pytest
 from plexor.tool import compare_command, report_command
+from plexor.tool.cli import main
 from plexor.tool.console import Console, ToolError, UsageError
 
 
@@ -62,3 +63,22 @@ def test_compare(results: list[str], tmp_path: Path, capsys: pytest.CaptureFixtu
             execute(compare_command, *wrong)
     with pytest.raises(ToolError, match="no results at k=99"):
         execute(compare_command, *results[:2], "-k", "99")
+
+
+def test_exit_statuses(results: list[str], tmp_path: Path, capsys: pytest.CaptureFixture[str]) -> None:
+    page = str(tmp_path / "page.html")
+    links = tmp_path / "links.txt"
+    links.write_text("a b 1\nb c 2\nc a 3\n")
+    good = [["report", results[0], "-o", page, "-q"], ["compare", results[0], results[1], "-k", "6"],
+            ["sweep", str(links), "-o", str(tmp_path / "sweep"), "-w", "0,1"]]
+    failed = [["report", results[0], "-o", page], ["report", str(tmp_path)], ["report", results[0], "-o", str(tmp_path / "none" / "x")],
+              ["compare", results[0], str(tmp_path), "-k", "6"], ["compare", *results[:2], "-k", "6", "-o", page],
+              ["sweep", str(tmp_path / "none.txt")], ["sweep", str(links), "-o", str(tmp_path / "sweep"), "-w", "0"]]
+    wrong = [["report"], ["report", results[0], "-k", "x"], ["compare", results[0]], ["sweep", str(links), "-w", "x"],
+             ["sweep", str(links), "-j", "0"]]
+    for status, lines in ((0, good), (1, failed), (2, wrong)):
+        for line in lines:
+            assert main(line) == status, line
+            said = capsys.readouterr().err
+            assert "Traceback" not in said
+            assert status == 0 or "plexor-tool: " in said, line

@@ -68,7 +68,7 @@ def test_names_are_escaped(tmp_path: Path) -> None:
 def test_names_are_unescaped_where_the_input_says_so(tmp_path: Path) -> None:
     text = networks.clique_of(["New%20York", "100%25", "b", "c"])
     raw = networks.run(text, [], tmp_path / "raw")
-    marked = networks.run("# plexor: names are escaped\n" + text, [], tmp_path / "marked")
+    marked = networks.run(f"{plexor.results.ESCAPE_MARKER}\n{text}", [], tmp_path / "marked")
 
     def names(results: Path, **options: bool) -> set[str]:
         found = blocks(make_report(plexor.load(results), **options).content)["names"]

@@ -23,7 +23,7 @@ from plexor.tool.console import Console, ToolError, UsageError
 os.environ.setdefault("PLEXOR", networks.PLEXOR)
 AIRPORTS = networks.ROOT / "examples" / "us-airports.txt"
 FACULTY = networks.ROOT / "examples" / "uk-faculty.txt"
-TOOL = "from plexor.tool import sweep_command as c; import argparse, sys; p = argparse.ArgumentParser(); c.add_arguments(p); sys.exit(c.run(p.parse_args(sys.argv[1:])))"
+TOOL = (sys.executable, "-m", "plexor.tool")
 
 
 def contents(folder: Path) -> dict[str, bytes]:
@@ -90,7 +90,7 @@ def test_jobs_by_gnu_parallel_give_the_same_bytes(tmp_path: Path) -> None:
     thresholds = grid("1:6:1")
     sweep(FACULTY, tmp_path / "one", lower=thresholds)
     plan = make_plan(FACULTY, lower=thresholds)
-    commands = "\n".join(job_command(plan, job, tmp_path / "many", (sys.executable, "-c", TOOL)).replace(" sweep ", " ", 1) for job in plan.jobs)
+    commands = "\n".join(job_command(plan, job, tmp_path / "many", TOOL) for job in plan.jobs)
     subprocess.run(["parallel", "-j", "2"], input=commands, text=True, check=True)
     assert not (tmp_path / "many" / "sweep.csv").exists()
     sweep(FACULTY, tmp_path / "many", lower=thresholds)
@@ -110,7 +110,7 @@ def test_jobs_by_dask_give_the_same_bytes(tmp_path: Path) -> None:
 def test_killed_ten_times_and_resumed(tmp_path: Path) -> None:
     thresholds = "0.5:14:0.5"
     sweep(FACULTY, tmp_path / "whole", lower=grid(thresholds))
-    command = [sys.executable, "-c", TOOL, str(FACULTY), "-w", thresholds, "-o", str(tmp_path / "killed"), "-q"]
+    command = [*TOOL, "sweep", str(FACULTY), "-w", thresholds, "-o", str(tmp_path / "killed"), "-q"]
     command.remove("-q")
     draw = random.Random(3)
     n_kills = 0

@@ -5,6 +5,7 @@ from __future__ import annotations
 
 import gzip
 import os
+import signal
 import subprocess
 from collections.abc import Callable
 from pathlib import Path
@@ -13,6 +14,9 @@ import pytest
 
 ROOT = Path(__file__).resolve().parents[2]
 PROGRAM = Path(os.environ.get("PLEXOR_PROGRAM", ROOT / "build" / "python" / "plexor"))
+
+# A shell starts what is in the background deaf to interrupts, and children inherit that.
+signal.signal(signal.SIGINT, signal.default_int_handler)
 
 Run = Callable[..., Path]
 

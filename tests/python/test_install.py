@@ -50,6 +50,35 @@ for group in ("networkx.backends", "networkx.backend_info"):
     assert done.stdout == f"[[0, 1, 2]] {version}\n", done.stderr
 
 
+def test_installed_tool(venv: Path, program: Path, tmp_path: Path) -> None:
+    tool = venv / "bin" / "plexor-tool"
+    environment = {**os.environ, "PYTHONPATH": ""}
+    links = ROOT / "examples" / "us-airports.txt"
+
+    def run(*words: object) -> str:
+        done = subprocess.run(
+            [tool, *map(str, words)],
+            capture_output=True,
+            text=True,
+            cwd=tmp_path,
+            env=environment,
+        )
+        assert done.returncode == 0, done.stderr
+        return done.stdout
+
+    subprocess.run(
+        [program, "-i", links, "-o", tmp_path / "found"], check=True, stdout=subprocess.DEVNULL
+    )
+    run("report", "found", "-k", 6)
+    page = (tmp_path / "found.html").read_text(encoding="utf-8")
+    script = ROOT / "python" / "plexor" / "report" / "static" / "report.js"
+    assert script.read_text(encoding="utf-8").strip() in page and '"BET"' in page
+    assert "NMI (maximum)  1.000000" in run("compare", "found", "found", "-k", 6)
+    assert " 27000" in run("sweep", links, "-w", "26000,27000", "-k", 7, "-o", "sweep")
+    assert {path.name for path in (tmp_path / "sweep").iterdir()} >= {"sweep.csv", "sweep.html"}
+    assert re.fullmatch(r"plexor-tool [0-9.]+\n", run("--version"))
+
+
 def test_installed_files(venv: Path) -> None:
     (folder,) = venv.glob("lib/python*/site-packages/plexor")
     installed = {
@@ -59,6 +88,8 @@ def test_installed_files(venv: Path) -> None:
     expected = {str(path.relative_to(sources)) for path in sources.rglob("*.py")}
     assert expected <= installed
     assert {"py.typed", "_engine.pyi"} <= installed
+    static = sources / "report" / "static"
+    assert {f"report/static/{path.name}" for path in static.iterdir()} <= installed
     (module,) = folder.glob("_engine*.so")
     # Nothing of Plexor is needed beside it, and nothing but the module's entry is seen from outside.
     needed = subprocess.run(["ldd", module], capture_output=True, text=True, check=True).stdout

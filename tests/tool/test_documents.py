@@ -18,16 +18,19 @@ from plexor.tool.completion import SHELLS
 from conftest import PROGRAM, ROOT, tool_environment
 
 PAGE = (ROOT / "docs/formats-in-and-out.md").read_text(encoding="utf-8")
-# The commands whose manual pages and options are held against each other here.
-OURS = ["check", "convert", "run", "export"]
+# The sections whose commands are run, by page.
+WALKS = {"docs/formats-in-and-out.md": "## A walk through\n", "README.md": "## plexor-tool\n"}
 
 
-def commands_of_the_page() -> list[tuple[str, str]]:
+def commands_of(page: str) -> list[tuple[str, str]]:
     """The commands of the walk through, with what they print."""
-    walk = PAGE.split("## A walk through", 1)[1]
+    text = (ROOT / page).read_text(encoding="utf-8")
+    walk = text.split(WALKS[page], 1)[1].split("\n## ", 1)[0]
     found: list[tuple[str, str]] = []
-    for block in re.findall(r"(?:^    .*\n)+", walk, re.MULTILINE):
-        for line in re.sub(r"^    ", "", block, flags=re.MULTILINE).splitlines():
+    for block in re.findall(r"(?:^(?:    .*)?\n)+", walk, re.MULTILINE):
+        if "    $ " not in block:
+            continue
+        for line in re.sub(r"^    ", "", block.strip("\n"), flags=re.MULTILINE).split("\n"):
             if line.startswith("$ "):
                 found.append((line[2:], ""))
             else:
@@ -35,7 +38,10 @@ def commands_of_the_page() -> list[tuple[str, str]]:
     return found
 
 
-def test_every_command_of_the_page_does_what_it_says(tmp_path: Path, program: Path) -> None:
+@pytest.mark.parametrize("page", WALKS)
+def test_every_command_of_a_page_does_what_it_says(
+    page: str, tmp_path: Path, program: Path
+) -> None:
     bin_folder = tmp_path / "bin"
     bin_folder.mkdir()
     (bin_folder / "plexor").symlink_to(PROGRAM)
@@ -44,11 +50,12 @@ def test_every_command_of_the_page_does_what_it_says(tmp_path: Path, program: Pa
     tool.chmod(0o755)
     work = tmp_path / "work"
     work.mkdir()
-    commands = commands_of_the_page()
+    (work / "examples").symlink_to(ROOT / "examples")
+    commands = commands_of(page)
     assert len(commands) > 8
     (first, table) = commands[0]
-    assert first == "cat flights.csv"
-    (work / "flights.csv").write_text(table)
+    if first == "cat flights.csv":
+        (work / "flights.csv").write_text(table)
     environment = {**tool_environment(), "PATH": f"{bin_folder}:{os.environ['PATH']}"}
     for command, expected in commands:
         done = subprocess.run(
@@ -74,7 +81,7 @@ def options_of(name: str) -> set[str]:
     return {o for action in command_parser(name)._actions for o in action.option_strings}
 
 
-@pytest.mark.parametrize("name", OURS)
+@pytest.mark.parametrize("name", COMMANDS)
 def test_the_manual_page_has_all_options(name: str) -> None:
     path = ROOT / f"docs/man/plexor-tool-{name}.1"
     text = path.read_text(encoding="utf-8").split(".SH OPTIONS", 1)[1].split(".SH EXIT", 1)[0]
@@ -87,7 +94,7 @@ def test_the_manual_page_has_all_options(name: str) -> None:
     assert found == options_of(name)
 
 
-@pytest.mark.parametrize("page", ["plexor-tool", *(f"plexor-tool-{name}" for name in OURS)])
+@pytest.mark.parametrize("page", ["plexor-tool", *(f"plexor-tool-{name}" for name in COMMANDS)])
 def test_manual_pages_are_set_without_a_warning(page: str) -> None:
     done = subprocess.run(
         ["groff", "-man", "-ww", "-z", "-K", "utf8", ROOT / f"docs/man/{page}.1"],
@@ -113,6 +120,9 @@ def test_completions_are_those_of_the_options(shell: str) -> None:
         (["plexor-tool", "convert", "-f", "g"], {"gml", "graphml", "gexf"}),
         (["plexor-tool", "export", "-f", "cd"], {"cdlib"}),
         (["plexor-tool", "check", "--decimal", ""], {".", ","}),
+        (["plexor-tool", "sw"], {"sweep"}),
+        (["plexor-tool", "report", "--names", ""], {"unescape", "raw"}),
+        (["plexor-tool", "compare", "--over-"], {"--over-time"}),
     ],
 )
 def test_bash_completes(line: list[str], expected: set[str]) -> None:

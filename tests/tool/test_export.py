@@ -16,7 +16,7 @@ import networkx
 import numpy as np
 import pandas
 import pytest
-from hypothesis import HealthCheck, given, settings
+from hypothesis import HealthCheck, example, given, settings
 from hypothesis import strategies as st
 from plexor.formats.exports import EXPORTS, ExportOptions
 from plexor.formats.results_view import View
@@ -486,6 +486,8 @@ NAMES = st.lists(
 
 @settings(deadline=None, suppress_health_check=[HealthCheck.too_slow])
 @given(names=NAMES)
+@example(names=["a", "b", "\r"])
+@example(names=["a\rb", "b\n", "c\r\n"])
 def test_any_names_come_back(names: list[str]) -> None:
     view = View(FakeResult(names), [3], names)  # type: ignore[arg-type]
     for format in ("graphml", "gexf"):

@@ -12,6 +12,7 @@ from collections.abc import Callable
 from pathlib import Path
 
 import pytest
+from plexor.tool.cli import COMMANDS
 
 from conftest import Outcome, Run, run_tool, tool_environment
 
@@ -240,7 +241,7 @@ def test_wrong_arguments(in_process: Tool) -> None:
 
 
 def test_help_and_version(in_process: Tool) -> None:
-    for arguments in (["--help"], ["check", "--help"], ["convert", "-h"], ["export", "-h"]):
+    for arguments in (["--help"], ["convert", "-h"], *([name, "--help"] for name in COMMANDS)):
         outcome = in_process(*arguments)
         assert (outcome.status, outcome.said) == (0, "")
         assert outcome.out.startswith(b"usage: plexor-tool")

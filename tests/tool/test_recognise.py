@@ -187,6 +187,16 @@ REFUSED = {
         b"%%MatrixMarket matrix coordinate real general\n3 3 5\n1 2 1\n",
         "Matrix Market",
     ),
+    "a matrix without sizes": (
+        "x.mtx",
+        b"%%MatrixMarket matrix coordinate real general\n% comment\n\n",
+        "no line with the sizes",
+    ),
+    "a matrix that ends behind its first line": (
+        "x.mtx",
+        b"%%MatrixMarket matrix coordinate real general",
+        "no line with the sizes",
+    ),
     "pajek with lists": (
         "x.net",
         b'*Vertices 3\n1 "a"\n2 "b"\n3 "c"\n*Arcslist\n1 2 3\n',

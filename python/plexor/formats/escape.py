@@ -14,8 +14,10 @@ from __future__ import annotations
 
 import re
 
+from plexor.results import ESCAPE_MARKER
+
 #: The comment line that says that the names of a link file are escaped.
-MARKER = "# plexor: names are escaped as %XX"
+MARKER = ESCAPE_MARKER
 
 # White space as the link file's reader knows it, other control characters (a terminal should not
 # meet them), and the sign of the escapes itself.

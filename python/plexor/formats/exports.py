@@ -160,19 +160,19 @@ class _Table:
 
     def __init__(self, stream: BinaryIO, guard: bool) -> None:
         self._text = io.StringIO(newline="")
-        self._csv = csv.writer(self._text, lineterminator="\n")
-        # The module puts a carriage return in quotation marks only where lines end with one.
-        self._quoted = csv.writer(self._text, lineterminator="\n", quoting=csv.QUOTE_ALL)
+        # Only signs of the line's end are quoted, and a lone carriage return ends a line to readers.
+        self._csv = csv.writer(self, lineterminator="\r\n")
         self._stream = stream
         self._guard = guard
 
     def name(self, name: str) -> str:
         return "'" + name if self._guard and is_formula(name) else name
 
+    def write(self, row: str) -> None:
+        self._text.write(row.removesuffix("\r\n") + "\n")
+
     def row(self, fields: Iterable[Any]) -> None:
-        values = list(fields)
-        returns = any(isinstance(value, str) and "\r" in value for value in values)
-        (self._quoted if returns else self._csv).writerow(values)
+        self._csv.writerow(fields)
         if self._text.tell() > 1 << 20:
             self.flush()
 

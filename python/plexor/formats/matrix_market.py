@@ -19,6 +19,9 @@ def read_matrix_market(data: bytes) -> LinkTable:
     """
     from scipy.io import mminfo, mmread
 
+    # SciPy 1.10 looks for the line of sizes for ever where there is none.
+    if not any(line.strip() and not line.startswith(b"%") for line in io.BytesIO(data)):
+        raise FormatError("Matrix Market: there is no line with the sizes of the matrix")
     try:
         rows, columns, _, layout, field, symmetry = mminfo(io.BytesIO(data))
     except (ValueError, TypeError, IndexError) as error:

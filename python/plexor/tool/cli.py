@@ -24,6 +24,9 @@ COMMANDS: dict[str, tuple[str, str]] = {
     "convert": ("plexor.tool.convert", "make a clean link file of a network file"),
     "run": ("plexor.tool.run", "find the communities of a network, whatever its format"),
     "export": ("plexor.tool.export", "write the results of a run in another format"),
+    "report": ("plexor.tool.report_command", "make a page of the results of a run"),
+    "sweep": ("plexor.tool.sweep_command", "try thresholds and k, and say where to look"),
+    "compare": ("plexor.tool.compare_command", "say how alike results are, or what changes over time"),
 }
 
 EXIT_GOOD, EXIT_FAILED, EXIT_USAGE, EXIT_INTERRUPTED = 0, 1, 2, 130

@@ -147,8 +147,3 @@ def _json(timeline: Timeline, comparisons: list[Comparison], over_time: bool) ->
     else:
         value["matches"] = [[m.__dict__ for m in side] for side in comparisons[0].matches]
     return json.dumps(value, ensure_ascii=False, indent=1) + "\n"
-
-
-def run(arguments: argparse.Namespace) -> int:
-    """As execute, with messages on standard error."""
-    return execute(arguments, Console())

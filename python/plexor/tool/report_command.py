@@ -46,8 +46,3 @@ def execute(arguments: argparse.Namespace, console: Console) -> int:
     for text in report.left_out:
         console.say(f"left out, as pages hold at most 20 MB: {text}")
     return 0
-
-
-def run(arguments: argparse.Namespace) -> int:
-    """As execute, with messages on standard error."""
-    return execute(arguments, Console())

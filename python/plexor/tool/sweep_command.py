@@ -108,8 +108,3 @@ def execute(arguments: argparse.Namespace, console: Console) -> int:
     sys.stdout.write(result.csv() if arguments.format == "csv" else result.table())
     console.say(f"{Path(directory)}: sweep.csv and sweep.html")
     return 0
-
-
-def run(arguments: argparse.Namespace) -> int:
-    """As execute, with messages on standard error."""
-    return execute(arguments, Console())
