@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 // The directed searches, exact and within a time.
 //
-// Takes    the vertex map; a time for each node and a clock.
+// Takes    the graph; a time for each node and a clock.
 // Leaves   each maximal set of three nodes or more that can be lined up once, found at its first
 //          node; within a time also what was found at the nodes given up, and these nodes.
 // Order    nodes ascending by neighbours, then index; at a node see Dir_order. Within a time nodes
 //          that overran come again at the end.
 // Cost     where all links have their reverse, or one-way links close no circle, that of the
-//          undirected search, and the sorting. Memory: 5 bytes a link beside the clique list.
+//          undirected search, and the sorting. Memory: that of one node beside the graph and the
+//          clique list.
 // Tested   Clique_find_dir_test.cpp
 #include "Clique_find/Clique_find_dir.h"
 
@@ -23,14 +24,13 @@ constexpr std::size_t no_bound = std::numeric_limits<std::size_t>::max();
 
 } // namespace
 
-void Clique_find_dir(Set_list& cliques, Vtxd_map const& vertices, Progress& progress) {
+void Clique_find_dir(Set_list& cliques, Graph const& graph, Progress& progress) {
     cliques.clear();
     progress.Search_began({.directed = true, .max_time = std::nullopt});
-    Dir_links const links(vertices);
-    Clique_find_dir_sub_routines::Dir_node_search search(links, cliques, progress);
-    auto const total = static_cast<std::uint32_t>(vertices.size());
+    Clique_find_dir_sub_routines::Dir_node_search search(graph, cliques, progress);
+    auto const total = static_cast<std::uint32_t>(graph.size());
     std::uint32_t to_do = total;
-    for (Node const node : links.Order()) {
+    for (Node const node : graph.Nodes()) {
         progress.Node_started(to_do--, total);
         search.Main_inc_dir_investigator(node, cliques);
         search.Done(node);
@@ -39,14 +39,13 @@ void Clique_find_dir(Set_list& cliques, Vtxd_map const& vertices, Progress& prog
     progress.Search_done(static_cast<std::uint32_t>(cliques.size()), true);
 }
 
-void Clique_find_dir_time(Set_list& cliques, Vtxd_map const& vertices, std::vector<Node>& core,
+void Clique_find_dir_time(Set_list& cliques, Graph const& graph, std::vector<Node>& core,
                           double max_time, Clock& clock, Progress& progress) {
     using namespace Clique_find_time_sub_routines;
     cliques.clear();
-    Dir_links const links(vertices);
-    Clique_find_dir_sub_routines::Dir_node_search search(links, cliques, progress);
+    Clique_find_dir_sub_routines::Dir_node_search search(graph, cliques, progress);
     progress.Search_began({.directed = true, .max_time = max_time});
-    Search_in_time(cliques, links.Order(), search, max_time, clock, core, progress);
+    Search_in_time(cliques, graph.Nodes(), search, max_time, clock, core, progress);
 }
 
 namespace Clique_find_dir_sub_routines {

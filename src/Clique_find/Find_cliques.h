@@ -4,8 +4,8 @@
 #define PLEXOR_FIND_CLIQUES_H
 
 #include "Clique_find/Clock.h"
+#include "graph/Graph.h"
 #include "graph/Types.h"
-#include "records/Vertex_maps.h"
 #include "support/Progress.h"
 
 #include <optional>
@@ -21,16 +21,6 @@ struct Found_cliques {
     /// of them: the overlaps are then still those of this list.
     std::optional<Set_list> before_merge;
 };
-
-/// The graph of a run, as its search takes it.
-struct Graph {
-    Index_links const* links = nullptr; ///< undirected; must outlive the graph
-    Vtxd_map dir_vertices;              ///< directed
-    bool directed = false;
-};
-
-/// The graph of these links, which must outlive it.
-Graph Graph_of_links(Index_links const& links, bool directed);
 
 /// Finds all maximal cliques of three nodes or more. With a time limit (seconds a node, measured by
 /// the clock) the nodes that take longer are given up, and their cliques approximated.
