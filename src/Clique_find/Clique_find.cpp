@@ -13,6 +13,7 @@
 #include "Clique_find/Clique_find.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace cpm {
 
@@ -23,7 +24,9 @@ constexpr std::size_t ahead = 4;        // neighbours of so many nodes are on th
 
 } // namespace
 
-void Clique_find(Set_list& cliques, Graph const& graph, Progress& progress) {
+void Clique_find(Set_list& cliques, Graph const& graph, Progress& progress,
+                 std::size_t max_cliques) {
+    assert(!graph.Directed());
     cliques.clear();
     progress.Search_began({});
     progress.Nodes_sorted();
@@ -33,6 +36,7 @@ void Clique_find(Set_list& cliques, Graph const& graph, Progress& progress) {
     for (Node const node : graph.Nodes()) {
         progress.Node_started(to_do--, total);
         search.Clique_find_main_inv(node, cliques);
+        Check_n_cliques(cliques.size(), max_cliques);
     }
     cliques.Shrink_to_fit();
     progress.Search_done(static_cast<std::uint32_t>(cliques.size()), true);

@@ -3,6 +3,7 @@
 #ifndef PLEXOR_CLIQUE_FIND_H
 #define PLEXOR_CLIQUE_FIND_H
 
+#include "Clique_find/Clique_limit.h"
 #include "Clique_find/Local_cliques.h"
 #include "graph/Graph.h"
 #include "graph/Types.h"
@@ -14,8 +15,9 @@ namespace cpm {
 
 /// Finds every maximal clique of three nodes or more of an undirected graph. The nodes are taken in
 /// its order; the cliques listed at a node are those whose first node in that order it is, in
-/// lexicographic order of their other nodes.
-void Clique_find(Set_list& cliques, Graph const& graph, Progress& progress);
+/// lexicographic order of their other nodes. Throws Too_large at more than `max_cliques` cliques.
+void Clique_find(Set_list& cliques, Graph const& graph, Progress& progress,
+                 std::size_t max_cliques = max_n_cliques);
 
 namespace Clique_find_sub_routines {
 

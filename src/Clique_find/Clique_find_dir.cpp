@@ -13,6 +13,7 @@
 #include "Clique_find/Clique_find_dir.h"
 
 #include <algorithm>
+#include <cassert>
 #include <limits>
 
 namespace cpm {
@@ -24,7 +25,8 @@ constexpr std::size_t no_bound = std::numeric_limits<std::size_t>::max();
 
 } // namespace
 
-void Clique_find_dir(Set_list& cliques, Graph const& graph, Progress& progress) {
+void Clique_find_dir(Set_list& cliques, Graph const& graph, Progress& progress,
+                     std::size_t max_cliques) {
     cliques.clear();
     progress.Search_began({.directed = true, .max_time = std::nullopt});
     Clique_find_dir_sub_routines::Dir_node_search search(graph, cliques, progress);
@@ -33,6 +35,7 @@ void Clique_find_dir(Set_list& cliques, Graph const& graph, Progress& progress) 
     for (Node const node : graph.Nodes()) {
         progress.Node_started(to_do--, total);
         search.Main_inc_dir_investigator(node, cliques);
+        Check_n_cliques(cliques.size(), max_cliques);
         search.Done(node);
     }
     cliques.Shrink_to_fit();
@@ -40,12 +43,13 @@ void Clique_find_dir(Set_list& cliques, Graph const& graph, Progress& progress) 
 }
 
 void Clique_find_dir_time(Set_list& cliques, Graph const& graph, std::vector<Node>& core,
-                          double max_time, Clock& clock, Progress& progress) {
+                          double max_time, Clock& clock, Progress& progress,
+                          std::size_t max_cliques) {
     using namespace Clique_find_time_sub_routines;
     cliques.clear();
     Clique_find_dir_sub_routines::Dir_node_search search(graph, cliques, progress);
     progress.Search_began({.directed = true, .max_time = max_time});
-    Search_in_time(cliques, graph.Nodes(), search, max_time, clock, core, progress);
+    Search_in_time(cliques, graph.Nodes(), search, max_time, clock, core, progress, max_cliques);
 }
 
 namespace Clique_find_dir_sub_routines {
@@ -107,6 +111,7 @@ bool Dir_node_search::Find_around(std::size_t most_bytes, Set_list& cliques) {
         return false;
     }
     Set_list const& sets = circles ? kernel_.Found() : sets_;
+    Check_n_cliques(sets.size()); // they are numbered to be sorted
     std::vector<std::uint32_t> const* order = nullptr;
     if (around_.One_way()) { // else every gap is open to every node: the order is lexicographic
         order = order_.Sort(around_, sets, &pace_);
@@ -137,6 +142,7 @@ bool Dir_node_search::Find_without_circles(std::size_t most_bytes) {
         }
     }
     std::span<Local_link const> rest = around_.Excluded_links();
+    assert(std::ranges::is_sorted(rest, {}, &Local_link::other));
     while (!rest.empty()) {
         std::size_t const n_rest = rest.size();
         Place const excluded = rest.front().other;

@@ -4,6 +4,7 @@
 #ifndef PLEXOR_CLIQUE_FIND_DIR_H
 #define PLEXOR_CLIQUE_FIND_DIR_H
 
+#include "Clique_find/Clique_limit.h"
 #include "Clique_find/Clock.h"
 #include "Clique_find/Dir_first_check.h"
 #include "Clique_find/Dir_kernel.h"
@@ -23,14 +24,16 @@ namespace cpm {
 
 /// Finds every directed clique of a directed graph. The nodes are taken by ascending number of
 /// neighbours, then index; the cliques listed at a node are those whose first node it is, see
-/// Dir_order.
-void Clique_find_dir(Set_list& cliques, Graph const& graph, Progress& progress);
+/// Dir_order. Throws Too_large at more than `max_cliques` cliques.
+void Clique_find_dir(Set_list& cliques, Graph const& graph, Progress& progress,
+                     std::size_t max_cliques = max_n_cliques);
 
 /// Finds directed cliques, each node within `max_time` seconds. A node that needs longer is tried
 /// again when all others have been; when every node left has overrun in a row the search ends.
-/// `core` receives the nodes left then, ascending.
+/// `core` receives the nodes left then, ascending. Throws Too_large at more than `max_cliques`.
 void Clique_find_dir_time(Set_list& cliques, Graph const& graph, std::vector<Node>& core,
-                          double max_time, Clock& clock, Progress& progress);
+                          double max_time, Clock& clock, Progress& progress,
+                          std::size_t max_cliques = max_n_cliques);
 
 namespace Clique_find_dir_sub_routines {
 

@@ -11,6 +11,7 @@
 #include "Clique_find/Clique_find_time.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace cpm {
 
@@ -21,12 +22,14 @@ constexpr std::size_t least_others = 2; // a clique has three nodes or more
 } // namespace
 
 void Clique_find_part_time(Set_list& cliques, Graph const& graph, std::vector<Node>& core,
-                           double max_time, Clock& clock, Progress& progress) {
+                           double max_time, Clock& clock, Progress& progress,
+                           std::size_t max_cliques) {
+    assert(!graph.Directed());
     using namespace Clique_find_time_sub_routines;
     cliques.clear();
     Timed_node_search search(graph, cliques, progress);
     progress.Search_began({.directed = false, .max_time = max_time});
-    Search_in_time(cliques, graph.Nodes(), search, max_time, clock, core, progress);
+    Search_in_time(cliques, graph.Nodes(), search, max_time, clock, core, progress, max_cliques);
 }
 
 namespace Clique_find_time_sub_routines {

@@ -4,6 +4,7 @@
 #define PLEXOR_CLIQUE_FIND_TIME_H
 
 #include "Clique_find/Ascending_walk.h"
+#include "Clique_find/Clique_limit.h"
 #include "Clique_find/Clock.h"
 #include "Clique_find/First_check.h"
 #include "Clique_find/Known_cliques.h"
@@ -20,8 +21,10 @@ namespace cpm {
 /// Finds maximal cliques of three nodes or more, node by node, each node within `max_time` seconds.
 /// A node that needs longer is tried again when all others have been; when every node left has
 /// overrun in a row the search ends. `core` receives the nodes left then, ascending.
+/// Throws Too_large at more than `max_cliques` cliques.
 void Clique_find_part_time(Set_list& cliques, Graph const& graph, std::vector<Node>& core,
-                           double max_time, Clock& clock, Progress& progress);
+                           double max_time, Clock& clock, Progress& progress,
+                           std::size_t max_cliques = max_n_cliques);
 
 namespace Clique_find_time_sub_routines {
 

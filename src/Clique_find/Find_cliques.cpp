@@ -10,12 +10,14 @@ namespace cpm {
 
 namespace {
 
-void Approximate(Found_cliques& found, Core const& core, Progress& progress) {
+void Approximate(Found_cliques& found, Core const& core, Progress& progress,
+                 std::size_t max_cliques) {
     progress.Approximation_began();
     Set_list approx;
     Appr_core_cliques(core, found.cliques, approx);
     Set_list before_merge = found.cliques;
     bool const dropped = Extend_clique_vec(found.cliques, found.n_exact, approx);
+    Check_n_cliques(found.cliques.size(), max_cliques);
     if (dropped) {
         found.before_merge = std::move(before_merge);
     }
@@ -25,22 +27,22 @@ void Approximate(Found_cliques& found, Core const& core, Progress& progress) {
 } // namespace
 
 void Find_cliques(Found_cliques& found, Graph const& graph, std::optional<double> max_time_per_node,
-                  Clock& clock, Progress& progress) {
+                  Clock& clock, Progress& progress, std::size_t max_cliques) {
     Set_list& cliques = found.cliques;
     std::vector<Node> core;
     if (max_time_per_node) {
         auto const search = graph.Directed() ? Clique_find_dir_time : Clique_find_part_time;
-        search(cliques, graph, core, *max_time_per_node, clock, progress);
+        search(cliques, graph, core, *max_time_per_node, clock, progress, max_cliques);
     } else {
         auto const search = graph.Directed() ? Clique_find_dir : Clique_find;
-        search(cliques, graph, progress);
+        search(cliques, graph, progress, max_cliques);
     }
     found.n_exact = cliques.size();
     if (!core.empty()) {
         // A directed search that was cut short can leave a set that it had yet to find inside
         // another one.
         found.nested = graph.Directed();
-        Approximate(found, Core_of_nodes(core, graph), progress);
+        Approximate(found, Core_of_nodes(core, graph), progress, max_cliques);
     }
 }
 

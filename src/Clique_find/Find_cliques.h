@@ -3,6 +3,7 @@
 #ifndef PLEXOR_FIND_CLIQUES_H
 #define PLEXOR_FIND_CLIQUES_H
 
+#include "Clique_find/Clique_limit.h"
 #include "Clique_find/Clock.h"
 #include "graph/Graph.h"
 #include "graph/Types.h"
@@ -24,8 +25,9 @@ struct Found_cliques {
 
 /// Finds all maximal cliques of three nodes or more. With a time limit (seconds a node, measured by
 /// the clock) the nodes that take longer are given up, and their cliques approximated.
+/// Throws Too_large when there are more than `max_cliques` cliques of all kinds.
 void Find_cliques(Found_cliques& found, Graph const& graph, std::optional<double> max_time_per_node,
-                  Clock& clock, Progress& progress);
+                  Clock& clock, Progress& progress, std::size_t max_cliques = max_n_cliques);
 
 } // namespace cpm
 

@@ -57,6 +57,20 @@ Result Find(Graph const& graph, std::optional<double> max_time) {
     return result;
 }
 
+// The text of the error that ends a search with this limit, or nothing.
+std::string Error_at(std::size_t max_cliques, Graph const& graph, std::optional<double> max_time) {
+    Found_cliques found;
+    Progress nobody;
+    double seconds = 0;
+    Clock_of clock([&] { return ++seconds; });
+    try {
+        Find_cliques(found, graph, max_time, clock, nobody, max_cliques);
+    } catch (Too_large const& error) {
+        return error.what();
+    }
+    return "";
+}
+
 // The same, put together from the searches and the approximation.
 Result Find_by_parts(Graph const& graph, double max_time) {
     Captured_console console;
@@ -178,6 +192,32 @@ TEST(Find_cliques, Directed_searches_keep_the_list_that_the_merge_drops_cliques_
         }
     }
     EXPECT_GT(dropped, 0);
+}
+
+TEST(Find_cliques, More_cliques_than_can_be_numbered_end_the_search) {
+    Random_numbers random(127);
+    Links const links = Random_links(14, 60, random);
+    for (Graph const& graph : {Graph(To_index_links(links)), Directed(links, random)}) {
+        for (std::optional<double> const max_time : {std::optional<double>(), {ample}}) {
+            std::size_t const n = Find(graph, max_time).found.cliques.size();
+            ASSERT_GT(n, 2U);
+            EXPECT_EQ(Error_at(n, graph, max_time), "");
+            EXPECT_EQ(Error_at(n - 1, graph, max_time),
+                      "ERROR: the network has more than " + std::to_string(n - 1) + " cliques.");
+            EXPECT_EQ(Error_at(1, graph, max_time), "ERROR: the network has more than 1 cliques.");
+        }
+    }
+    EXPECT_EQ(max_n_cliques, 4294967295U);
+}
+
+TEST(Find_cliques, Approximated_cliques_are_numbered_too) {
+    Links links = Complete(1, 4);
+    links.merge(Links{{4, 5}, {4, 6}, {5, 6}});
+    Graph const graph(To_index_links(links));
+    ASSERT_EQ(Find(graph, none_at_all).found.cliques.size(), 5U);
+    ASSERT_EQ(Find(graph, none_at_all).found.n_exact, 1U);
+    EXPECT_EQ(Error_at(5, graph, none_at_all), "");
+    EXPECT_EQ(Error_at(4, graph, none_at_all), "ERROR: the network has more than 4 cliques.");
 }
 
 } // namespace

@@ -121,7 +121,7 @@ Result Search_in_time(Find const& find, Vertices const& vertices, double max_tim
     Captured_console console;
     Result result;
     Clock_of clock(Counting_clock(result.readings, most_readings));
-    find(result.cliques, vertices, result.core, max_time, clock, console);
+    find(result.cliques, vertices, result.core, max_time, clock, console, max_n_cliques);
     result.reports = console.Output();
     result.overruns = Overruns(result.reports);
     return result;
