@@ -114,7 +114,7 @@ struct Prepared {
         bench::Write_network(Make(kind), scratch.File("links"));
         Read_unw_links(scratch.File("links"), named);
         Convert_s_links(links, names, named, false);
-        Clique_find(cliques, links, silent.Told());
+        Clique_find(cliques, Graph(links), silent.Told());
         for (std::size_t c = 0; c < cliques.size(); ++c) {
             largest = std::max(largest, static_cast<std::uint32_t>(cliques[c].size()));
         }
@@ -181,7 +181,7 @@ void Clique_search(benchmark::State& state) {
     Set_list cliques;
     for (auto _ : state) {
         cliques.clear();
-        Clique_find(cliques, network.links, network.silent.Told());
+        Clique_find(cliques, Graph(network.links), network.silent.Told());
     }
     state.counters["cliques"] = Count(cliques.size());
     state.counters["members"] = Count(cliques.Total());

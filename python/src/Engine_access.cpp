@@ -167,7 +167,7 @@ void Search_data::Number_links(std::size_t n_nodes) {
 }
 
 void Search_data::Find(Watcher& watcher) {
-    cpm::Graph const graph = Graph_of_links(links, question.directed);
+    cpm::Graph const graph(links, question.directed);
     Thread_clock clock;
     Told progress(watcher);
     Find_cliques(found, graph, question.time_limit, clock, progress);

@@ -32,6 +32,24 @@ std::vector<bool> Nodes_in(Set_list const& sets) {
 
 } // namespace
 
+Core Core_of_nodes(std::vector<Node> const& nodes, Graph const& graph) {
+    Core core;
+    core.nodes = nodes;
+    std::vector<bool> inside(graph.size() + 1, false);
+    for (Node const node : nodes) {
+        inside[node] = true;
+    }
+    for (Node const node : nodes) {
+        graph.For_each_neighbour_above(node, 0, [&](Node neighbour) {
+            if (inside[neighbour]) {
+                core.neighs.Append(neighbour);
+            }
+        });
+        core.neighs.Close_list();
+    }
+    return core;
+}
+
 // The rule speaks of candidates accepted one by one: a neighbourhood is refused when an accepted
 // one or an exact clique holds it; accepted ones that a later accepted one holds are removed at the
 // end.

@@ -4,11 +4,9 @@
 #ifndef PLEXOR_APPR_CORE_CLIQUES_H
 #define PLEXOR_APPR_CORE_CLIQUES_H
 
-#include "Clique_find/Node_order.h"
+#include "graph/Graph.h"
 #include "graph/Types.h"
-#include "records/Vertex_maps.h"
 
-#include <algorithm>
 #include <vector>
 
 namespace cpm {
@@ -19,42 +17,8 @@ struct Core {
     Set_list neighs; ///< entry i belongs to nodes[i]
 };
 
-/// The core of the given nodes, ascending, of a network of `n_nodes`.
-/// `for_each_neighbour(node, visit)` calls visit(neighbour) for the neighbours of a node,
-/// ascending.
-template <class For_each_neighbour>
-Core Core_of_nodes(std::vector<Node> const& nodes, std::size_t n_nodes,
-                   For_each_neighbour const& for_each_neighbour) {
-    Core core;
-    core.nodes = nodes;
-    std::vector<bool> inside(n_nodes + 1, false);
-    for (Node const node : nodes) {
-        inside[node] = true;
-    }
-    for (Node const node : nodes) {
-        for_each_neighbour(node, [&](Node neighbour) {
-            if (inside[neighbour]) {
-                core.neighs.Append(neighbour);
-            }
-        });
-        core.neighs.Close_list();
-    }
-    return core;
-}
-
-/// Of an undirected network.
-inline Core Core_of_nodes(std::vector<Node> const& nodes, Node_order const& network) {
-    return Core_of_nodes(nodes, network.size(), [&](Node node, auto const& visit) {
-        network.For_each_neighbour_above(node, 0, visit);
-    });
-}
-
-/// Of a directed network, whose links in either direction make neighbours.
-inline Core Core_of_nodes(std::vector<Node> const& nodes, Vtxd_map const& vertices) {
-    return Core_of_nodes(nodes, vertices.size(), [&](Node node, auto const& visit) {
-        std::ranges::for_each(vertices[node - 1].Neighs_c(), visit);
-    });
-}
+/// The core of the given nodes, ascending. Links in either direction make neighbours.
+Core Core_of_nodes(std::vector<Node> const& nodes, Graph const& graph);
 
 /// Replaces `approx` by the approximated cliques: of the neighbourhoods in the core, by ascending
 /// nodes, those that lie in no other neighbourhood (of equal ones the first stays) and in no exact

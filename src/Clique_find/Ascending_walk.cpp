@@ -35,7 +35,7 @@ constexpr std::uint64_t Bit(std::size_t i) {
 
 } // namespace
 
-Ascending_walk::Ascending_walk(Node_order const& order) : order_(order) {}
+Ascending_walk::Ascending_walk(Graph const& order) : order_(order) {}
 
 template <class Visit>
 void Ascending_walk::For_each_bit(Word const* set, Visit const& visit) const {

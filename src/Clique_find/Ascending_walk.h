@@ -5,8 +5,8 @@
 #define PLEXOR_ASCENDING_WALK_H
 
 #include "Clique_find/First_check.h"
-#include "Clique_find/Node_order.h"
 #include "Clique_find/Time_budget.h"
+#include "graph/Graph.h"
 #include "graph/Types.h"
 
 #include <cstdint>
@@ -17,7 +17,7 @@ namespace cpm {
 class Ascending_walk {
 public:
     /// The order must outlive the walk.
-    explicit Ascending_walk(Node_order const& order);
+    explicit Ascending_walk(Graph const& order);
 
     /// What to walk: the cliques of `centre` and two candidates or more that no other candidate and
     /// no excluded node extends. The candidates and the excluded nodes are neighbours of `centre`.
@@ -51,7 +51,7 @@ private:
     Word const* Excluded_row(std::size_t i) const { return excluded_.data() + i * n_words_; }
     template <class Visit> void For_each_bit(Word const* set, Visit const& visit) const;
 
-    Node_order const& order_;
+    Graph const& order_;
     Flat_array<std::uint32_t> number_; ///< node -> 1 + its number, excluded ones behind, or 0
 
     // The problem of the cliques with the centre and one candidate: the candidates behind that one

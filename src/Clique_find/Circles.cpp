@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Clique_find/Circles.h"
 
+#include "support/Grouping.h"
+
 #include <vector>
 
 namespace cpm {
@@ -11,18 +13,12 @@ bool Close_a_circle(std::span<One_way_link const> links, std::size_t n) {
         return false;
     }
     std::vector<std::uint32_t> incoming(n, 0);
-    std::vector<std::uint32_t> ends(n + 1, 0); // of each one's part of `targets`, once it is filled
     for (One_way_link const& link : links) {
         ++incoming[link.second];
-        ++ends[link.first + 1];
     }
-    for (std::size_t i = 1; i <= n; ++i) {
-        ends[i] += ends[i - 1];
-    }
-    std::vector<std::uint32_t> targets(links.size());
-    for (One_way_link const& link : links) {
-        targets[ends[link.first]++] = link.second;
-    }
+    Groups<std::uint32_t> const targets(
+        links.size(), n, [&](std::size_t i) { return links[i].first; },
+        [&](std::size_t i) { return links[i].second; });
     std::vector<std::uint32_t> free;
     for (std::uint32_t i = 0; i < n; ++i) {
         if (incoming[i] == 0) {
@@ -30,10 +26,9 @@ bool Close_a_circle(std::span<One_way_link const> links, std::size_t n) {
         }
     }
     for (std::size_t next = 0; next < free.size(); ++next) {
-        std::uint32_t const i = free[next];
-        for (std::uint32_t k = i == 0 ? 0 : ends[i - 1]; k < ends[i]; ++k) {
-            if (--incoming[targets[k]] == 0) {
-                free.push_back(targets[k]);
+        for (std::uint32_t const target : targets[free[next]]) {
+            if (--incoming[target] == 0) {
+                free.push_back(target);
             }
         }
     }

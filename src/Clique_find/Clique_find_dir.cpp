@@ -1,17 +1,19 @@
 // SPDX-License-Identifier: MIT
 // The directed searches, exact and within a time.
 //
-// Takes    the vertex map; a time for each node and a clock.
+// Takes    the graph; a time for each node and a clock.
 // Leaves   each maximal set of three nodes or more that can be lined up once, found at its first
 //          node; within a time also what was found at the nodes given up, and these nodes.
 // Order    nodes ascending by neighbours, then index; at a node see Dir_order. Within a time nodes
 //          that overran come again at the end.
 // Cost     where all links have their reverse, or one-way links close no circle, that of the
-//          undirected search, and the sorting. Memory: 5 bytes a link beside the clique list.
+//          undirected search, and the sorting. Memory: that of one node beside the graph and the
+//          clique list.
 // Tested   Clique_find_dir_test.cpp
 #include "Clique_find/Clique_find_dir.h"
 
 #include <algorithm>
+#include <cassert>
 #include <limits>
 
 namespace cpm {
@@ -23,30 +25,31 @@ constexpr std::size_t no_bound = std::numeric_limits<std::size_t>::max();
 
 } // namespace
 
-void Clique_find_dir(Set_list& cliques, Vtxd_map const& vertices, Progress& progress) {
+void Clique_find_dir(Set_list& cliques, Graph const& graph, Progress& progress,
+                     std::size_t max_cliques) {
     cliques.clear();
     progress.Search_began({.directed = true, .max_time = std::nullopt});
-    Dir_links const links(vertices);
-    Clique_find_dir_sub_routines::Dir_node_search search(links, cliques, progress);
-    auto const total = static_cast<std::uint32_t>(vertices.size());
+    Clique_find_dir_sub_routines::Dir_node_search search(graph, cliques, progress);
+    auto const total = static_cast<std::uint32_t>(graph.size());
     std::uint32_t to_do = total;
-    for (Node const node : links.Order()) {
+    for (Node const node : graph.Nodes()) {
         progress.Node_started(to_do--, total);
         search.Main_inc_dir_investigator(node, cliques);
+        Check_n_cliques(cliques.size(), max_cliques);
         search.Done(node);
     }
     cliques.Shrink_to_fit();
     progress.Search_done(static_cast<std::uint32_t>(cliques.size()), true);
 }
 
-void Clique_find_dir_time(Set_list& cliques, Vtxd_map const& vertices, std::vector<Node>& core,
-                          double max_time, Clock& clock, Progress& progress) {
+void Clique_find_dir_time(Set_list& cliques, Graph const& graph, std::vector<Node>& core,
+                          double max_time, Clock& clock, Progress& progress,
+                          std::size_t max_cliques) {
     using namespace Clique_find_time_sub_routines;
     cliques.clear();
-    Dir_links const links(vertices);
-    Clique_find_dir_sub_routines::Dir_node_search search(links, cliques, progress);
+    Clique_find_dir_sub_routines::Dir_node_search search(graph, cliques, progress);
     progress.Search_began({.directed = true, .max_time = max_time});
-    Search_in_time(cliques, links.Order(), search, max_time, clock, core, progress);
+    Search_in_time(cliques, graph.Nodes(), search, max_time, clock, core, progress, max_cliques);
 }
 
 namespace Clique_find_dir_sub_routines {
@@ -108,6 +111,7 @@ bool Dir_node_search::Find_around(std::size_t most_bytes, Set_list& cliques) {
         return false;
     }
     Set_list const& sets = circles ? kernel_.Found() : sets_;
+    Check_n_cliques(sets.size()); // they are numbered to be sorted
     std::vector<std::uint32_t> const* order = nullptr;
     if (around_.One_way()) { // else every gap is open to every node: the order is lexicographic
         order = order_.Sort(around_, sets, &pace_);
@@ -138,6 +142,7 @@ bool Dir_node_search::Find_without_circles(std::size_t most_bytes) {
         }
     }
     std::span<Local_link const> rest = around_.Excluded_links();
+    assert(std::ranges::is_sorted(rest, {}, &Local_link::other));
     while (!rest.empty()) {
         std::size_t const n_rest = rest.size();
         Place const excluded = rest.front().other;

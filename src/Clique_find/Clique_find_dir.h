@@ -4,33 +4,36 @@
 #ifndef PLEXOR_CLIQUE_FIND_DIR_H
 #define PLEXOR_CLIQUE_FIND_DIR_H
 
+#include "Clique_find/Clique_limit.h"
 #include "Clique_find/Clock.h"
 #include "Clique_find/Dir_first_check.h"
 #include "Clique_find/Dir_kernel.h"
-#include "Clique_find/Dir_links.h"
 #include "Clique_find/Dir_order.h"
 #include "Clique_find/Dir_surroundings.h"
 #include "Clique_find/Gap_walk.h"
 #include "Clique_find/Known_cliques.h"
 #include "Clique_find/Local_cliques.h"
 #include "Clique_find/Time_limited.h"
+#include "graph/Graph.h"
 #include "graph/Types.h"
-#include "records/Vertex_maps.h"
 #include "support/Progress.h"
 
 #include <vector>
 
 namespace cpm {
 
-/// Finds every directed clique. The nodes are taken by ascending number of neighbours, then index;
-/// the cliques listed at a node are those whose first node it is, see Dir_order.
-void Clique_find_dir(Set_list& cliques, Vtxd_map const& vertices, Progress& progress);
+/// Finds every directed clique of a directed graph. The nodes are taken by ascending number of
+/// neighbours, then index; the cliques listed at a node are those whose first node it is, see
+/// Dir_order. Throws Too_large at more than `max_cliques` cliques.
+void Clique_find_dir(Set_list& cliques, Graph const& graph, Progress& progress,
+                     std::size_t max_cliques = max_n_cliques);
 
 /// Finds directed cliques, each node within `max_time` seconds. A node that needs longer is tried
 /// again when all others have been; when every node left has overrun in a row the search ends.
-/// `core` receives the nodes left then, ascending.
-void Clique_find_dir_time(Set_list& cliques, Vtxd_map const& vertices, std::vector<Node>& core,
-                          double max_time, Clock& clock, Progress& progress);
+/// `core` receives the nodes left then, ascending. Throws Too_large at more than `max_cliques`.
+void Clique_find_dir_time(Set_list& cliques, Graph const& graph, std::vector<Node>& core,
+                          double max_time, Clock& clock, Progress& progress,
+                          std::size_t max_cliques = max_n_cliques);
 
 namespace Clique_find_dir_sub_routines {
 
@@ -39,8 +42,8 @@ class Dir_node_search : public Clique_find_time_sub_routines::Node_finder {
 public:
     /// Cliques are appended to the list, those of each node before it is done. It must outlive
     /// this.
-    Dir_node_search(Dir_links const& links, Set_list const& cliques, Progress& progress)
-        : pace_(progress), known_(cliques, links.Vertices().size()), around_(links, known_) {}
+    Dir_node_search(Graph const& graph, Set_list const& cliques, Progress& progress)
+        : pace_(progress), known_(cliques, graph.size()), around_(graph, known_) {}
 
     /// Appends the cliques that hold the node and no done node.
     void Main_inc_dir_investigator(Node node, Set_list& cliques);

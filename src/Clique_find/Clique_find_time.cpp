@@ -11,6 +11,7 @@
 #include "Clique_find/Clique_find_time.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace cpm {
 
@@ -20,21 +21,23 @@ constexpr std::size_t least_others = 2; // a clique has three nodes or more
 
 } // namespace
 
-void Clique_find_part_time(Set_list& cliques, Node_order const& order, std::vector<Node>& core,
-                           double max_time, Clock& clock, Progress& progress) {
+void Clique_find_part_time(Set_list& cliques, Graph const& graph, std::vector<Node>& core,
+                           double max_time, Clock& clock, Progress& progress,
+                           std::size_t max_cliques) {
+    assert(!graph.Directed());
     using namespace Clique_find_time_sub_routines;
     cliques.clear();
-    Timed_node_search search(order, cliques, progress);
+    Timed_node_search search(graph, cliques, progress);
     progress.Search_began({.directed = false, .max_time = max_time});
-    Search_in_time(cliques, order.Nodes(), search, max_time, clock, core, progress);
+    Search_in_time(cliques, graph.Nodes(), search, max_time, clock, core, progress, max_cliques);
 }
 
 namespace Clique_find_time_sub_routines {
 
-Timed_node_search::Timed_node_search(Node_order const& order, Set_list const& cliques,
+Timed_node_search::Timed_node_search(Graph const& graph, Set_list const& cliques,
                                      Progress& progress)
-    : order_(order), pace_(progress), done_(order.size() + 1, false), known_(cliques, order.size()),
-      candidates_(order), excluded_(order), walk_(order) {}
+    : graph_(graph), pace_(progress), done_(graph.size() + 1, false), known_(cliques, graph.size()),
+      candidates_(graph), excluded_(graph), walk_(graph) {}
 
 // A node whose cliques show after two steps needs no time: the clock is first read when a third
 // step is due. What was found by then counts even when the time is up at this reading. The rows of
@@ -87,10 +90,10 @@ bool Timed_node_search::Find_all(Node node, Set_list& found) {
 void Timed_node_search::Look_around(Node node) {
     candidates_.clear();
     excluded_.clear();
-    order_.For_each_neighbour_above(node, 0, [&](Node other) {
+    graph_.For_each_neighbour_above(node, 0, [&](Node other) {
         if (!done_[other]) {
             candidates_.Add(other);
-        } else if (order_.Degree(other) > least_others) {
+        } else if (graph_.Degree(other) > least_others) {
             excluded_.Add(other);
         }
     });
@@ -119,7 +122,7 @@ bool Timed_node_search::Gather() {
 }
 
 std::size_t Timed_node_search::Steps_to_look_around(Node node) const {
-    return std::min(order_.Degree(node), 16 * candidates_.size()) + candidates_.size() / 64 + 8;
+    return std::min(graph_.Degree(node), 16 * candidates_.size()) + candidates_.size() / 64 + 8;
 }
 
 } // namespace Clique_find_time_sub_routines

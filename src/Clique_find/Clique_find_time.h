@@ -4,12 +4,13 @@
 #define PLEXOR_CLIQUE_FIND_TIME_H
 
 #include "Clique_find/Ascending_walk.h"
+#include "Clique_find/Clique_limit.h"
 #include "Clique_find/Clock.h"
 #include "Clique_find/First_check.h"
 #include "Clique_find/Known_cliques.h"
 #include "Clique_find/Local_cliques.h"
-#include "Clique_find/Node_order.h"
 #include "Clique_find/Time_limited.h"
+#include "graph/Graph.h"
 #include "graph/Types.h"
 #include "support/Progress.h"
 
@@ -20,8 +21,10 @@ namespace cpm {
 /// Finds maximal cliques of three nodes or more, node by node, each node within `max_time` seconds.
 /// A node that needs longer is tried again when all others have been; when every node left has
 /// overrun in a row the search ends. `core` receives the nodes left then, ascending.
-void Clique_find_part_time(Set_list& cliques, Node_order const& order, std::vector<Node>& core,
-                           double max_time, Clock& clock, Progress& progress);
+/// Throws Too_large at more than `max_cliques` cliques.
+void Clique_find_part_time(Set_list& cliques, Graph const& graph, std::vector<Node>& core,
+                           double max_time, Clock& clock, Progress& progress,
+                           std::size_t max_cliques = max_n_cliques);
 
 namespace Clique_find_time_sub_routines {
 
@@ -30,8 +33,8 @@ namespace Clique_find_time_sub_routines {
 /// by way of Ascending_walk.
 class Timed_node_search : public Node_finder {
 public:
-    /// The order and the cliques, to which those of each node done are appended, must outlive this.
-    Timed_node_search(Node_order const& order, Set_list const& cliques, Progress& progress);
+    /// The graph and the cliques, to which those of each node done are appended, must outlive this.
+    Timed_node_search(Graph const& graph, Set_list const& cliques, Progress& progress);
 
     void Find(Node node, Time_budget& budget, Set_list& found) override {
         Clique_find_main_time_part(node, budget, found);
@@ -48,7 +51,7 @@ private:
     bool Gather();
     std::size_t Steps_to_look_around(Node node) const;
 
-    Node_order const& order_;
+    Graph const& graph_;
     Pace pace_;
     std::vector<bool> done_;
     Known_cliques known_;

@@ -15,6 +15,8 @@
 // one more node could join it.
 #include "Clique_find/Dir_first_check.h"
 
+#include "support/Grouping.h"
+
 #include <algorithm>
 #include <array>
 
@@ -61,12 +63,7 @@ void Dir_first_check::Set_up(Dir_surroundings const& around) {
         ++begins_[link.candidate];
         ++begins_[link.other];
     });
-    std::size_t end = 0;
-    for (std::size_t& begin : begins_) {
-        end += begin;
-        begin = end;
-    }
-    neighbours_.resize(end);
+    neighbours_.resize(Counts_to_ends(begins_));
     for_each_link([this](Local_link const& link) {
         neighbours_[--begins_[link.candidate]] = {link.other, link.arcs};
         neighbours_[--begins_[link.other]] = {link.candidate, Reversed(link.arcs)};

@@ -14,8 +14,11 @@
 // join a larger one.
 #include "Clique_find/Dir_kernel.h"
 
+#include "support/Bits.h"
+
 #include <algorithm>
 #include <bit>
+#include <cassert>
 
 namespace cpm {
 
@@ -23,19 +26,8 @@ namespace {
 
 using Dir_kernel_sub::Memory;
 using Word = std::uint64_t;
-constexpr std::size_t word_bits = 64;
 constexpr std::size_t steps_a_link = 4;
 constexpr std::size_t steps_a_branch = 64; // beside those for each word looked at
-
-void Set_bit(Word* set, std::size_t i) {
-    set[i / word_bits] |= Word{1} << (i % word_bits);
-}
-void Clear_bit(Word* set, std::size_t i) {
-    set[i / word_bits] &= ~(Word{1} << (i % word_bits));
-}
-bool Has_bit(Word const* set, std::size_t i) {
-    return (set[i / word_bits] >> (i % word_bits) & 1) != 0;
-}
 
 enum Kind : std::size_t { linked, to, from, n_kinds };
 
@@ -108,10 +100,8 @@ template <std::size_t fixed_words>
 template <class Visit>
 void Search<fixed_words>::For_each_bit(Word const* set, Visit visit) const {
     for (std::size_t w = 0; w < N(); ++w) {
-        for (Word rest = set[w]; rest != 0; rest &= rest - 1) {
-            auto const bit = static_cast<std::size_t>(std::countr_zero(rest));
-            visit(static_cast<Place>(w * word_bits + bit));
-        }
+        cpm::For_each_bit(set[w],
+                          [&](std::size_t bit) { visit(static_cast<Place>(w * word_bits + bit)); });
     }
 }
 
@@ -136,8 +126,7 @@ template <std::size_t fixed_words> bool Search<fixed_words>::Recurrent_inc_inv_d
             ++w;
         }
         if (w < N()) {
-            Tighten_dir(static_cast<Place>(w * word_bits +
-                                           static_cast<std::size_t>(std::countr_zero(open[w]))));
+            Tighten_dir(static_cast<Place>(w * word_bits + Lowest_bit(open[w])));
             opened = true;
         } else if (Depth() > 0) {
             Close();
@@ -183,7 +172,7 @@ void Search<fixed_words>::Follow(Kind kind, Word const* within, Word const* begi
             ++w;
             continue;
         }
-        auto const bit = static_cast<std::size_t>(std::countr_zero(next));
+        auto const bit = Lowest_bit(next);
         reached[w] |= next & (~next + 1);
         Word const* const row = Row(static_cast<Place>(w * word_bits + bit), kind);
         std::size_t first = w;
@@ -427,8 +416,9 @@ bool Dir_kernel::Set_up(Dir_surroundings const& around, Pace* pace) {
     auto const in_time = [pace](std::size_t steps) {
         return pace == nullptr || !pace->Spend(steps);
     };
+    assert(0 < around.Centre() && around.Centre() < around.N_places());
     memory_.centre = around.Centre();
-    memory_.n_words = memory_.centre / word_bits + 1;
+    memory_.n_words = Words_for(memory_.centre);
     memory_.rows.clear();
     for (std::size_t i = 1; i <= around.N_places(); ++i) { // the rows of a hub take long to clear
         memory_.rows.Resize(n_kinds * i * memory_.n_words, 0);
@@ -436,7 +426,9 @@ bool Dir_kernel::Set_up(Dir_surroundings const& around, Pace* pace) {
             return false;
         }
     }
-    auto const set_link = [this](Place a, Place b, Arcs seen_from_a) {
+    auto const set_link = [&](Place a, Place b, Arcs seen_from_a) {
+        assert(a < around.N_places() && b <= memory_.centre && a != b);
+        assert(0 < seen_from_a && seen_from_a <= Arc_both);
         Set_bit(Row_in(memory_, a, linked), b);
         if (seen_from_a != Arc_both) {
             Set_bit(Row_in(memory_, a, seen_from_a == Arc_to ? to : from), b);
@@ -451,6 +443,7 @@ bool Dir_kernel::Set_up(Dir_surroundings const& around, Pace* pace) {
         }
     }
     for (Local_link const& link : around.Links()) {
+        assert(link.candidate < memory_.centre && link.other < memory_.centre);
         set_link(link.candidate, link.other, link.arcs);
         set_link(link.other, link.candidate, Reversed(link.arcs));
         if (!in_time(steps_a_link)) {
@@ -458,6 +451,7 @@ bool Dir_kernel::Set_up(Dir_surroundings const& around, Pace* pace) {
         }
     }
     for (Local_link const& link : around.Excluded_links()) {
+        assert(link.candidate < memory_.centre && memory_.centre < link.other);
         set_link(link.other, link.candidate, Reversed(link.arcs));
         if (!in_time(steps_a_link)) {
             return false;

@@ -28,21 +28,12 @@
 // Pinned by: Clique_find_dir_test
 #include "Clique_find/Dir_order.h"
 
+#include "support/Bits.h"
+
 #include <algorithm>
-#include <bit>
 #include <numeric>
 
 namespace cpm {
-
-namespace {
-
-constexpr std::size_t word_bits = 64;
-
-constexpr std::uint64_t Bit(std::size_t i) {
-    return std::uint64_t{1} << (i % word_bits);
-}
-
-} // namespace
 
 std::vector<std::uint32_t> const* Dir_order::Sort(Dir_surroundings const& around,
                                                   Set_list const& sets, Pace* pace) {
@@ -57,7 +48,7 @@ std::vector<std::uint32_t> const* Dir_order::Sort(Dir_surroundings const& around
         Node_set const set = sets[i];
         others_.assign(n_words_, 0);
         for (Place const place : set.first(set.size() - 1)) {
-            others_[place / word_bits] |= Bit(place);
+            Set_bit(others_.data(), place);
         }
         first_lines_.Add(first_line_.Find(set.back(), others_, to_.data(), n_words_));
         if (pace != nullptr && pace->Spend(2 * set.size() * (n_words_ + 4))) {
@@ -72,13 +63,13 @@ std::vector<std::uint32_t> const* Dir_order::Sort(Dir_surroundings const& around
 
 void Dir_order::Set_up(Dir_surroundings const& around) {
     Place const centre = around.Centre();
-    n_words_ = centre / word_bits + 1;
+    n_words_ = Words_for(centre);
     to_.assign((std::size_t{centre} + 1) * n_words_, 0);
     auto const add = [this](Place a, Place b, Arcs seen_from_a) {
         if (seen_from_a == Arc_to) {
-            to_[a * n_words_ + b / word_bits] |= Bit(b);
+            Set_bit(to_.data() + a * n_words_, b);
         } else if (seen_from_a == Arc_from) {
-            to_[b * n_words_ + a / word_bits] |= Bit(a);
+            Set_bit(to_.data() + b * n_words_, a);
         }
     };
     for (Place i = 0; i < centre; ++i) {
@@ -112,9 +103,8 @@ std::vector<std::uint64_t> const& First_line::Find(Place centre, Words const& ot
 void First_line::Place_in_gap(std::uint32_t gap, Words& group) {
     for (std::size_t w = 0; w < n_words_; ++w) {
         while (group[w] != 0) {
-            auto const bit = static_cast<std::size_t>(std::countr_zero(group[w]));
+            auto const node = static_cast<Place>(w * word_bits + Lowest_bit(group[w]));
             group[w] &= group[w] - 1;
-            auto const node = static_cast<Place>(w * word_bits + bit);
             steps_.push_back(Step(gap, node));
             Take_reached(node, group, Open_group());
         }
@@ -132,10 +122,9 @@ void First_line::Take_reached(Place begin, Words& group, Words& reached) {
             Word const taken = row[w] & group[w];
             group[w] ^= taken;
             reached[w] |= taken;
-            for (Word rest = taken; rest != 0; rest &= rest - 1) {
-                auto const bit = static_cast<std::size_t>(std::countr_zero(rest));
+            For_each_bit(taken, [&](std::size_t bit) {
                 to_walk_.push_back(static_cast<Place>(w * word_bits + bit));
-            }
+            });
         }
     }
 }

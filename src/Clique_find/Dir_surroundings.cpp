@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Takes    the network's links, a node, which nodes are done.
+// Takes    the graph, a node, which nodes are done.
 // Leaves   the node's surroundings.
 // Order    places of candidates ascend with their indices.
 // Cost     the later neighbours of each neighbour are walked, never all neighbours of a hub: over
@@ -10,12 +10,14 @@
 #include "Clique_find/Circles.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace cpm {
 
-Dir_surroundings::Dir_surroundings(Dir_links const& links, Known_cliques const& known)
-    : all_links_(links), known_(known), done_(links.Vertices().size() + 1, false),
-      place_(links.Vertices().size() + 1, 0) {}
+Dir_surroundings::Dir_surroundings(Graph const& graph, Known_cliques const& known)
+    : graph_(graph), known_(known), done_(graph.size() + 1, false), place_(graph.size() + 1, 0) {
+    assert(graph.Directed());
+}
 
 bool Dir_surroundings::Gather(Node node) {
     Walk_neighbours(node);
@@ -36,7 +38,7 @@ void Dir_surroundings::Walk_neighbours(Node node) {
     arcs_.clear();
     excluded_names_.clear();
     excluded_arcs_.clear();
-    For_each_neighbour(all_links_.Vertices()[node - 1], [this](Node neighbour, Arcs arcs) {
+    graph_.For_each_arc(node, [this](Node neighbour, Arcs arcs) {
         (done_[neighbour] ? excluded_names_ : names_).push_back(neighbour);
         (done_[neighbour] ? excluded_arcs_ : arcs_).push_back(arcs);
     });
@@ -59,8 +61,8 @@ void Dir_surroundings::Walk_links() {
         if (i == centre_) {
             continue;
         }
-        Node_set const later = all_links_.Later(names_[i]);
-        std::span<Arcs const> const arcs = all_links_.Later_arcs(names_[i]);
+        Node_set const later = graph_.Later(names_[i]);
+        std::span<Arcs const> const arcs = graph_.Later_arcs(names_[i]);
         for (std::size_t k = 0; k < later.size(); ++k) {
             if (place_[later[k]] == 0) {
                 continue;

@@ -4,8 +4,8 @@
 #ifndef PLEXOR_DIR_SURROUNDINGS_H
 #define PLEXOR_DIR_SURROUNDINGS_H
 
-#include "Clique_find/Dir_links.h"
 #include "Clique_find/Known_cliques.h"
+#include "graph/Graph.h"
 #include "graph/Types.h"
 
 #include <cstdint>
@@ -26,8 +26,8 @@ struct Local_link {
 
 class Dir_surroundings {
 public:
-    /// No node is done yet. The links and what is known must outlive the surroundings.
-    Dir_surroundings(Dir_links const& links, Known_cliques const& known);
+    /// No node is done yet. The graph, which is directed, and what is known must outlive this.
+    Dir_surroundings(Graph const& graph, Known_cliques const& known);
 
     void Done(Node node) { done_[node] = true; }
 
@@ -61,7 +61,7 @@ private:
     void Leave_out_idle_nodes();
     void Renumber(Flat_array<Local_link>& links) const;
 
-    Dir_links const& all_links_;
+    Graph const& graph_;
     Known_cliques const& known_;
     std::vector<bool> done_;
     Flat_array<Place> place_; ///< node -> 1 + its place, or 0

@@ -10,12 +10,14 @@ namespace cpm {
 
 namespace {
 
-void Approximate(Found_cliques& found, Core const& core, Progress& progress) {
+void Approximate(Found_cliques& found, Core const& core, Progress& progress,
+                 std::size_t max_cliques) {
     progress.Approximation_began();
     Set_list approx;
     Appr_core_cliques(core, found.cliques, approx);
     Set_list before_merge = found.cliques;
     bool const dropped = Extend_clique_vec(found.cliques, found.n_exact, approx);
+    Check_n_cliques(found.cliques.size(), max_cliques);
     if (dropped) {
         found.before_merge = std::move(before_merge);
     }
@@ -24,46 +26,23 @@ void Approximate(Found_cliques& found, Core const& core, Progress& progress) {
 
 } // namespace
 
-Graph Graph_of_links(Index_links const& links, bool directed) {
-    Graph graph;
-    graph.directed = directed;
-    if (directed) {
-        Dir_vtx_map_from_link_map(graph.dir_vertices, links);
-    } else {
-        graph.links = &links;
-    }
-    return graph;
-}
-
 void Find_cliques(Found_cliques& found, Graph const& graph, std::optional<double> max_time_per_node,
-                  Clock& clock, Progress& progress) {
-    if (!max_time_per_node) {
-        if (graph.directed) {
-            Clique_find_dir(found.cliques, graph.dir_vertices, progress);
-        } else {
-            Clique_find(found.cliques, *graph.links, progress);
-        }
-        found.n_exact = found.cliques.size();
-        return;
-    }
+                  Clock& clock, Progress& progress, std::size_t max_cliques) {
+    Set_list& cliques = found.cliques;
     std::vector<Node> core;
-    if (graph.directed) {
-        Clique_find_dir_time(found.cliques, graph.dir_vertices, core, *max_time_per_node, clock,
-                             progress);
-        found.n_exact = found.cliques.size();
-        if (!core.empty()) {
-            // A search that was cut short can leave a set that it had yet to find inside another
-            // one.
-            found.nested = true;
-            Approximate(found, Core_of_nodes(core, graph.dir_vertices), progress);
-        }
-        return;
+    if (max_time_per_node) {
+        auto const search = graph.Directed() ? Clique_find_dir_time : Clique_find_part_time;
+        search(cliques, graph, core, *max_time_per_node, clock, progress, max_cliques);
+    } else {
+        auto const search = graph.Directed() ? Clique_find_dir : Clique_find;
+        search(cliques, graph, progress, max_cliques);
     }
-    Node_order const order(*graph.links);
-    Clique_find_part_time(found.cliques, order, core, *max_time_per_node, clock, progress);
-    found.n_exact = found.cliques.size();
+    found.n_exact = cliques.size();
     if (!core.empty()) {
-        Approximate(found, Core_of_nodes(core, order), progress);
+        // A directed search that was cut short can leave a set that it had yet to find inside
+        // another one.
+        found.nested = graph.Directed();
+        Approximate(found, Core_of_nodes(core, graph), progress, max_cliques);
     }
 }
 

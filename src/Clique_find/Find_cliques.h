@@ -3,9 +3,10 @@
 #ifndef PLEXOR_FIND_CLIQUES_H
 #define PLEXOR_FIND_CLIQUES_H
 
+#include "Clique_find/Clique_limit.h"
 #include "Clique_find/Clock.h"
+#include "graph/Graph.h"
 #include "graph/Types.h"
-#include "records/Vertex_maps.h"
 #include "support/Progress.h"
 
 #include <optional>
@@ -22,20 +23,11 @@ struct Found_cliques {
     std::optional<Set_list> before_merge;
 };
 
-/// The graph of a run, as its search takes it.
-struct Graph {
-    Index_links const* links = nullptr; ///< undirected; must outlive the graph
-    Vtxd_map dir_vertices;              ///< directed
-    bool directed = false;
-};
-
-/// The graph of these links, which must outlive it.
-Graph Graph_of_links(Index_links const& links, bool directed);
-
 /// Finds all maximal cliques of three nodes or more. With a time limit (seconds a node, measured by
 /// the clock) the nodes that take longer are given up, and their cliques approximated.
+/// Throws Too_large when there are more than `max_cliques` cliques of all kinds.
 void Find_cliques(Found_cliques& found, Graph const& graph, std::optional<double> max_time_per_node,
-                  Clock& clock, Progress& progress);
+                  Clock& clock, Progress& progress, std::size_t max_cliques = max_n_cliques);
 
 } // namespace cpm
 

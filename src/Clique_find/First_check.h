@@ -3,8 +3,8 @@
 #ifndef PLEXOR_FIRST_CHECK_H
 #define PLEXOR_FIRST_CHECK_H
 
-#include "Clique_find/Node_order.h"
 #include "Clique_find/Time_budget.h"
+#include "graph/Graph.h"
 #include "graph/Types.h"
 
 #include <algorithm>
@@ -19,7 +19,7 @@ namespace cpm {
 class Placed_nodes {
 public:
     /// The network must outlive this.
-    explicit Placed_nodes(Node_order const& network)
+    explicit Placed_nodes(Graph const& network)
         : network_(network), places_(network.size() + 1, 0) {}
 
     void clear();
@@ -40,7 +40,7 @@ public:
     void For_each_neighbour_of(Node node, std::size_t first, Take const& take) const;
 
 private:
-    Node_order const& network_;
+    Graph const& network_;
     std::vector<Node> nodes_;
     std::vector<std::uint32_t> places_; ///< node -> 1 + its place, or 0
 };

@@ -11,6 +11,7 @@
 // Tested   Local_cliques_test.cpp (against all subsets of random graphs), Clique_find_test.cpp.
 #include "Clique_find/Local_cliques.h"
 
+#include "Clique_find/Clique_limit.h"
 #include "support/Cpu_dispatch.h"
 
 #include <algorithm>
@@ -60,6 +61,8 @@ bool Search_words(Word_problem& problem, Word all, Pace* pace) {
     std::array<Branch, word_bits + 1> branches;
     std::array<Word, word_bits> const& rows = problem.rows;
     Flat_array<Word>& excluded = problem.excluded;
+    assert(all != 0 &&
+           std::ranges::all_of(excluded, [all](Word row) { return (row & ~all) == 0; }));
     std::size_t depth = 0;
     branches[0] = {0, all, 0, 0, 0, excluded.size()};
     bool opened = false;
@@ -219,6 +222,7 @@ bool Local_cliques::Start(std::size_t n_candidates, Pace* pace) {
 }
 
 void Local_cliques::End_excluded(std::size_t least) {
+    assert(!excluded_.empty());
     Word const* const row = excluded_.end() - n_words_;
     std::size_t links = 0;
     for (std::size_t w = 0; w < n_words_; ++w) {
@@ -241,6 +245,7 @@ bool Local_cliques::Find(Pace* pace, std::size_t most_bytes) {
     if (n_words_ > 1) {
         return Search_wide(pace) && words_.all_kept && Order_wide(pace);
     }
+    assert(rows_.size() == n_candidates_ && n_candidates_ <= words_.rows.size());
     std::copy(rows_.begin(), rows_.end(), words_.rows.begin());
     words_.excluded.clear();
     words_.excluded.Append(excluded_);
@@ -257,6 +262,9 @@ void Local_cliques::Forget() {
 
 bool Local_cliques::Append_cliques(Node always, Node_set names, std::size_t least,
                                    Set_list& cliques, Pace* pace) {
+    assert(names.size() == n_candidates_);
+    assert(std::ranges::is_sorted(names, std::less_equal<>()));
+    assert(!std::ranges::binary_search(names, always));
     auto const append = [&](auto const& for_each_candidate) {
         clique_.clear();
         bool placed = false;
@@ -413,6 +421,7 @@ void Local_cliques::Open_level(std::size_t depth) {
 // Solves what is left behind path + next: the `size` candidates in `set`, at most 64.
 bool Local_cliques::Narrow_to_words(Word const* set, std::size_t size, std::size_t depth,
                                     std::size_t next, Pace* pace) {
+    assert(0 < size && size <= word_bits);
     std::size_t const n = n_words_;
     std::size_t const n_rows = size + levels_[depth].excluded_end - levels_[depth].excluded_begin;
     if (pace != nullptr && pace->Spend(n_rows * (n + size))) {
@@ -503,6 +512,7 @@ void Local_cliques::Add_wide(Word narrow_set) {
 // candidates, which one number holds: the lists themselves are rarely looked at.
 bool Local_cliques::Order_wide(Pace* pace) {
     wide_order_.clear();
+    Check_n_cliques(wide_found_.size());
     for (std::size_t i = 0; i < wide_found_.size(); ++i) {
         wide_order_.push_back(
             {Local_cliques_sub::First_candidates(wide_found_[i]), static_cast<std::uint32_t>(i)});

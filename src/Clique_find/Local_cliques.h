@@ -9,6 +9,7 @@
 #include "graph/Types.h"
 
 #include <array>
+#include <cassert>
 #include <limits>
 #include <vector>
 
@@ -38,13 +39,17 @@ public:
     bool Start(std::size_t n_candidates, Pace* pace = nullptr);
     /// Candidates i and j are linked.
     void Link(std::size_t i, std::size_t j) {
+        assert(i != j && i < n_candidates_ && j < n_candidates_);
         Set_bit(Row(i), j);
         Set_bit(Row(j), i);
     }
     /// An excluded node: call these in turn. One that is linked with fewer than `least` candidates
     /// is forgotten.
     void Start_excluded() { excluded_.Resize(excluded_.size() + n_words_, 0); }
-    void Link_excluded(std::size_t i) { Set_bit(excluded_.end() - n_words_, i); }
+    void Link_excluded(std::size_t i) {
+        assert(i < n_candidates_ && !excluded_.empty());
+        Set_bit(excluded_.end() - n_words_, i);
+    }
     void End_excluded(std::size_t least);
 
     /// Finds the cliques, in lexicographic order; they stay until the next Start(). False when the

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Clique_find/Subset_index.h"
 
+#include <cassert>
+
 namespace cpm {
 
 Subset_index::Subset_index(Set_list const& sets, std::vector<bool> const* asked) : sets_(sets) {
@@ -14,26 +16,7 @@ Subset_index::Subset_index(Set_list const& sets, std::vector<bool> const* asked)
             largest = std::max(largest, sets[i].back());
         }
     }
-    // First the size of each node's part, then its end; filling it from behind leaves its begin.
-    begins_.Resize(std::size_t{largest} + 2, 0);
-    for (Node const node : sets.Flat()) {
-        if (counts(node)) {
-            ++begins_[node];
-        }
-    }
-    std::uint64_t end = 0;
-    for (std::uint64_t& begin : begins_) {
-        end += begin;
-        begin = end;
-    }
-    set_numbers_.Resize_uninitialised(end);
-    for (std::size_t i = sets.size(); i-- > 0;) {
-        for (Node const node : sets[i]) {
-            if (counts(node)) {
-                set_numbers_[--begins_[node]] = static_cast<std::uint32_t>(i);
-            }
-        }
-    }
+    sets_at_ = Groups<std::uint32_t>::Of_members(sets, 0, std::size_t{largest} + 1, counts);
 }
 
 // Consecutive nodes, which often stand together in sets, get different bits.
@@ -59,18 +42,17 @@ bool Subset_index::Holds(Node_set set, Node_set part) {
 }
 
 std::span<std::uint32_t const> Subset_index::Sets_of_rarest(Node_set part) const {
-    std::uint64_t begin = 0;
-    std::uint64_t end = set_numbers_.size();
+    assert(!part.empty());
+    std::span<std::uint32_t const> fewest;
     for (Node const node : part) {
-        if (std::size_t{node} + 1 >= begins_.size()) {
+        if (node >= sets_at_.size()) {
             return {};
         }
-        if (begins_[node + 1] - begins_[node] < end - begin) {
-            begin = begins_[node];
-            end = begins_[node + 1];
+        if (node == part.front() || sets_at_[node].size() < fewest.size()) {
+            fewest = sets_at_[node];
         }
     }
-    return {set_numbers_.data() + begin, static_cast<std::size_t>(end - begin)};
+    return fewest;
 }
 
 } // namespace cpm

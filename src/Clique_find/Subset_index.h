@@ -6,6 +6,7 @@
 #define PLEXOR_SUBSET_INDEX_H
 
 #include "graph/Types.h"
+#include "support/Grouping.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -62,8 +63,7 @@ private:
 
     Set_list const& sets_;
     Flat_array<Signature> signatures_;
-    Flat_array<std::uint64_t> begins_; ///< node -> its first entry in set_numbers_; one more behind
-    Flat_array<std::uint32_t> set_numbers_;
+    Groups<std::uint32_t> sets_at_; ///< node -> the sets with it
 };
 
 } // namespace cpm

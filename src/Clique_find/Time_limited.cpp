@@ -172,7 +172,8 @@ std::uint32_t Count(std::size_t size) {
 } // namespace
 
 void Search_in_time(Set_list& cliques, std::vector<Node> const& order, Node_finder& finder,
-                    double max_time, Clock& clock, std::vector<Node>& core, Progress& progress) {
+                    double max_time, Clock& clock, std::vector<Node>& core, Progress& progress,
+                    std::size_t max_cliques) {
     cliques.clear();
     std::deque<Node> queue(order.begin(), order.end());
     Pending_sets pending(order.size());
@@ -191,6 +192,7 @@ void Search_in_time(Set_list& cliques, std::vector<Node> const& order, Node_find
             for (std::size_t i = 0; i < found.size(); ++i) {
                 cliques.Add(found[i]);
             }
+            Check_n_cliques(cliques.size(), max_cliques);
             pending.Done(node);
             finder.Done(node);
             skipped_in_row = 0;
@@ -210,6 +212,7 @@ void Search_in_time(Set_list& cliques, std::vector<Node> const& order, Node_find
     std::sort(core.begin(), core.end());
     if (!core.empty()) {
         Register_pending(cliques, pending, order.size(), progress);
+        Check_n_cliques(cliques.size(), max_cliques);
     }
     progress.Search_done(Count(cliques.size()), core.empty());
     cliques.Shrink_to_fit();

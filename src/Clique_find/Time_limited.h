@@ -5,6 +5,7 @@
 #ifndef PLEXOR_TIME_LIMITED_H
 #define PLEXOR_TIME_LIMITED_H
 
+#include "Clique_find/Clique_limit.h"
 #include "Clique_find/Clock.h"
 #include "Clique_find/Time_budget.h"
 #include "graph/Types.h"
@@ -82,9 +83,10 @@ public:
 /// seconds goes to the end of the queue; when all nodes in the queue have done so in a row, the
 /// search ends. Leaves the cliques found, then the sets found at nodes given up that lie in no
 /// clique before them, ascending; and in `core` the nodes not done, ascending. The beginning of
-/// the search has been told already.
+/// the search has been told already. Throws Too_large at more than `max_cliques` cliques.
 void Search_in_time(Set_list& cliques, std::vector<Node> const& order, Node_finder& finder,
-                    double max_time, Clock& clock, std::vector<Node>& core, Progress& progress);
+                    double max_time, Clock& clock, std::vector<Node>& core, Progress& progress,
+                    std::size_t max_cliques = max_n_cliques);
 
 } // namespace cpm::Clique_find_time_sub_routines
 

@@ -51,7 +51,7 @@ Found_cliques Search(Index_links const& links, Run_settings const& run, Progress
     console.Put_line(" Preparing graph from the links...");
     std::optional<double> const limit =
         run.time_limit_set ? std::optional<double>(run.time_limit) : std::nullopt;
-    Graph const graph = Graph_of_links(links, run.directed);
+    Graph const graph(links, run.directed);
     console.Put_line(" Graph created from the links OK.");
     Found_cliques found;
     Processor_clock clock;

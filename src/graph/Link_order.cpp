@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "graph/Link_order.h"
 
+#include "support/Grouping.h"
+
 namespace cpm {
 
 namespace {
@@ -12,12 +14,7 @@ void Sort_by(Node Node_pair::*end, Flat_array<Node_pair>& pairs, Flat_array<doub
     for (Node_pair const& pair : pairs) {
         ++place[pair.*end];
     }
-    std::uint64_t before = 0;
-    for (std::uint64_t& count : place) {
-        std::uint64_t const here = count;
-        count = before;
-        before += here;
-    }
+    Counts_to_begins(place);
     Flat_array<Node_pair> sorted;
     sorted.Resize_uninitialised(pairs.size());
     Flat_array<double> sorted_weights;

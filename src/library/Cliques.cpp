@@ -18,7 +18,7 @@ void Search(cpm::Found_cliques& found, detail::Graph_data const& graph,
             Search_options const& options) {
     detail::Told_progress progress(options.progress);
     detail::Told_clock clock(options.clock);
-    cpm::Graph const searched = cpm::Graph_of_links(graph.links, graph.directed);
+    cpm::Graph const searched(graph.links, graph.directed);
     cpm::Find_cliques(found, searched, options.time_limit, clock, progress);
 }
 

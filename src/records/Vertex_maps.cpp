@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "records/Vertex_maps.h"
 
+#include "graph/Graph.h"
 #include "support/Errors.h"
 
 namespace cpm {
@@ -83,25 +84,6 @@ void Dir_vtx_map_from_link_map(Vtxd_map& vertices, Index_links const& links) {
         Vtxd& vertex = vertices.emplace_back(node);
         vertex.Set_oneighs(targets);
         vertex.Set_ineighs(sources[node]);
-    }
-}
-
-// A counting sort.
-void Sort_by_counts(std::vector<Node>& order, Flat_array<Node> const& counts) {
-    order.resize(counts.size());
-    Node const largest = counts.empty() ? 0 : *std::ranges::max_element(counts);
-    Flat_array<Node> place(std::size_t{largest} + 1, 0);
-    for (Node const count : counts) {
-        ++place[count];
-    }
-    Node before = 0;
-    for (Node& nodes : place) {
-        Node const here = nodes;
-        nodes = before;
-        before += here;
-    }
-    for (std::size_t i = 0; i < counts.size(); ++i) {
-        order[place[counts[i]]++] = static_cast<Node>(i + 1);
     }
 }
 

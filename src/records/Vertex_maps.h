@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The graph that the clique searches work on: a record a node, and the orders in which the searches
-// take the nodes. Every node takes part in a link, so the records are dense.
+// A network as a record a node, and the orders in which searches take the nodes. Every node takes part in a link, so the records are dense.
 #ifndef PLEXOR_VERTEX_MAPS_H
 #define PLEXOR_VERTEX_MAPS_H
 
@@ -23,10 +22,6 @@ void Vtx_map_from_link_map(Vtx_map& vertices, Index_links const& links);
 
 /// Builds the records of directed links, each from the first node of its pair to the second.
 void Dir_vtx_map_from_link_map(Vtxd_map& vertices, Index_links const& links);
-
-/// The nodes by numbers that they have, the number of node i at position i - 1: smallest number
-/// first, at equal numbers by index.
-void Sort_by_counts(std::vector<Node>& order, Flat_array<Node> const& counts);
 
 /// The nodes by their number of neighbours, lowest first; at equal numbers by index.
 void Sort_Vtx_map(std::vector<Node>& order, Vtx_map const& vertices);

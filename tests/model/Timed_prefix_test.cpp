@@ -116,18 +116,13 @@ Kept Attempt(Situation const& around, unsigned looks) {
     using namespace Clique_find_time_sub_routines;
     Progress nobody;
     Set_list cliques;
-    Vtxd_map vertices;
-    std::unique_ptr<Dir_links> dir_links;
-    std::unique_ptr<Node_order> order;
+    Graph const graph(around.links, around.directed);
     std::unique_ptr<Node_finder> finder;
     if (around.directed) {
-        Dir_vtx_map_from_link_map(vertices, around.links);
-        dir_links = std::make_unique<Dir_links>(vertices);
-        finder = std::make_unique<Clique_find_dir_sub_routines::Dir_node_search>(*dir_links,
-                                                                                 cliques, nobody);
+        finder =
+            std::make_unique<Clique_find_dir_sub_routines::Dir_node_search>(graph, cliques, nobody);
     } else {
-        order = std::make_unique<Node_order>(around.links);
-        finder = std::make_unique<Timed_node_search>(*order, cliques, nobody);
+        finder = std::make_unique<Timed_node_search>(graph, cliques, nobody);
     }
     Set_list found;
     for (Node const node : around.done) {

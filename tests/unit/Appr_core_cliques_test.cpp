@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Clique_find/Appr_core_cliques.h"
 
-#include "records/Vertex_maps.h"
 #include "support/Graph_makers.h"
 
 #include <algorithm>
@@ -124,7 +123,7 @@ TEST(Appr_core_cliques, Judging_each_by_itself_is_the_same_as_step_by_step) {
 }
 
 TEST(Core_of_nodes, Neighbours_outside_the_core_are_left_out) {
-    Node_order const network(To_index_links(Complete(1, 4)));
+    Graph const network(To_index_links(Complete(1, 4)));
     Core const core = Core_of_nodes({1, 3, 4}, network);
     EXPECT_EQ(core.nodes, (std::vector<Node>{1, 3, 4}));
     EXPECT_EQ(To_vectors(core.neighs), (Sets{{3, 4}, {1, 4}, {1, 3}}));
@@ -133,9 +132,7 @@ TEST(Core_of_nodes, Neighbours_outside_the_core_are_left_out) {
 TEST(Core_of_nodes, In_a_directed_network_both_directions_make_neighbours) {
     Index_links links;
     links.pairs.Append(std::vector<Node_pair>{{1, 2}, {2, 3}, {3, 1}});
-    Vtxd_map vertices;
-    Dir_vtx_map_from_link_map(vertices, links);
-    EXPECT_EQ(To_vectors(Core_of_nodes({1, 2, 3}, vertices).neighs),
+    EXPECT_EQ(To_vectors(Core_of_nodes({1, 2, 3}, Graph(links, true)).neighs),
               (Sets{{2, 3}, {1, 3}, {1, 2}}));
 }
 

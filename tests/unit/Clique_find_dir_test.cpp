@@ -364,14 +364,12 @@ Arc_set Random_arcs(Node largest, Random_numbers& random) {
     return Renumbered(arcs, random);
 }
 
-Vtxd_map Vertices(Arc_set const& arcs) {
+Graph Graph_of(Arc_set const& arcs) {
     Index_links links;
     for (auto const& [a, b] : arcs) {
         links.pairs.push_back({a, b});
     }
-    Vtxd_map vertices;
-    Dir_vtx_map_from_link_map(vertices, links);
-    return vertices;
+    return Graph(links, true);
 }
 
 struct Outcome {
@@ -384,7 +382,7 @@ struct Outcome {
 Outcome Find(Arc_set const& arcs) {
     Captured_console console;
     Set_list cliques{{1, 2, 3}};
-    Clique_find_dir(cliques, Vertices(arcs), console);
+    Clique_find_dir(cliques, Graph_of(arcs), console);
     return {To_vectors(cliques), {}, console.Output()};
 }
 
@@ -400,7 +398,7 @@ Outcome Find_in_time(Arc_set const& arcs, double max_time, Make_clock make_clock
     auto const clock = make_clock();
     Set_list cliques{{1, 2, 3}};
     std::vector<Node> core{7};
-    Clique_find_dir_time(cliques, Vertices(arcs), core, max_time, *clock, console);
+    Clique_find_dir_time(cliques, Graph_of(arcs), core, max_time, *clock, console);
     return {To_vectors(cliques), core, console.Output()};
 }
 
@@ -538,11 +536,10 @@ TEST(Clique_find_dir, Lists_in_the_same_order_when_candidates_fill_more_than_a_w
             }
         }
         order.push_back(centre);
-        Vtxd_map const vertices = Vertices(arcs);
-        Dir_links const links(vertices);
+        Graph const graph = Graph_of(arcs);
         Progress nobody;
         Set_list cliques;
-        Clique_find_dir_sub_routines::Dir_node_search search(links, cliques, nobody);
+        Clique_find_dir_sub_routines::Dir_node_search search(graph, cliques, nobody);
         for (Node const node : order) {
             search.Main_inc_dir_investigator(node, cliques);
             search.Done(node);

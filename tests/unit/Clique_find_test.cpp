@@ -15,7 +15,7 @@ using Sets = std::vector<std::vector<Node>>;
 Sets Cliques(Links const& links) {
     Captured_console console;
     Set_list cliques{{7, 8, 9}}; // what was there before goes
-    Clique_find(cliques, To_index_links(links), console);
+    Clique_find(cliques, Graph(To_index_links(links)), console);
     return To_vectors(cliques);
 }
 
@@ -49,7 +49,7 @@ TEST(Clique_find, Cliques_come_with_their_first_node_in_the_order) {
 TEST(Clique_find, A_complete_network_is_one_clique_and_each_node_is_reported) {
     Captured_console console;
     Set_list cliques;
-    Clique_find(cliques, To_index_links(Complete(1, 5)), console);
+    Clique_find(cliques, Graph(To_index_links(Complete(1, 5))), console);
     EXPECT_EQ(To_vectors(cliques), (Sets{{1, 2, 3, 4, 5}}));
     EXPECT_EQ(console.Output(), " Sorting the nodes...\n"
                                 " done.\n"
@@ -75,7 +75,7 @@ TEST(Clique_find, A_complete_network_is_one_clique_and_each_node_is_reported) {
 TEST(Clique_find, An_empty_network_is_reported_without_progress) {
     Captured_console console;
     Set_list cliques;
-    Clique_find(cliques, Index_links(), console);
+    Clique_find(cliques, Graph(Index_links()), console);
     EXPECT_EQ(cliques.size(), 0U);
     EXPECT_EQ(console.Output(), " Sorting the nodes...\n"
                                 " done.\n"

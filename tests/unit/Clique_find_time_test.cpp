@@ -21,8 +21,8 @@ using Sets = std::vector<std::vector<Node>>;
 constexpr double ample = 1e9;
 constexpr double none_at_all = -1;
 
-Node_order Vertices(Links const& links) {
-    return Node_order(To_index_links(links));
+Graph Vertices(Links const& links) {
+    return Graph(To_index_links(links));
 }
 
 struct Result {
@@ -33,7 +33,7 @@ struct Result {
 };
 
 // With a clock that goes on by a second each time it is read.
-Result Search(Node_order const& vertices, double max_time) {
+Result Search(Graph const& vertices, double max_time) {
     Captured_console console;
     Set_list cliques{{7, 8, 9}}; // what was there before goes
     std::vector<Node> core{5};
@@ -49,7 +49,7 @@ Result Search(Node_order const& vertices, double max_time) {
 Sets Exact(Links const& links) {
     Captured_console console;
     Set_list cliques;
-    Clique_find(cliques, To_index_links(links), console);
+    Clique_find(cliques, Graph(To_index_links(links)), console);
     return To_vectors(cliques);
 }
 
@@ -156,7 +156,7 @@ TEST(Clique_find_part_time, What_was_found_at_nodes_given_up_is_listed) {
 }
 
 TEST(Clique_find_part_time, Nodes_that_overrun_are_tried_again_after_the_others) {
-    Node_order const vertices = Vertices(Complete(1, 5));
+    Graph const vertices = Vertices(Complete(1, 5));
     std::vector<bool> const overruns{true, true, false, true, true, true, false};
     Captured_console console;
     Set_list cliques;
@@ -203,7 +203,7 @@ TEST(Clique_find_part_time, Random_overruns_agree_with_the_search_by_sets) {
         Links const links = round % 2 == 0
                                 ? Random_links(n, 20 + random.Below(80), random)
                                 : Random_teams(n, 2 + random.Below(9), std::min(n, 6U), random);
-        Node_order const vertices = Vertices(links);
+        Graph const vertices = Vertices(links);
         Vtx_map records;
         Vtx_map_from_link_map(records, To_index_links(links));
         std::vector<bool> overruns(1000);
@@ -245,7 +245,7 @@ TEST(Clique_find_part_time, Whenever_the_time_runs_out_the_cliques_of_done_nodes
         for (Node extra = 0; extra < 10; ++extra) {
             links.insert({1 + random.Below(3 * groups), 3 * groups + 1 + random.Below(8)});
         }
-        Node_order const vertices = Vertices(links);
+        Graph const vertices = Vertices(links);
         Sets const exact = Exact(links);
         Result const result = Search(vertices, random.Below(10));
         std::vector<bool> done(vertices.size() + 1, true);

@@ -20,13 +20,6 @@ using Sets = std::vector<std::vector<Node>>;
 constexpr double ample = 1e9;
 constexpr double none_at_all = -1;
 
-// The links must outlive the graph.
-Graph Undirected(Index_links const& links) {
-    Graph graph;
-    graph.links = &links;
-    return graph;
-}
-
 // Each pair one way, or the other, or both ways.
 Graph Directed(Links const& links, Random_numbers& random) {
     Index_links const undirected = To_index_links(links);
@@ -44,10 +37,7 @@ Graph Directed(Links const& links, Random_numbers& random) {
     for (Node_pair const& pair : directed) {
         index_links.pairs.push_back(pair);
     }
-    Graph graph;
-    graph.directed = true;
-    Dir_vtx_map_from_link_map(graph.dir_vertices, index_links);
-    return graph;
+    return Graph(index_links, true);
 }
 
 struct Result {
@@ -67,6 +57,20 @@ Result Find(Graph const& graph, std::optional<double> max_time) {
     return result;
 }
 
+// The text of the error that ends a search with this limit, or nothing.
+std::string Error_at(std::size_t max_cliques, Graph const& graph, std::optional<double> max_time) {
+    Found_cliques found;
+    Progress nobody;
+    double seconds = 0;
+    Clock_of clock([&] { return ++seconds; });
+    try {
+        Find_cliques(found, graph, max_time, clock, nobody, max_cliques);
+    } catch (Too_large const& error) {
+        return error.what();
+    }
+    return "";
+}
+
 // The same, put together from the searches and the approximation.
 Result Find_by_parts(Graph const& graph, double max_time) {
     Captured_console console;
@@ -75,10 +79,10 @@ Result Find_by_parts(Graph const& graph, double max_time) {
     Clock_of clock([&] { return ++seconds; });
     std::vector<Node> core;
     Set_list& cliques = result.found.cliques;
-    if (graph.directed) {
-        Clique_find_dir_time(cliques, graph.dir_vertices, core, max_time, clock, console);
+    if (graph.Directed()) {
+        Clique_find_dir_time(cliques, graph, core, max_time, clock, console);
     } else {
-        Clique_find_part_time(cliques, Node_order(*graph.links), core, max_time, clock, console);
+        Clique_find_part_time(cliques, graph, core, max_time, clock, console);
     }
     result.found.n_exact = cliques.size();
     if (!core.empty()) {
@@ -86,9 +90,7 @@ Result Find_by_parts(Graph const& graph, double max_time) {
         console.Get().Put_line(" Approximating cliques in the remaing core...");
         Set_list const before = cliques;
         Set_list approx;
-        Appr_core_cliques(graph.directed ? Core_of_nodes(core, graph.dir_vertices)
-                                         : Core_of_nodes(core, Node_order(*graph.links)),
-                          cliques, approx);
+        Appr_core_cliques(Core_of_nodes(core, graph), cliques, approx);
         if (Extend_clique_vec(cliques, result.found.n_exact, approx)) {
             result.found.before_merge = before;
         }
@@ -108,9 +110,7 @@ void Expect_same(Result const& result, Result const& expected) {
 }
 
 TEST(Find_cliques, Without_a_limit_all_cliques_are_exact) {
-    Index_links const links = To_index_links({{1, 2}, {1, 3}, {2, 3}, {2, 4}, {3, 4}});
-    Graph graph;
-    graph.links = &links;
+    Graph const graph(To_index_links({{1, 2}, {1, 3}, {2, 3}, {2, 4}, {3, 4}}));
     Result const result = Find(graph, std::nullopt);
     EXPECT_EQ(result.Cliques(), (Sets{{1, 2, 3}, {2, 3, 4}}));
     EXPECT_EQ(result.found.n_exact, 2U);
@@ -118,7 +118,7 @@ TEST(Find_cliques, Without_a_limit_all_cliques_are_exact) {
     EXPECT_FALSE(result.found.before_merge);
     Captured_console console;
     Set_list cliques;
-    Clique_find(cliques, links, console);
+    Clique_find(cliques, graph, console);
     EXPECT_EQ(result.reports, console.Output()) << "nothing is said beside the search";
 }
 
@@ -129,7 +129,7 @@ TEST(Find_cliques, Directed_without_a_limit_all_cliques_are_exact) {
         Result const result = Find(graph, std::nullopt);
         Captured_console console;
         Set_list cliques;
-        Clique_find_dir(cliques, graph.dir_vertices, console);
+        Clique_find_dir(cliques, graph, console);
         ASSERT_EQ(result.Cliques(), To_vectors(cliques));
         ASSERT_EQ(result.found.n_exact, cliques.size());
         ASSERT_EQ(result.reports, console.Output());
@@ -138,8 +138,7 @@ TEST(Find_cliques, Directed_without_a_limit_all_cliques_are_exact) {
 }
 
 TEST(Find_cliques, A_node_never_skipped_needs_no_approximation) {
-    Index_links const links = To_index_links(Complete(1, 5));
-    Graph const graph = Undirected(links);
+    Graph const graph(To_index_links(Complete(1, 5)));
     Result const result = Find(graph, ample);
     EXPECT_EQ(result.Cliques(), (Sets{{1, 2, 3, 4, 5}}));
     EXPECT_EQ(result.found.n_exact, 1U);
@@ -152,8 +151,7 @@ TEST(Find_cliques, The_cliques_of_the_core_are_approximated) {
     // Nodes 5 and 6 are done, nodes 1 to 4 are not.
     Links links = Complete(1, 4);
     links.merge(Links{{4, 5}, {4, 6}, {5, 6}});
-    Index_links const index_links = To_index_links(links);
-    Result const result = Find(Undirected(index_links), none_at_all);
+    Result const result = Find(Graph(To_index_links(links)), none_at_all);
     EXPECT_EQ(result.Cliques(), (Sets{{4, 5, 6}, {2, 3, 4}, {1, 3, 4}, {1, 2, 4}, {1, 2, 3}}));
     EXPECT_EQ(result.found.n_exact, 1U);
     EXPECT_FALSE(result.found.before_merge) << "no exact clique was dropped";
@@ -169,8 +167,7 @@ TEST(Find_cliques, The_cliques_of_the_core_are_approximated) {
 TEST(Find_cliques, Undirected_searches_are_completed_by_their_approximation) {
     Random_numbers random(109);
     for (int round = 0; round < 60; ++round) {
-        Index_links const links = To_index_links(Random_links(6 + random.Below(12), 60, random));
-        Graph const graph = Undirected(links);
+        Graph const graph(To_index_links(Random_links(6 + random.Below(12), 60, random)));
         double const max_time = random.Below(4);
         Result const result = Find(graph, max_time);
         ASSERT_NO_FATAL_FAILURE(Expect_same(result, Find_by_parts(graph, max_time)));
@@ -195,6 +192,32 @@ TEST(Find_cliques, Directed_searches_keep_the_list_that_the_merge_drops_cliques_
         }
     }
     EXPECT_GT(dropped, 0);
+}
+
+TEST(Find_cliques, More_cliques_than_can_be_numbered_end_the_search) {
+    Random_numbers random(127);
+    Links const links = Random_links(14, 60, random);
+    for (Graph const& graph : {Graph(To_index_links(links)), Directed(links, random)}) {
+        for (std::optional<double> const max_time : {std::optional<double>(), {ample}}) {
+            std::size_t const n = Find(graph, max_time).found.cliques.size();
+            ASSERT_GT(n, 2U);
+            EXPECT_EQ(Error_at(n, graph, max_time), "");
+            EXPECT_EQ(Error_at(n - 1, graph, max_time),
+                      "ERROR: the network has more than " + std::to_string(n - 1) + " cliques.");
+            EXPECT_EQ(Error_at(1, graph, max_time), "ERROR: the network has more than 1 cliques.");
+        }
+    }
+    EXPECT_EQ(max_n_cliques, 4294967295U);
+}
+
+TEST(Find_cliques, Approximated_cliques_are_numbered_too) {
+    Links links = Complete(1, 4);
+    links.merge(Links{{4, 5}, {4, 6}, {5, 6}});
+    Graph const graph(To_index_links(links));
+    ASSERT_EQ(Find(graph, none_at_all).found.cliques.size(), 5U);
+    ASSERT_EQ(Find(graph, none_at_all).found.n_exact, 1U);
+    EXPECT_EQ(Error_at(5, graph, none_at_all), "");
+    EXPECT_EQ(Error_at(4, graph, none_at_all), "ERROR: the network has more than 4 cliques.");
 }
 
 } // namespace

@@ -41,7 +41,7 @@ struct Walk {
 
 // One check used again and again: nothing of earlier surroundings may stay.
 Walk Check(First_check& check, Surroundings const& around) {
-    Node_order const network(To_index_links(around.links));
+    Graph const network(To_index_links(around.links));
     Placed_nodes candidates(network);
     for (Node const node : around.Neighbours(false)) {
         candidates.Add(node);
@@ -168,7 +168,7 @@ TEST(Placed_nodes, Neighbours_are_told_by_their_places_whichever_side_is_shorter
     Links links{{2, 3}, {3, 4}, {3, 5}, {5, 6}};
     Link_all(links, {1}, Range(2, 200)); // node 1 has many neighbours, the others have few
     links.erase({1, 5});
-    Node_order const network(To_index_links(links));
+    Graph const network(To_index_links(links));
     Placed_nodes nodes(network);
     auto const neighbours = [&](Node node, std::size_t first) {
         std::vector<std::size_t> places;

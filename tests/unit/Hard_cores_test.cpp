@@ -121,7 +121,7 @@ Result Search_in_time(Find const& find, Vertices const& vertices, double max_tim
     Captured_console console;
     Result result;
     Clock_of clock(Counting_clock(result.readings, most_readings));
-    find(result.cliques, vertices, result.core, max_time, clock, console);
+    find(result.cliques, vertices, result.core, max_time, clock, console, max_n_cliques);
     result.reports = console.Output();
     result.overruns = Overruns(result.reports);
     return result;
@@ -132,14 +132,13 @@ Result Search(Network const& network, double max_time, std::size_t most_readings
     for (auto const& [a, b] : network.arcs) {
         links.insert({std::min(a, b), std::max(a, b)});
     }
-    Node_order const order(To_index_links(links));
+    Graph const order(To_index_links(links));
     return Search_in_time(Clique_find_part_time, order, max_time, most_readings);
 }
 
 Result Search_directed(Network const& network, double max_time, std::size_t most_readings) {
-    Vtxd_map vertices;
-    Dir_vtx_map_from_link_map(vertices, To_index_links(network.arcs));
-    return Search_in_time(Clique_find_dir_time, vertices, max_time, most_readings);
+    Graph const graph(To_index_links(network.arcs), true);
+    return Search_in_time(Clique_find_dir_time, graph, max_time, most_readings);
 }
 
 std::vector<Node> Nodes_up_to(Node last) {
@@ -295,7 +294,7 @@ TEST(Hard_cores, A_clique_that_comes_late_in_the_order_is_kept) {
         }
     }
     // At a look for each step all time is gone at the second look, but enough is left to list all.
-    Node_order const order(To_index_links(links));
+    Graph const order(To_index_links(links));
     for (Node const node : nodes) {
         Set_list const none;
         Progress nobody;
