@@ -89,7 +89,8 @@ Result Find_by_parts(Graph const& graph, double max_time) {
         Appr_core_cliques(graph.directed ? Core_of_nodes(core, graph.dir_vertices)
                                          : Core_of_nodes(core, Node_order(*graph.links)),
                           cliques, approx);
-        if (Extend_clique_vec(cliques, result.found.n_exact, approx)) {
+        bool const of_all = true; // what an undirected search need not ask
+        if (Extend_clique_vec(cliques, result.found.n_exact, approx, of_all)) {
             result.found.before_merge = before;
         }
         console.Get().Put_line(" Clique approximation finished,\n number of   exact cliques=" +
