@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The program: one run. What it says stands on standard output; its exit status is always 0.
+#include "Clique_find/Clock.h"
 #include "Plexor_io/Console.h"
 #include "Plexor_io/Console_progress.h"
 #include "Plexor_io/Run.h"
@@ -13,7 +14,8 @@ int main(int argc, char** argv) {
     try {
         cpm::Console console(STDOUT_FILENO);
         cpm::Console_progress progress(console);
-        cpm::Run_command_line(argc, argv, progress, console);
+        cpm::Processor_clock clock;
+        cpm::Run_command_line(argc, argv, clock, progress, console);
     } catch (std::bad_alloc const&) {
         cpm::Write_out_of_memory();
     }

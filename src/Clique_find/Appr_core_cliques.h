@@ -28,7 +28,8 @@ void Appr_core_cliques(Core const& core, Set_list const& exact, Set_list& approx
 /// Joins the lists: `cliques` becomes those of its cliques that lie in no approximated one,
 /// followed by the approximated ones that lie in none of its cliques (as they were); `approx` keeps
 /// the latter, `n_exact` becomes the number of the former. Returns whether cliques were dropped.
-bool Extend_clique_vec(Set_list& cliques, std::size_t& n_exact, Set_list& approx);
+/// `directed` says how the network was searched.
+bool Extend_clique_vec(Set_list& cliques, std::size_t& n_exact, Set_list& approx, bool directed);
 
 /// The largest number of nodes of a clique in the list, 0 for no cliques.
 std::uint32_t Max_clique_size_in_cl_vec(Set_list const& cliques);

@@ -59,7 +59,10 @@ void Node_search::Clique_find_main_inv(Node node, Set_list& cliques) {
     for (Node const done : graph_.Earlier(node)) {
         graph_.Prefetch_place(done);
     }
-    if (Gather(node)) {
+    steps_ = 0;
+    bool const anything = Gather(node);
+    pace_.Spend(steps_);
+    if (anything) {
         local_.Find(&pace_);
         local_.Append_cliques(node, candidates, least_others, cliques);
     }
@@ -96,7 +99,7 @@ bool Node_search::Gather_excluded(Node_set excluded, std::size_t n_candidates) {
             graph_.Prefetch_neighbours(excluded[i + ahead]);
         }
         Node_set const later = graph_.Later(excluded[i]);
-        pace_.Spend(later.size());
+        steps_ += later.size();
         std::span<std::uint32_t const> const places = Places_of(later);
         if (places.size() == n_candidates) {
             return false;
@@ -119,7 +122,7 @@ bool Node_search::Gather_links(Node_set candidates) {
             graph_.Prefetch_neighbours(candidates[i + ahead]);
         }
         Node_set const later = graph_.Later(candidates[i]);
-        pace_.Spend(later.size());
+        steps_ += later.size();
         for (std::uint32_t const place : Places_of(later)) {
             local_.Link(i, place - 1);
             any = true;

@@ -40,6 +40,7 @@ private:
     Local_cliques local_;
     Flat_array<std::uint32_t> place_;   ///< node -> 1 + its place among the candidates, or 0
     std::vector<std::uint32_t> marked_; ///< the places of the nodes looked at
+    std::size_t steps_ = 0;             ///< of gathering at this node
 };
 
 } // namespace Clique_find_sub_routines

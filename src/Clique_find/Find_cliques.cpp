@@ -16,7 +16,7 @@ void Approximate(Found_cliques& found, Core const& core, Progress& progress,
     Set_list approx;
     Appr_core_cliques(core, found.cliques, approx);
     Set_list before_merge = found.cliques;
-    bool const dropped = Extend_clique_vec(found.cliques, found.n_exact, approx);
+    bool const dropped = Extend_clique_vec(found.cliques, found.n_exact, approx, found.nested);
     Check_n_cliques(found.cliques.size(), max_cliques);
     if (dropped) {
         found.before_merge = std::move(before_merge);

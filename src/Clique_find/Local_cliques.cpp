@@ -114,8 +114,12 @@ bool Search_words(Word_problem& problem, Word all, Pace* pace) {
             } else {
                 branch.to_try = set & ~best_row;
             }
-            if (pace != nullptr && pace->Spend(steps_a_branch + static_cast<std::size_t>(size) +
-                                               branch.excluded_end - branch.excluded_begin)) {
+            // What stage 2 will do for each candidate to try is counted here, too: at each of them
+            // the counting itself would show.
+            auto const n_passes = 1 + static_cast<std::size_t>(std::popcount(branch.to_try));
+            std::size_t const n_excluded = branch.excluded_end - branch.excluded_begin;
+            if (pace != nullptr && pace->Spend(n_passes * (steps_a_branch + n_excluded) +
+                                               static_cast<std::size_t>(size))) {
                 return false;
             }
         }
@@ -135,10 +139,6 @@ bool Search_words(Word_problem& problem, Word all, Pace* pace) {
         branch.candidates &= ~bit;
         branch.tried |= bit;
         excluded.Resize_uninitialised(branch.excluded_end);
-        if (pace != nullptr &&
-            pace->Spend(steps_a_branch + branch.excluded_end - branch.excluded_begin)) {
-            return false;
-        }
         bool hopeless = candidates == 0 && tried != 0;
         for (std::size_t e = branch.excluded_begin; e < branch.excluded_end && !hopeless; ++e) {
             Word const row = excluded[e];

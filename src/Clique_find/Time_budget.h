@@ -114,6 +114,9 @@ template <class Iterator, class Less>
 bool Sort_within(Iterator begin, Iterator end, Less const& less, Pace* pace) {
     struct Time_is_up {};
     constexpr std::size_t steps_a_comparison = 16;
+    if (end - begin < 2) {
+        return true;
+    }
     if (pace == nullptr || !pace->Is_bounded()) {
         std::sort(begin, end, less);
         return true;

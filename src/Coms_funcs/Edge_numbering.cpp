@@ -5,10 +5,30 @@
 #include "support/Errors.h"
 #include "support/Grouping.h"
 
+#include <algorithm>
 #include <cassert>
+#include <cstdint>
 #include <limits>
 
 namespace cpm {
+
+namespace {
+
+[[noreturn]] void Throw_too_many() {
+    throw Too_large("ERROR: the network has more than 4294967295 links.");
+}
+
+// Whether one of the sets holds more pairs than can be numbered: the table would fill the memory
+// before it showed.
+bool One_is_too_large(Set_list const& cliques, std::size_t n_exact) {
+    std::uint64_t largest = 0;
+    for (std::size_t c = n_exact; c < cliques.size(); ++c) {
+        largest = std::max<std::uint64_t>(largest, cliques[c].size());
+    }
+    return largest * largest / 2 - largest / 2 > std::numeric_limits<Link_number>::max();
+}
+
+} // namespace
 
 Edge_numbering::Edge_numbering(Index_links const& links, Node n_nodes, Set_list const& cliques,
                                std::size_t n_exact) {
@@ -16,6 +36,9 @@ Edge_numbering::Edge_numbering(Index_links const& links, Node n_nodes, Set_list 
         return pair.first != pair.second && std::max(pair.first, pair.second) <= n_nodes;
     }));
     assert(std::ranges::all_of(cliques.Flat(), [&](Node node) { return node <= n_nodes; }));
+    if (One_is_too_large(cliques, n_exact)) {
+        Throw_too_many();
+    }
     Flat_array<Node_pair> pairs = links.pairs;
     bool const undirected =
         std::ranges::all_of(pairs, [](Node_pair const& pair) { return pair.first < pair.second; });
@@ -53,7 +76,7 @@ Edge_numbering::Edge_numbering(Index_links const& links, Node n_nodes, Set_list 
             std::sort(larger_.begin() + row, larger_.end());
         }
         if (larger_.size() > std::numeric_limits<Link_number>::max()) {
-            throw Too_large("ERROR: the network has more than 4294967295 links.");
+            Throw_too_many();
         }
     }
     offsets_.push_back(static_cast<Link_number>(larger_.size()));

@@ -45,8 +45,8 @@ Indexed_network Convert(Link_map links, Run_settings const& run, Run_files& file
     return network;
 }
 
-Found_cliques Search(Index_links const& links, Run_settings const& run, Progress& progress,
-                     Console& console) {
+Found_cliques Search(Index_links const& links, Run_settings const& run, Clock& clock,
+                     Progress& progress, Console& console) {
     console.Put_line("__________________________________");
     console.Put_line(" Preparing graph from the links...");
     std::optional<double> const limit =
@@ -54,7 +54,6 @@ Found_cliques Search(Index_links const& links, Run_settings const& run, Progress
     Graph const graph(links, run.directed);
     console.Put_line(" Graph created from the links OK.");
     Found_cliques found;
-    Processor_clock clock;
     Find_cliques(found, graph, limit, clock, progress);
     return found;
 }
@@ -86,7 +85,7 @@ private:
 
 // All that comes after the command line.
 void Run_from_links(Run_settings& run, Input_request const& request, Link_source const& source,
-                    Progress& progress, Console& console, Run_outcome& outcome) {
+                    Clock& clock, Progress& progress, Console& console, Run_outcome& outcome) {
     Link_map named_links;
     Get_links(run, request, source, named_links);
     Extend_alap_szoveg(run.header_text, run);
@@ -98,7 +97,7 @@ void Run_from_links(Run_settings& run, Input_request const& request, Link_source
     Node const n_nodes = network.N_nodes();
     Name_labels const labels(std::move(network.names));
     ::malloc_trim(0); // what reading needed goes back before the lists of the search grow beside it
-    Found_cliques const found = Search(network.links, run, progress, console);
+    Found_cliques const found = Search(network.links, run, clock, progress, console);
     console.Put_line("___________________________");
     console.Put_line(" Writing cliques to disk...");
     Kiir_cliques_PX(found.cliques, found.n_exact, labels, files);
@@ -156,18 +155,19 @@ Run_outcome Run(Run_settings const& settings, Input_request const& request,
     Run_settings run = settings;
     return Outcome_of(run, console, [&](Run_outcome& outcome) {
         Begin(console);
-        Run_from_links(run, request, source, progress, console, outcome);
+        Processor_clock clock;
+        Run_from_links(run, request, source, clock, progress, console, outcome);
     });
 }
 
-Run_outcome Run_command_line(int argc, char const* const* argv, Progress& progress,
+Run_outcome Run_command_line(int argc, char const* const* argv, Clock& clock, Progress& progress,
                              Console& console) {
     Run_settings run;
     return Outcome_of(run, console, [&](Run_outcome& outcome) {
         Begin(console);
         Input_request request;
         Take_command_line(argc, argv, run, request, console);
-        Run_from_links(run, request, Links_of_file(request), progress, console, outcome);
+        Run_from_links(run, request, Links_of_file(request), clock, progress, console, outcome);
     });
 }
 

@@ -4,6 +4,7 @@
 #ifndef PLEXOR_RUN_H
 #define PLEXOR_RUN_H
 
+#include "Clique_find/Clock.h"
 #include "Plexor_io/Console.h"
 #include "Plexor_io/Process_input.h"
 #include "Plexor_io/Run_settings.h"
@@ -31,12 +32,12 @@ struct Run_outcome {
 
 /// Does what the settings and the request ask for, with the links from `source`. Prints the
 /// banner, all that `plexor` prints besides what it tells `progress`, and the text of the error
-/// that ends it.
+/// that ends it. A time limit counts the processor time of the process.
 Run_outcome Run(Run_settings const& settings, Input_request const& request,
                 Link_source const& source, Progress& progress, Console& console);
 
-/// The same for a command line, with the links from its input file.
-Run_outcome Run_command_line(int argc, char const* const* argv, Progress& progress,
+/// The same for a command line, with the links from its input file. A time limit counts by `clock`.
+Run_outcome Run_command_line(int argc, char const* const* argv, Clock& clock, Progress& progress,
                              Console& console);
 
 } // namespace cpm

@@ -194,7 +194,7 @@ public:
         Result const found = In_box(box, links, [&] { return Call_main(args); });
         Reached reached;
         Result const right =
-            In_box(box, links, [&] { return Run_model(args, banner_, step, reached); });
+            In_box(box, links, [&] { return Run_model(args, banner_, {step}, reached); });
         std::filesystem::current_path(before_);
         Require_same(right, found);
     }

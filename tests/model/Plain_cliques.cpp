@@ -146,7 +146,7 @@ Cliques Search(Graph& work, std::optional<double> limit, Clock& clock, std::ostr
         out << Progress({title + ":"}, "nodes", Size(queue), total);
         unsigned const node = queue.front();
         queue.pop_front();
-        double const start = clock.Seconds();
+        double const start = clock.Start();
         Attempt attempt{work, {}, [&] { return limit && clock.Seconds() - start > *limit; }};
         std::copy_if(cliques.begin(), cliques.end(), std::back_inserter(attempt.known),
                      [&](Nodes const& clique) { return clique.contains(node); });

@@ -4,6 +4,8 @@
 #ifndef PLEXOR_PLAIN_CLIQUES_H
 #define PLEXOR_PLAIN_CLIQUES_H
 
+#include "Coin.h"
+
 #include <algorithm>
 #include <iterator>
 #include <map>
@@ -63,12 +65,25 @@ struct Graph {
 
 Graph Make_graph(Index_links const& links, bool directed);
 
-/// Processor time that advances by the same step, in microseconds, at every reading.
+/// Processor time that advances by the same step, in microseconds, at every reading; or that a coin
+/// lets be up, or not, for a whole attempt at a node.
 struct Clock {
-    long long step;
+    long long step = 0;
+    Coin coin = {};
     long long now = 0;
+    unsigned attempts = 0;
 
-    double Seconds() { return static_cast<double>(now += step) / 1e6; }
+    /// An attempt begins: the time that it is measured from.
+    double Start() {
+        ++attempts;
+        return coin.percent > 0 ? 0 : Seconds();
+    }
+    double Seconds() {
+        if (coin.percent > 0) {
+            return coin.Overruns(attempts) ? coin_time_is_up : 0;
+        }
+        return static_cast<double>(now += step) / 1e6;
+    }
 };
 
 /// One row per set of nodes: the position of every set that shares nodes with it, its own included

@@ -241,8 +241,8 @@ struct Run {
 } // namespace
 
 std::string Run_model(std::vector<std::string> const& args, std::string const& banner,
-                      long long clock_step, Reached& reached) {
-    Run run{banner, {clock_step}, reached};
+                      Clock const& clock, Reached& reached) {
+    Run run{banner, clock, reached};
     try {
         run.Go(args);
     } catch (std::exception const& error) {

@@ -13,10 +13,9 @@
 namespace cpm::model {
 
 /// Runs in the current directory with `args`, the program's own name first. The banner is the whole
-/// of it, its line of underscores and all line ends included; `clock_step` is the processor time in
-/// microseconds between two readings of the clock.
+/// of it, its line of underscores and all line ends included; by `clock` a time limit counts.
 std::string Run_model(std::vector<std::string> const& args, std::string const& banner,
-                      long long clock_step, Reached& reached);
+                      Clock const& clock, Reached& reached);
 
 } // namespace cpm::model
 

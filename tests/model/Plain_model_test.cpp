@@ -31,7 +31,7 @@ Outcome Run_in(Tree const& tree, std::vector<std::string> const& args, long long
     Temp_dir const directory;
     Fill(directory.Path(), tree);
     Reached reached;
-    std::string const out = Run_model(args, banner, clock_step, reached);
+    std::string const out = Run_model(args, banner, {clock_step}, reached);
     return {out, Look_into(directory.Path())};
 }
 
@@ -499,7 +499,7 @@ Index_links Links_of(unsigned n, unsigned bits, bool directed) {
 
 Found_cliques Search(Index_links const& links, bool directed) {
     std::ostringstream out;
-    Clock clock{0};
+    Clock clock;
     Reached reached;
     return Find_cliques(Make_graph(links, directed), std::nullopt, clock, out, reached);
 }

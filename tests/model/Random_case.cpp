@@ -167,6 +167,31 @@ Network Core_with_satellites(Dice& dice) {
     return network;
 }
 
+/// Nodes in groups that are dense, and some links between any two.
+Network Groups(unsigned n, bool directed, Dice& dice) {
+    Network network;
+    unsigned const density = dice.Between(50, 100);
+    for (unsigned left = 1 + n / dice.Between(2, 6); left > 0; --left) {
+        unsigned const begin = dice.Below(n);
+        unsigned const reach = dice.Between(6, 30);
+        std::vector<unsigned> nodes;
+        for (unsigned size = dice.Between(3, directed ? 7 : 12); size > 0; --size) {
+            nodes.push_back((begin + dice.Below(reach)) % n);
+        }
+        for (std::size_t i = 0; i < nodes.size(); ++i) {
+            for (std::size_t j = i + 1; j < nodes.size(); ++j) {
+                if (nodes[i] != nodes[j] && dice.Percent(density)) {
+                    network.push_back({nodes[i], nodes[j]});
+                }
+            }
+        }
+    }
+    for (unsigned node = 0; node < n; ++node) {
+        network.push_back({node, dice.Below(n)});
+    }
+    return network;
+}
+
 Network Any_network(Dice& dice) {
     switch (dice.Below(18)) {
     case 0:
@@ -570,7 +595,14 @@ void Add_time_limit(Case& test, std::vector<Switch>& switches, bool strikes, Dic
         {"0.5", 600'000}, {"1", 1'000'001}, {"2.75", 3'000'000}, {"1e-9", 1}, {"1e2", 200'000'000}};
     auto const& [limit, striking] = dice.Pick(limits);
     switches.push_back({"-t", limit});
-    test.clock_step = strikes ? striking : 0;
+    test.clock.step = strikes ? striking : 0;
+}
+
+/// Lets some attempts overrun at their first reading, or nearly all.
+Clock Tossed(Dice& dice) {
+    std::uint32_t const seed = dice.Below(1000000);
+    unsigned const percent = dice.Percent(50) ? dice.Between(3, 94) : dice.Between(95, 99);
+    return {.coin = {seed, percent}};
 }
 
 std::vector<Switch> Switches_of(Case& test, Weights const& weights, bool directed, bool hard,
@@ -667,10 +699,34 @@ Case Random_case(std::uint32_t seed) {
     }
     auto const limits = std::count(test.args.begin(), test.args.end(), "-t");
     test.timed = limits > 0;
-    if (limits > 1 && test.clock_step > 0) {
+    if (limits > 1 && test.clock.step > 0) {
         // Which limit holds is left to the reader of the switches; this step is above all of them.
-        test.clock_step = 1'000'000'000;
+        test.clock.step = 1'000'000'000;
     }
+    // Networks for which every attempt must overrun are too dense for the model to search.
+    if (test.clock.step > 0 && !hard && dice.Percent(60)) {
+        test.clock = Tossed(dice);
+    }
+    return test;
+}
+
+Case Coin_case(std::uint32_t seed) {
+    Dice dice(seed);
+    bool const directed = dice.Percent(50);
+    bool const large = seed % 10 == 0;
+    Network network = Groups(large ? dice.Between(70, 200) : dice.Between(5, 16), directed, dice);
+    if (directed) {
+        Direct(network, dice);
+    }
+    Case test;
+    test.link_file = Text(work_directory) + "/net.txt";
+    test.tree[test.link_file] = {Entry::Kind::file, Link_file(network, {}, dice)};
+    test.args = {"plexor", "-i", "net.txt", "-t", "1"};
+    if (directed) {
+        test.args.emplace_back("-D");
+    }
+    test.timed = true;
+    test.clock = Tossed(dice);
     return test;
 }
 

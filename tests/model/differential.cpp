@@ -28,11 +28,14 @@ namespace {
 
 constexpr char const* usage =
     "usage: differential --program PATH [--fake-clock-program PATH] [--seed N] [--cases N]\n"
-    "                    [--one SEED] [--network FILE [--switches LIST]...] [--keep DIR]\n"
+    "                    [--coin-cases N] [--one SEED] [--network FILE [--switches LIST]...]\n"
+    "                    [--keep DIR]\n"
     "  --program             the program under test\n"
     "  --fake-clock-program  the same program linked with Fake_clock.cpp; without it the cases with\n"
     "                        a time limit are left out\n"
     "  --seed, --cases       the first seed (1) and how many cases follow (2000)\n"
+    "  --coin-cases          no others, but so many with a time limit that a coin lets strike: nine of\n"
+    "                        ten on networks of 5 to 16 nodes, the others on 70 to 200\n"
     "  --one                 only the case of this seed\n"
     "  --network             no random cases, but runs on this link file: one for each --switches\n"
     "  --switches            what stands behind '-i FILE', all in one argument; nothing by default\n"
@@ -43,6 +46,7 @@ struct Options {
     std::string fake_clock_program;
     std::uint32_t seed = 1;
     std::uint32_t cases = 2000;
+    std::uint32_t coin_cases = 0;
     std::string network; // empty: random cases
     std::vector<std::string> switches;
     std::string keep;
@@ -89,13 +93,20 @@ private:
 constexpr rlim_t most_seconds = 60;
 constexpr rlim_t most_bytes = rlim_t{1} << 28;
 
+std::string Text_of(Coin const& coin) {
+    return std::to_string(coin.seed) + " " + std::to_string(coin.percent);
+}
+
 [[noreturn]] void Become(std::string const& program, std::vector<std::string> args,
-                         std::string const& cwd, long long clock_step, int out, int errors) {
+                         std::string const& cwd, Clock const& clock, int out, int errors) {
     rlimit const time{most_seconds, most_seconds};
     rlimit const size{most_bytes, most_bytes};
     ::setrlimit(RLIMIT_CPU, &time);
     ::setrlimit(RLIMIT_FSIZE, &size);
-    ::setenv("PLEXOR_FAKE_CLOCK_STEP", std::to_string(clock_step).c_str(), 1);
+    ::setenv("PLEXOR_FAKE_CLOCK_STEP", std::to_string(clock.step).c_str(), 1);
+    if (clock.coin.percent > 0) {
+        ::setenv("PLEXOR_FAKE_CLOCK_COIN", Text_of(clock.coin).c_str(), 1);
+    }
     int const nothing = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
     std::vector<char*> argv;
     for (auto& arg : args) {
@@ -110,7 +121,7 @@ constexpr rlim_t most_bytes = rlim_t{1} << 28;
 }
 
 Result Run_program(std::string const& program, std::vector<std::string> const& args,
-                   std::string const& box, long long clock_step) {
+                   std::string const& box, Clock const& clock) {
     Capture const out;
     Capture const errors;
     std::string const cwd = box + "/" + work_directory;
@@ -119,7 +130,7 @@ Result Run_program(std::string const& program, std::vector<std::string> const& a
         throw std::runtime_error("cannot start a process");
     }
     if (child == 0) {
-        Become(program, args, cwd, clock_step, out.Get(), errors.Get());
+        Become(program, args, cwd, clock, out.Get(), errors.Get());
     }
     Result result;
     if (::waitpid(child, &result.status, 0) != child) {
@@ -135,7 +146,7 @@ Result Run_program(std::string const& program, std::vector<std::string> const& a
 /// lines it is: a line of 52 underscores and three lines of text.
 std::string Learn_banner(std::string const& program, std::string const& box) {
     Fill(box, {{work_directory, {}}});
-    std::string const out = Run_program(program, {"plexor", "-h"}, box, 0).out;
+    std::string const out = Run_program(program, {"plexor", "-h"}, box, {}).out;
     Delete(box);
     std::size_t end = 0;
     for (int line = 0; line < 4 && end != std::string::npos; ++line) {
@@ -175,7 +186,7 @@ Result Run_model_in(Case const& test, std::string const& box, std::string const&
                     Reached& reached) {
     Result result;
     std::filesystem::current_path(box + "/" + work_directory);
-    result.out = Run_model(Args_in(test, box), banner, test.clock_step, reached);
+    result.out = Run_model(Args_in(test, box), banner, test.clock, reached);
     std::filesystem::current_path("/"); // so that the box can be deleted
     result.tree = Look_into(box);
     return result;
@@ -344,7 +355,7 @@ Runner::Compared Runner::Compare(Case const& test, Reached& reached) const {
     Refill(test, box_);
     compared.model = Run_model_in(test, box_, banner_, reached);
     Refill(test, box_);
-    compared.program = Run_program(Program_for(test), Args_in(test, box_), box_, test.clock_step);
+    compared.program = Run_program(Program_for(test), Args_in(test, box_), box_, test.clock);
     compared.difference = Difference(compared.model, compared.program);
     return compared;
 }
@@ -397,8 +408,11 @@ void Runner::Keep(Case test, std::string const& name, std::string const& again) 
     Refill(test, kept + "/input");
     std::ofstream(kept + "/got_stdout", std::ios::binary) << compared.program.out;
     std::ofstream(kept + "/expected_stdout", std::ios::binary) << compared.model.out;
-    std::string command = "PLEXOR_FAKE_CLOCK_STEP=" + std::to_string(test.clock_step) + " " +
-                          Quoted(Program_for(test));
+    std::string command = "PLEXOR_FAKE_CLOCK_STEP=" + std::to_string(test.clock.step) + " ";
+    if (test.clock.coin.percent > 0) {
+        command += "PLEXOR_FAKE_CLOCK_COIN=" + Quoted(Text_of(test.clock.coin)) + " ";
+    }
+    command += Quoted(Program_for(test));
     auto const args = Args_in(test, box_);
     for (std::size_t i = 1; i < args.size(); ++i) {
         command += " " + Quoted(args[i]);
@@ -468,6 +482,11 @@ void Runner::Go() {
             std::string const name = std::to_string(seed);
             Try(Random_case(seed), name, "--one " + name);
         }
+        for (std::uint32_t i = 0; i < options_.coin_cases; ++i) {
+            std::uint32_t const seed = options_.seed + i;
+            std::string const name = std::to_string(seed);
+            Try(Coin_case(seed), "coin-" + name, "--coin-cases 1 --seed " + name);
+        }
     }
     for (std::size_t i = 0; i < options_.switches.size(); ++i) {
         std::string const& switches = options_.switches[i];
@@ -504,6 +523,9 @@ Options Read_options(int argc, char** argv) {
             options.seed = static_cast<std::uint32_t>(std::stoul(value));
         } else if (name == "--cases") {
             options.cases = static_cast<std::uint32_t>(std::stoul(value));
+        } else if (name == "--coin-cases") {
+            options.coin_cases = static_cast<std::uint32_t>(std::stoul(value));
+            options.cases = 0;
         } else if (name == "--one") {
             options.seed = static_cast<std::uint32_t>(std::stoul(value));
             options.cases = 1;

@@ -144,11 +144,11 @@ struct Merged {
     friend bool operator==(Merged const&, Merged const&) = default;
 };
 
-Merged Extended(Sets const& exact, Sets const& approx) {
+Merged Extended(Sets const& exact, Sets const& approx, bool directed = true) {
     Set_list cliques = List(exact);
     Set_list more = List(approx);
     std::size_t n_exact = 99;
-    bool const dropped = Extend_clique_vec(cliques, n_exact, more);
+    bool const dropped = Extend_clique_vec(cliques, n_exact, more, directed);
     return {To_vectors(cliques), n_exact, To_vectors(more), dropped};
 }
 
@@ -164,6 +164,12 @@ TEST(Extend_clique_vec, An_approximated_clique_inside_an_exact_one_goes) {
 TEST(Extend_clique_vec, An_exact_clique_inside_an_approximated_one_goes_and_this_is_told) {
     EXPECT_EQ(Extended({{1, 2, 3}, {4, 5, 6}}, {{1, 2, 3, 7}}),
               (Merged{{{4, 5, 6}, {1, 2, 3, 7}}, 1, {{1, 2, 3, 7}}, true}));
+}
+
+TEST(Extend_clique_vec, An_undirected_set_of_three_nodes_can_lie_inside_one_too) {
+    bool const directed = false;
+    EXPECT_EQ(Extended({{1, 2, 3}, {4, 5, 6, 7}}, {{1, 2, 3, 8}}, directed),
+              (Merged{{{4, 5, 6, 7}, {1, 2, 3, 8}}, 1, {{1, 2, 3, 8}}, true}));
 }
 
 TEST(Extend_clique_vec, Nothing_to_add_changes_nothing) {

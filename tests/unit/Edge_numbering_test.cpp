@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "Coms_funcs/Edge_numbering.h"
 
+#include "support/Errors.h"
 #include "support/Graph_makers.h"
 
 #include <gtest/gtest.h>
+#include <numeric>
 #include <set>
 
 namespace cpm::test {
@@ -57,6 +59,16 @@ TEST(Edge_numbering, Pairs_inside_approximated_cliques_are_added) {
               (Pairs{{1, 2}, {1, 3}, {1, 4}, {1, 5}, {2, 3}, {4, 5}}));
     EXPECT_EQ(All(Edge_numbering(links, 5, cliques, 1)),
               (Pairs{{1, 2}, {1, 3}, {1, 4}, {1, 5}, {2, 3}, {2, 4}, {2, 5}, {4, 5}}));
+}
+
+TEST(Edge_numbering, A_set_of_too_many_pairs_is_refused_before_any_is_stored) {
+    Node const n = 92683; // one node less has 4294930221 pairs, which can be numbered
+    std::vector<Node> all(n);
+    std::iota(all.begin(), all.end(), 1U);
+    Set_list cliques;
+    cliques.Add(all);
+    EXPECT_THROW(Edge_numbering(Index_links(), n, cliques, 0), Too_large);
+    EXPECT_EQ(Edge_numbering(Index_links(), n, cliques, 1).size(), 0U) << "its pairs are links";
 }
 
 TEST(Edge_numbering, No_links_make_an_empty_table) {

@@ -91,7 +91,8 @@ Result Find_by_parts(Graph const& graph, double max_time) {
         Set_list const before = cliques;
         Set_list approx;
         Appr_core_cliques(Core_of_nodes(core, graph), cliques, approx);
-        if (Extend_clique_vec(cliques, result.found.n_exact, approx)) {
+        bool const of_all = true; // what an undirected search need not ask
+        if (Extend_clique_vec(cliques, result.found.n_exact, approx, of_all)) {
             result.found.before_merge = before;
         }
         console.Get().Put_line(" Clique approximation finished,\n number of   exact cliques=" +

@@ -20,11 +20,12 @@ struct Runs : testing::Test {
     Temp_dir here;
     Captured_console console;
     Console_progress progress{console};
+    Processor_clock clock;
 
     Run_outcome Run_with(std::vector<char const*> arguments) {
         arguments.insert(arguments.begin(), "plexor");
-        return Run_command_line(static_cast<int>(arguments.size()), arguments.data(), progress,
-                                console);
+        return Run_command_line(static_cast<int>(arguments.size()), arguments.data(), clock,
+                                progress, console);
     }
 };
 
@@ -63,7 +64,7 @@ TEST_F(Runs, Name_the_files_that_could_not_be_written) {
     };
     Link_planted planting(console);
     std::vector<char const*> const arguments{"plexor", "-i", "net.txt", "-o", "out"};
-    Run_outcome const outcome = Run_command_line(5, arguments.data(), planting, console);
+    Run_outcome const outcome = Run_command_line(5, arguments.data(), clock, planting, console);
     EXPECT_EQ(outcome.kind, Kind::completed);
     EXPECT_EQ(outcome.not_written.size(), 8U);
     EXPECT_EQ(outcome.not_written.front(), "out/k=3/communities");
@@ -96,7 +97,7 @@ TEST_F(Runs, Can_be_cancelled) {
     };
     Stop stop;
     std::vector<char const*> const arguments{"plexor", "-i", "net.txt"};
-    EXPECT_EQ(Run_command_line(3, arguments.data(), stop, console).kind, Kind::cancelled);
+    EXPECT_EQ(Run_command_line(3, arguments.data(), clock, stop, console).kind, Kind::cancelled);
     EXPECT_TRUE(std::filesystem::exists("net.txt_files/graph"));
     EXPECT_FALSE(std::filesystem::exists("net.txt_files/cliques"));
 }
