@@ -219,8 +219,7 @@ TEST(Levels, can_be_asked_in_any_order) {
     Level const level = levels.At(4);
     EXPECT_EQ(levels.Next()->K(), 4U); // At() does not count
     EXPECT_EQ(levels.At(5).size(), 0U);
-    EXPECT_THAT(Ids(graph, level),
-                ElementsAre(ElementsAre(1, 2, 3, 4), ElementsAre(3, 4, 5, 6)));
+    EXPECT_THAT(Ids(graph, level), ElementsAre(ElementsAre(1, 2, 3, 4), ElementsAre(3, 4, 5, 6)));
 }
 
 TEST(Levels, leave_values_that_need_nothing_else) {
@@ -244,9 +243,8 @@ TEST(Levels, tell_which_communities_share_nodes) {
     level.For_each_overlap([&](plexor::Overlap const& one) { overlaps.push_back(one); });
     EXPECT_THAT(overlaps, ElementsAre(plexor::Overlap{0, 1, 1}));
     plexor::Distributions const counts = level.Count();
-    EXPECT_THAT(counts.membership,
-                ElementsAre(plexor::Value_count{0, 0}, plexor::Value_count{1, 4},
-                            plexor::Value_count{2, 1}));
+    EXPECT_THAT(counts.membership, ElementsAre(plexor::Value_count{0, 0}, plexor::Value_count{1, 4},
+                                               plexor::Value_count{2, 1}));
     EXPECT_THAT(counts.degree, ElementsAre(plexor::Value_count{1, 2}));
     EXPECT_THAT(counts.overlap, ElementsAre(plexor::Value_count{1, 1}));
     EXPECT_THAT(level.Count(plexor::Part::approximated).size, IsEmpty());
@@ -265,10 +263,9 @@ TEST(Levels, by_intensity_go_by_k_cliques) {
     EXPECT_EQ(Kind_thrown([&] { Levels(graph, cliques, {.intensity = 0.1}).At(2); }),
               Error::Kind::missing_link);
     Graph const directed = Graph::From_edges(edges, weights, {.directed = true});
-    EXPECT_EQ(Kind_thrown([&] {
-                  Levels(directed, plexor::Find_cliques(directed), {.intensity = 1});
-              }),
-              Error::Kind::bad_argument);
+    EXPECT_EQ(
+        Kind_thrown([&] { Levels(directed, plexor::Find_cliques(directed), {.intensity = 1}); }),
+        Error::Kind::bad_argument);
 }
 
 TEST(Library, serves_two_threads_at_once) {
