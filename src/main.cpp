@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // The program: one run. What it says stands on standard output; its exit status is always 0.
-#include "Clique_find/Clock.h"
 #include "Plexor_io/Console.h"
 #include "Plexor_io/Console_progress.h"
 #include "Plexor_io/Run.h"
