@@ -95,6 +95,7 @@ set(CPACK_COMPONENT_LIBPLEXOR-DEV_DESCRIPTION
 "The headers, the static library, and the files for CMake and pkg-config that
 programs need to be built against libplexor, the engine of plexor.")
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_LIBPLEXOR0_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/packaging/debian/triggers)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
