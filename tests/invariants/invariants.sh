@@ -57,12 +57,12 @@ case_parts_at_the_first_look_directed() {
 }
 case_parts() {
     "$tools/make_core_network" parts 20 links.txt
-    run 1000000 -t 1
+    run 1000 -t 0.001
     is_right "$some_in_core"
 }
 case_parts_directed() {
     "$tools/make_core_network" parts 20 links.txt
-    run 1000000 -t 1 -D -k 15
+    run 1000 -t 0.001 -D -k 15
     is_right "$some_in_core"
 }
 
