@@ -7,7 +7,6 @@
 #include <plexor/Progress.h>
 
 #include <cstddef>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -60,13 +59,6 @@ private:
 /// Throws Error: bad_argument (a time limit that is not above 0), too_large (2^32 cliques);
 /// Cancelled.
 PLEXOR_API Cliques Find_cliques(Graph const& graph, Search_options const& options = {});
-
-/// Hands every clique to `visit`, in the same order, and holds none of them; the nodes are valid
-/// during the call. Stops when `visit` returns false. `options` without a time limit: what that
-/// approximates is known at the end only.
-/// Throws Error: bad_argument (a time limit); Cancelled; and what `visit` throws.
-PLEXOR_API void For_each_clique(Graph const& graph, std::function<bool(Nodes)> const& visit,
-                                Search_options const& options = {});
 
 } // namespace plexor
 
