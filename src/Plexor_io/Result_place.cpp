@@ -63,8 +63,8 @@ Prepared_dir Result_place::Prepare() {
                              "directory.\n");
         }
         Dir_prepare(path_, "keep");
-        // A path that has gone again by now is said to be empty, too: what comes in its place before
-        // it is opened must not profit from that.
+        // A path that has gone again by now is said to be empty, too: what comes in its place
+        // before it is opened must not profit from that.
         bool const is_there = Is_there_such_dir(path_, known_empty, message);
         Take(is_there && known_empty);
     }
