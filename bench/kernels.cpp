@@ -114,7 +114,9 @@ struct Prepared {
         bench::Write_network(Make(kind), scratch.File("links"));
         Read_unw_links(scratch.File("links"), named);
         Convert_s_links(links, names, named, false);
-        Clique_find(cliques, Graph(links), silent.Told());
+        Clique_find(found.cliques, Graph(links), silent.Told());
+        Set_list const& cliques = found.cliques;
+        found.n_exact = cliques.size();
         for (std::size_t c = 0; c < cliques.size(); ++c) {
             largest = std::max(largest, static_cast<std::uint32_t>(cliques[c].size()));
         }
@@ -129,7 +131,7 @@ struct Prepared {
     Index_links links;
     Names_map names;
     std::optional<Name_labels> labels;
-    Set_list cliques;
+    Found_cliques found;
     Edge_numbering edges;
     std::uint32_t largest = 0;
     Node n_nodes = 0;
@@ -191,25 +193,25 @@ void Clique_search(benchmark::State& state) {
 void Setting_up_adjacent_cliques(benchmark::State& state) {
     Prepared& network = Network_of(state);
     for (auto _ : state) {
-        Ranked_cliques const ranked(network.cliques, network.n_nodes);
+        Ranked_cliques const ranked(network.found.cliques, network.n_nodes);
         Adjacent_cliques index(ranked);
         index.Start_level(2, 3);
         benchmark::DoNotOptimize(index.Is_visited(0));
     }
-    state.counters["members"] = Count(network.cliques.Total());
+    state.counters["members"] = Count(network.found.cliques.Total());
 }
 
 // Every clique asked once for its unvisited adjacent at k = 4, in the order of their numbers.
 void Visiting_adjacent_cliques(benchmark::State& state) {
     Prepared& network = Network_of(state);
-    Ranked_cliques const ranked(network.cliques, network.n_nodes);
+    Ranked_cliques const ranked(network.found.cliques, network.n_nodes);
     Adjacent_cliques index(ranked);
     Flat_array<Adjacent_clique> adjacent;
     for (auto _ : state) {
         index.Start_level(3, 4);
         adjacent.clear();
-        for (std::size_t c = 0; c < network.cliques.size(); ++c) {
-            if (network.cliques[c].size() >= 4) {
+        for (std::size_t c = 0; c < network.found.cliques.size(); ++c) {
+            if (network.found.cliques[c].size() >= 4) {
                 index.Visit_adjacent({static_cast<Clique_number>(c), all_new}, adjacent);
             }
         }
@@ -222,8 +224,7 @@ void Percolating_all_k(benchmark::State& state) {
     std::size_t n_communities = 0;
     Communities coms;
     for (auto _ : state) {
-        Percolation percolation(network.cliques, network.cliques.size(), network.n_nodes,
-                                network.edges);
+        Percolation percolation(network.found, network.n_nodes, network.edges);
         n_communities = 0;
         for (std::uint32_t k = network.largest; k > 2; --k) {
             percolation.Coms_from_appr_ovlp_matr(coms, k);
@@ -236,7 +237,7 @@ void Percolating_all_k(benchmark::State& state) {
 // The communities at k = 3 with everything that writing them needs.
 struct Lowest_level {
     explicit Lowest_level(Prepared& network)
-        : percolation(network.cliques, network.cliques.size(), network.n_nodes, network.edges),
+        : percolation(network.found, network.n_nodes, network.edges),
           lines(network.edges, network.links, *network.labels) {
         percolation.Coms_from_appr_ovlp_matr(coms, 3);
     }
@@ -300,7 +301,8 @@ void Writing_cliques(benchmark::State& state) {
     for (auto _ : state) {
         Result_place place = Emptied(out.Path(), state);
         Run_files files{place, "", "", network.silent.Get()};
-        Kiir_cliques_PX(network.cliques, network.cliques.size(), *network.labels, files);
+        Kiir_cliques_PX(network.found.cliques, network.found.cliques.size(), *network.labels,
+                        files);
     }
     state.SetBytesProcessed(state.iterations() * Bytes_below(out.Path()));
 }
@@ -314,7 +316,7 @@ void Writing_communities(benchmark::State& state) {
         Result_place place = Emptied(out.Path(), state);
         Run_files files{place, "", "", console};
         Kiir_coms_PX(level.coms, *network.labels, {files, 3});
-        Kiir_coms_cliques_PX(level.coms, network.cliques.size(), {files, 3});
+        Kiir_coms_cliques_PX(level.coms, network.found.cliques.size(), {files, 3});
         Kiir_com_links_PX(level.coms, level.lines, {files, 3});
     }
     state.SetBytesProcessed(state.iterations() * Bytes_below(out.Path()));

@@ -8,7 +8,6 @@
 #include "Coms_funcs/Intensity_coms.h"
 #include "Coms_funcs/K_cliques.h"
 #include "Coms_funcs/Percolation.h"
-#include "Coms_funcs/Premerge_overlaps.h"
 #include "Plexor_io/Console.h"
 #include "Plexor_io/Console_progress.h"
 #include "Plexor_io/Out_dir.h"
@@ -118,7 +117,6 @@ struct Search_data {
     cpm::Edge_numbering edges;
     std::vector<Number> smaller_ends; ///< by number of edge
     std::vector<bool> reversed;       ///< likewise: only the link from the larger node is there
-    std::unique_ptr<cpm::Premerge_overlaps> premerge;
     std::unique_ptr<cpm::Percolation> percolation; ///< none with an intensity
     bool ready = false;
 
@@ -180,12 +178,7 @@ void Search_data::Prepare_levels() {
     edges = cpm::Edge_numbering(links, N_nodes(), found.cliques, found.n_exact);
     Number_edges();
     if (!question.intensity) {
-        if (found.before_merge) {
-            premerge = std::make_unique<cpm::Premerge_overlaps>(*found.before_merge, found.cliques,
-                                                                found.n_exact, N_nodes());
-        }
-        percolation = std::make_unique<cpm::Percolation>(found.cliques, found.n_exact, N_nodes(),
-                                                         edges, found.nested, premerge.get());
+        percolation = std::make_unique<cpm::Percolation>(found, N_nodes(), edges);
     }
     ready = true;
 }

@@ -20,7 +20,7 @@ struct Found_cliques {
     bool nested = false;     ///< a clique of the list may lie inside another one
     /// The exact cliques before approximated ones were merged in, kept when the merge dropped some
     /// of them: the overlaps are then still those of this list.
-    std::optional<Set_list> before_merge;
+    std::optional<Set_list> before_merge = std::nullopt;
 };
 
 /// Finds all maximal cliques of three nodes or more. With a time limit (seconds a node, measured by

@@ -7,6 +7,7 @@
 #include "Coms_funcs/Percolation.h"
 
 #include "Coms_funcs/Adjacent_cliques.h"
+#include "Coms_funcs/Premerge_overlaps.h"
 
 #include <algorithm>
 #include <cassert>
@@ -49,8 +50,9 @@ private:
 // one brings in is taken as all new.
 class By_premerge_overlap : public Adjacency {
 public:
-    By_premerge_overlap(Premerge_overlaps& overlaps, std::size_t n_cliques)
-        : overlaps_(overlaps), visited_(n_cliques) {}
+    By_premerge_overlap(Found_cliques const& found, Node n_nodes)
+        : overlaps_(*found.before_merge, found.cliques, found.n_exact, n_nodes),
+          visited_(found.cliques.size()) {}
 
     bool Levels_nest() const override { return false; }
     void Start_level(std::uint32_t k) override {
@@ -89,32 +91,30 @@ private:
         members.push_back({clique, all_new});
     }
 
-    Premerge_overlaps& overlaps_;
+    Premerge_overlaps overlaps_;
     std::uint32_t k_ = 0;
     std::vector<bool> visited_;
     std::vector<Clique_overlap> row_;
 };
 
-std::unique_ptr<Adjacency> Make_adjacency(Ranked_cliques const& cliques, bool nested,
-                                          Premerge_overlaps* premerge) {
-    if (premerge != nullptr) {
-        return std::make_unique<By_premerge_overlap>(*premerge, cliques.size());
+std::unique_ptr<Adjacency> Make_adjacency(Found_cliques const& found,
+                                          Ranked_cliques const& cliques) {
+    if (found.before_merge) {
+        return std::make_unique<By_premerge_overlap>(found, cliques.Number_of_nodes());
     }
-    return std::make_unique<By_overlap>(cliques, nested);
+    return std::make_unique<By_overlap>(cliques, found.nested);
 }
 
 } // namespace
 
-Percolation::Percolation(Set_list const& cliques, std::size_t n_exact, Node n_nodes,
-                         Edge_numbering const& edges, bool nested, Premerge_overlaps* premerge)
-    : Percolation(std::make_shared<Ranked_cliques>(cliques, n_nodes), n_exact, edges, nested,
-                  premerge) {}
+Percolation::Percolation(Found_cliques const& found, Node n_nodes, Edge_numbering const& edges)
+    : Percolation(found, std::make_shared<Ranked_cliques>(found.cliques, n_nodes), edges) {}
 
-Percolation::Percolation(std::shared_ptr<Ranked_cliques const> cliques, std::size_t n_exact,
-                         Edge_numbering const& edges, bool nested, Premerge_overlaps* premerge)
-    : cliques_(std::move(cliques)), n_exact_(n_exact),
-      adjacency_(Make_adjacency(*cliques_, nested, premerge)), sets_(*cliques_, edges) {
-    assert(n_exact <= cliques_->size());
+Percolation::Percolation(Found_cliques const& found, std::shared_ptr<Ranked_cliques const> cliques,
+                         Edge_numbering const& edges)
+    : cliques_(std::move(cliques)), n_exact_(found.n_exact),
+      adjacency_(Make_adjacency(found, *cliques_)), sets_(*cliques_, edges) {
+    assert(&cliques_->Cliques() == &found.cliques && n_exact_ <= cliques_->size());
 }
 
 // Invariant: cliques of one community at a larger k are in one community at this k.

@@ -4,9 +4,9 @@
 #ifndef PLEXOR_PERCOLATION_H
 #define PLEXOR_PERCOLATION_H
 
+#include "Clique_find/Find_cliques.h"
 #include "Coms_funcs/Community_sets.h"
 #include "Coms_funcs/Edge_numbering.h"
-#include "Coms_funcs/Premerge_overlaps.h"
 #include "Coms_funcs/Ranked_cliques.h"
 #include "graph/Types.h"
 #include "support/Progress.h"
@@ -41,18 +41,13 @@ public:
 
 class Percolation {
 public:
-    /// The cliques (the first `n_exact` exact, the others approximated), the number of nodes and
-    /// the numbers of the links. `nested` says whether a clique of the list may lie inside another
-    /// one. `premerge` has the overlaps when these are not those of the cliques as they are; it is
-    /// null otherwise. All must outlive this object.
-    Percolation(Set_list const& cliques, std::size_t n_exact, Node n_nodes,
-                Edge_numbering const& edges, bool nested = false,
-                Premerge_overlaps* premerge = nullptr);
-    /// The same of cliques that several of these share, each going its own way through the levels,
-    /// on threads of their own if they like (`premerge` can serve one only).
-    Percolation(std::shared_ptr<Ranked_cliques const> cliques, std::size_t n_exact,
-                Edge_numbering const& edges, bool nested = false,
-                Premerge_overlaps* premerge = nullptr);
+    /// What a search has found, the number of nodes and the numbers of the links. What is found
+    /// and the numbers must outlive this object.
+    Percolation(Found_cliques const& found, Node n_nodes, Edge_numbering const& edges);
+    /// The same of cliques, ranked before, that several of these share, each going its own way
+    /// through the levels, on a thread of its own if it likes.
+    Percolation(Found_cliques const& found, std::shared_ptr<Ranked_cliques const> cliques,
+                Edge_numbering const& edges);
 
     /// Finds the communities at k, any number. They are listed in the order of their first clique,
     /// those without an approximated clique before the others; the cliques of a community in the

@@ -16,18 +16,11 @@ Coms_finder::Coms_finder(Coms_input input, Run_files& files, Progress& progress)
     : input_(std::move(input)), files_(files), progress_(progress),
       edges_(input_.links, input_.n_nodes, input_.found.cliques, input_.found.n_exact),
       link_writer_(edges_, input_.links, input_.labels) {
-    Found_cliques const& found = input_.found;
-    if (input_.run.intensity) {
-        return;
+    if (!input_.run.intensity) {
+        // From here on only numbers of pairs are dealt with.
+        input_.links = Index_links();
+        percolation_ = std::make_unique<Percolation>(input_.found, input_.n_nodes, edges_);
     }
-    // From here on only numbers of pairs are dealt with.
-    input_.links = Index_links();
-    if (found.before_merge) {
-        premerge_ = std::make_unique<Premerge_overlaps>(*found.before_merge, found.cliques,
-                                                        found.n_exact, input_.n_nodes);
-    }
-    percolation_ = std::make_unique<Percolation>(found.cliques, found.n_exact, input_.n_nodes,
-                                                 edges_, found.nested, premerge_.get());
 }
 
 void Coms_finder::Find_coms(std::uint32_t k) {

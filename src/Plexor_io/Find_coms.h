@@ -7,7 +7,6 @@
 #include "Coms_funcs/Community_graph.h"
 #include "Coms_funcs/Edge_numbering.h"
 #include "Coms_funcs/Percolation.h"
-#include "Coms_funcs/Premerge_overlaps.h"
 #include "Plexor_io/Link_writer.h"
 #include "Plexor_io/Name_labels.h"
 #include "Plexor_io/Result_files.h"
@@ -56,10 +55,9 @@ private:
     Progress& progress_;
     Edge_numbering edges_;
     Link_writer link_writer_;
-    std::unique_ptr<Premerge_overlaps> premerge_; ///< in the rare state that needs them
-    std::unique_ptr<Percolation> percolation_;    ///< none in intensity runs
-    Communities coms_;                            ///< of the k under way
-    Community_graph graph_;                       ///< likewise
+    std::unique_ptr<Percolation> percolation_; ///< none in intensity runs
+    Communities coms_;                         ///< of the k under way
+    Community_graph graph_;                    ///< likewise
 };
 
 } // namespace cpm

@@ -5,7 +5,6 @@
 #include "Coms_funcs/Intensity_coms.h"
 #include "Coms_funcs/K_cliques.h"
 #include "Coms_funcs/Percolation.h"
-#include "Coms_funcs/Premerge_overlaps.h"
 #include "library/Library_data.h"
 #include "library/Public_errors.h"
 #include "library/Told.h"
@@ -21,8 +20,7 @@ namespace detail {
 struct Levels_data {
     std::shared_ptr<Level_base const> base;
     Level_options options;
-    std::unique_ptr<cpm::Premerge_overlaps> premerge; ///< in the rare state that needs them
-    std::unique_ptr<cpm::Percolation> percolation;    ///< none with an intensity
+    std::unique_ptr<cpm::Percolation> percolation; ///< none with an intensity
     std::uint32_t next_k = 0;
 };
 
@@ -123,17 +121,10 @@ Levels::Levels(Graph const& graph, Cliques const& cliques, Level_options const& 
         data_->base = Make_base(graph, cliques);
         data_->options = options;
         data_->next_k = cliques.Largest();
-        if (options.intensity) {
-            return;
+        if (!options.intensity) {
+            data_->percolation = std::make_unique<cpm::Percolation>(
+                found, data_->base->graph->n_nodes, data_->base->edges);
         }
-        Level_base const& base = *data_->base;
-        if (found.before_merge) {
-            data_->premerge = std::make_unique<cpm::Premerge_overlaps>(
-                *found.before_merge, found.cliques, found.n_exact, base.graph->n_nodes);
-        }
-        data_->percolation =
-            std::make_unique<cpm::Percolation>(found.cliques, found.n_exact, base.graph->n_nodes,
-                                               base.edges, found.nested, data_->premerge.get());
     });
 }
 

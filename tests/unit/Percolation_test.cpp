@@ -188,7 +188,8 @@ std::size_t Largest(Set_list const& cliques) {
 TEST(Percolation, No_clique_of_k_nodes_gives_no_communities) {
     Set_list const cliques{{1, 2, 3}};
     Edge_numbering const edges(To_index_links(Complete(1, 3)), 3, cliques, 1);
-    Percolation percolation(cliques, 1, 3, edges);
+    Found_cliques const found{cliques, 1};
+    Percolation percolation(found, 3, edges);
     Communities coms;
     percolation.Coms_from_appr_ovlp_matr(coms, 4);
     EXPECT_EQ(coms.size(), 0U);
@@ -198,7 +199,8 @@ TEST(Percolation, No_clique_of_k_nodes_gives_no_communities) {
 TEST(Percolation, A_clique_without_a_neighbour_is_a_community_with_all_its_pairs) {
     Set_list const cliques{{1, 2, 3}};
     Edge_numbering const edges(To_index_links(Complete(1, 3)), 3, cliques, 1);
-    Percolation percolation(cliques, 1, 3, edges);
+    Found_cliques const found{cliques, 1};
+    Percolation percolation(found, 3, edges);
     Result const result = Communities_at(3, percolation, edges);
     EXPECT_EQ(result.nodes, (Lists{{1, 2, 3}}));
     EXPECT_EQ(result.cliques, (Lists{{0}}));
@@ -210,7 +212,8 @@ TEST(Percolation, A_shared_pair_is_listed_once_smaller_node_first) {
     Links links = Complete(1, 4);
     links.erase({1, 4});
     Edge_numbering const edges(To_index_links(links), 4, cliques, 2);
-    Percolation percolation(cliques, 2, 4, edges);
+    Found_cliques const found{cliques, 2};
+    Percolation percolation(found, 4, edges);
     Result const result = Communities_at(3, percolation, edges);
     EXPECT_EQ(result.links,
               (std::vector<std::vector<Node_pair>>{{{1, 2}, {1, 3}, {2, 3}, {2, 4}, {3, 4}}}));
@@ -230,7 +233,8 @@ TEST(Percolation, Approximated_communities_follow_and_may_hold_exact_cliques) {
         }
     }
     Edge_numbering const edges(To_index_links(links), 13, cliques, 3);
-    Percolation percolation(cliques, 3, 13, edges);
+    Found_cliques const found{cliques, 3};
+    Percolation percolation(found, 13, edges);
     Result const result = Communities_at(3, percolation, edges);
     EXPECT_EQ(result.cliques, (Lists{{0}, {2}, {1, 3}, {4}}));
     EXPECT_EQ(result.n_exact, 2U);
@@ -242,7 +246,8 @@ TEST(Percolation, K_0_finds_nothing_and_k_1_needs_a_shared_node) {
     links.merge(Complete(3, 5));
     links.merge(Complete(6, 8));
     Edge_numbering const edges(To_index_links(links), 8, cliques, 3);
-    Percolation percolation(cliques, 3, 8, edges);
+    Found_cliques const found{cliques, 3};
+    Percolation percolation(found, 8, edges);
     EXPECT_EQ(Communities_at(0, percolation, edges).nodes.size(), 0U);
     EXPECT_EQ(Communities_at(1, percolation, edges).cliques, (Lists{{0, 1}, {2}}));
     EXPECT_EQ(Communities_at(2, percolation, edges).cliques, (Lists{{0, 1}, {2}}));
@@ -260,7 +265,8 @@ TEST(Percolation, A_long_chain_does_not_exhaust_the_stack) {
     }
     links.pairs.push_back({length + 1, length + 2});
     Edge_numbering const edges(links, length + 2, cliques, length);
-    Percolation percolation(cliques, length, length + 2, edges);
+    Found_cliques const found{cliques, length};
+    Percolation percolation(found, length + 2, edges);
     Communities coms;
     percolation.Coms_from_appr_ovlp_matr(coms, 3);
     ASSERT_EQ(coms.size(), 1U);
@@ -286,7 +292,8 @@ TEST(Percolation, Random_networks_agree_with_the_matrix) {
         }
         Edge_numbering const edges(index_links, n, cliques, n_exact);
         By_matrix by_matrix(cliques, n_exact);
-        Percolation percolation(cliques, n_exact, n, edges);
+        Found_cliques const found{cliques, n_exact};
+        Percolation percolation(found, n, edges);
         auto const largest = static_cast<std::uint32_t>(Largest(cliques));
         for (std::uint32_t k = largest + 1; k > 1; --k) {
             ASSERT_EQ(Communities_at(k, percolation, edges), by_matrix.Communities_at(k))
@@ -306,16 +313,15 @@ struct One_network {
     explicit One_network(std::uint32_t seed) {
         Random_numbers random(seed);
         Links const links = Random_teams(40, 30, 9, random);
-        cliques = Shuffled(Maximal_cliques(links, 40), random);
-        n_exact = cliques.size() - 2;
+        found.cliques = Shuffled(Maximal_cliques(links, 40), random);
+        found.n_exact = found.cliques.size() - 2;
         Index_links index_links;
         for (auto const& [a, b] : links) {
             index_links.pairs.push_back({a, b});
         }
-        edges = Edge_numbering(index_links, 40, cliques, n_exact);
+        edges = Edge_numbering(index_links, 40, found.cliques, found.n_exact);
     }
-    Set_list cliques;
-    std::size_t n_exact = 0;
+    Found_cliques found;
     Edge_numbering edges;
 };
 
@@ -323,15 +329,15 @@ TEST(Percolation,
      Communities_stay_valid_when_the_levels_below_are_found_and_when_all_else_is_gone) {
     One_network const network(53);
     std::vector<Communities> kept;
-    auto const largest = static_cast<std::uint32_t>(Largest(network.cliques));
+    auto const largest = static_cast<std::uint32_t>(Largest(network.found.cliques));
     {
-        Percolation percolation(network.cliques, network.n_exact, 40, network.edges);
+        Percolation percolation(network.found, 40, network.edges);
         for (std::uint32_t k = largest; k > 1; --k) {
             kept.emplace_back();
             percolation.Coms_from_appr_ovlp_matr(kept.back(), k);
         }
     }
-    By_matrix by_matrix(network.cliques, network.n_exact);
+    By_matrix by_matrix(network.found.cliques, network.found.n_exact);
     for (std::uint32_t k = largest; k > 1; --k) {
         EXPECT_EQ(Listed(kept[largest - k], network.edges), by_matrix.Communities_at(k)) << k;
     }
@@ -339,11 +345,11 @@ TEST(Percolation,
 
 TEST(Percolation, Levels_run_side_by_side_and_share_the_cliques) {
     One_network const network(59);
-    auto const cliques = std::make_shared<Ranked_cliques>(network.cliques, 40);
-    auto const largest = static_cast<std::uint32_t>(Largest(network.cliques));
+    auto const cliques = std::make_shared<Ranked_cliques>(network.found.cliques, 40);
+    auto const largest = static_cast<std::uint32_t>(Largest(network.found.cliques));
     std::vector<Communities> levels(largest + 1);
     auto const every_second = [&](std::uint32_t from) {
-        Percolation percolation(cliques, network.n_exact, network.edges);
+        Percolation percolation(network.found, cliques, network.edges);
         for (std::uint32_t k = from; k > 1; k -= std::min(k, 2U)) {
             percolation.Coms_from_appr_ovlp_matr(levels[k], k);
         }
@@ -351,7 +357,7 @@ TEST(Percolation, Levels_run_side_by_side_and_share_the_cliques) {
     std::thread other(every_second, largest);
     every_second(largest - 1);
     other.join();
-    By_matrix by_matrix(network.cliques, network.n_exact);
+    By_matrix by_matrix(network.found.cliques, network.found.n_exact);
     for (std::uint32_t k = largest; k > 1; --k) {
         EXPECT_EQ(Listed(levels[k], network.edges), by_matrix.Communities_at(k)) << k;
     }
