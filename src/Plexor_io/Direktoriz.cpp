@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "Plexor_io/Direktoriz.h"
 
+#include "Plexor_io/Dir_error.h"
 #include "Plexor_io/My_int2string.h"
 #include "support/Errors.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -322,95 +322,6 @@ void Dir_prepare_interact(std::string const& path, std::string const& kind, bool
         Stop();
     }
     Make_dir(path);
-}
-
-std::vector<std::string> Get_path_list(std::string const& path) {
-    std::vector<std::string> components;
-    std::size_t begin = 0;
-    std::size_t slash = 0;
-    while ((slash = path.find('/', begin)) != std::string::npos) {
-        components.push_back(path.substr(begin, slash - begin));
-        begin = slash + 1;
-    }
-    if (begin < path.size()) {
-        components.push_back(path.substr(begin));
-    }
-    return components;
-}
-
-std::string Get_total_path(std::string const& path) {
-    std::vector<std::string> total;
-    if (!path.empty() && path.front() != '/') {
-        std::array<char, 10000> working_dir{};
-        if (::getcwd(working_dir.data(), working_dir.size()) == nullptr) {
-            std::string const reason = Dir_error(errno);
-            throw Xerror_msg("ERROR: Get_total_path() called on " + path + " and\n" + reason);
-        }
-        total = Get_path_list(working_dir.data());
-    }
-    std::vector<std::string> const components = Get_path_list(path);
-    for (std::size_t i = 0; i < components.size(); ++i) {
-        std::string const& component = components[i];
-        // Deliberate: behind the last "/" even ".." is taken as it stands.
-        bool const ended_by_slash = i + 1 < components.size() || path.back() == '/';
-        if (ended_by_slash && component == ".." && !total.empty()) {
-            total.pop_back();
-        } else if (!(ended_by_slash && component == ".")) {
-            total.push_back(component);
-        }
-    }
-    std::string result;
-    for (std::string const& component : total) {
-        result += component + "/";
-    }
-    if (result.size() > 1) {
-        result.pop_back();
-    }
-    return result;
-}
-
-std::string Dir_error(int error_number) {
-    // Blanks and all, these are the sentences that users of the program know.
-    switch (error_number) {
-    case EPERM:
-        return "The filesyst. does not  support  the removal of directories.";
-    case ENOENT:
-        return "A component of the path file_name does not exist.";
-    case EIO:
-        return "An I/O error occurred.";
-    case ENOMEM:
-        return "Insufficient memory to complete the operation.";
-    case EACCES:
-        return "Permission denied.";
-    case EFAULT:
-        return "Bad address.";
-    case EBUSY:
-        return "The rename fails because oldpath or newpath is a directory "
-               "that  is in use by some process.";
-    case EEXIST:
-        return "pathname already exists.";
-    case EXDEV:
-        return "oldpath and newpath are not on the same filesystem.";
-    case ENOTDIR:
-        return "A component of the path is not a directory.";
-    case EISDIR:
-        return "newpath is an existing directory, but oldpath is not a directory.";
-    case EINVAL:
-        return "an attempt was made to make a directory a subdirectory of itself.";
-    case ENOSPC:
-        return "no room for the new directory entry.";
-    case EROFS:
-        return "The file is on a read-only filesystem.";
-    case ENAMETOOLONG:
-        return "pathname too long.";
-    case ENOTEMPTY:
-        return "newpath is a non-empty directory, i.e., contains entries "
-               "other than . and .. .";
-    case ELOOP:
-        return "Too  many symbolic links encountered while traversing the path.";
-    default:
-        return " Other error occured, errno=" + int2string(error_number);
-    }
 }
 
 } // namespace cpm

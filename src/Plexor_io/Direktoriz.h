@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The file system: what is at a path, listing, making and removing directories, absolute paths.
+// The file system: what is at a path, listing, making and removing directories.
 // Every failure is an Xerror_msg that names the function, the path and the sentence of Dir_error().
 // Nothing is retried and nothing already done is undone. Somebody else may change the same paths at
 // the same time: then a step may fail or find something else, but nothing is ever replaced by what
@@ -62,15 +62,6 @@ void Dir_prepare(std::string const& path, std::string const& flag);
 /// The asking: on standard output, with an answer from standard input. Throws when the user says
 /// stop.
 void Dir_prepare_interact(std::string const& path, std::string const& kind, bool empty);
-
-/// The path made absolute against the working directory, without "." components and without ".."
-/// components and what they undo. The last component is taken as it stands. No link is resolved.
-std::string Get_total_path(std::string const& path);
-/// The components of a path. Each "/" ends one, an empty one too; an empty last one is left out.
-std::vector<std::string> Get_path_list(std::string const& path);
-
-/// The sentence for an error number.
-std::string Dir_error(int error_number);
 
 } // namespace cpm
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "Plexor_io/Header_text.h"
 
-#include "Plexor_io/Direktoriz.h"
 #include "Plexor_io/My_double2string.h"
 #include "Plexor_io/My_int2string.h"
 #include "Plexor_io/Text_file.h"
+#include "Plexor_io/Total_path.h"
 
 namespace cpm {
 
