@@ -2,7 +2,6 @@
 #include "Process_setup.h"
 
 #include "Plexor_io/Write_all.h"
-#include "support/Errors.h"
 #include "support/Huge_pages.h"
 
 #include <csignal>
@@ -61,7 +60,6 @@ void Set_up_process() {
     std::signal(SIGXFSZ, SIG_IGN);
     Fill_standard_streams();
     std::set_terminate(End_without_memory);
-    Out_of_memory::Install();
     Give_large_arrays_pages_of_their_own();
 }
 

@@ -6,8 +6,8 @@
 
 namespace cpm {
 
-/// Signals, standard streams, what is thrown when memory runs out, where large arrays live. Where
-/// an error cannot even be thrown for want of memory, a line says so and the exit status is 0.
+/// Signals, standard streams, where large arrays live. Where an error cannot even be thrown for
+/// want of memory, a line says so and the exit status is 0.
 void Set_up_process();
 
 /// Says on standard output that there is not even the memory for a console. Needs none.

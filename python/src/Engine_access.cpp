@@ -10,6 +10,7 @@
 #include "Coms_funcs/Percolation.h"
 #include "Plexor_io/Console.h"
 #include "Plexor_io/Console_progress.h"
+#include "Plexor_io/Link_file_errors.h"
 #include "Plexor_io/Out_dir.h"
 #include "Plexor_io/Read_links.h"
 #include "Plexor_io/Run.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Plexor_io/Line_reader.h"
 
-#include "support/Errors.h"
+#include "Plexor_io/Link_file_errors.h"
 
 #include <cerrno>
 #include <cstring>

@@ -10,8 +10,8 @@
 #include "Plexor_io/Read_links.h"
 
 #include "Plexor_io/Line_reader.h"
+#include "Plexor_io/Link_file_errors.h"
 #include "graph/Link_collector.h"
-#include "support/Errors.h"
 
 #include <charconv>
 #include <sstream>

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Plexor_io/Process_input.h"
 
+#include "Plexor_io/Link_file_errors.h"
 #include "support/Captured_console.h"
 #include "support/Errors.h"
 #include "support/Temp_dir.h"
