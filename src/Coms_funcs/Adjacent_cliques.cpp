@@ -21,15 +21,6 @@ constexpr std::uint32_t mask_bits = 64;
 constexpr std::uint8_t last_mark = 255;
 constexpr std::uint64_t nodes_a_line = 64 / sizeof(Node);
 
-// Nodes that the bits tell apart are different: a lower bound of the nodes that `in` lacks.
-inline std::uint64_t Missing(Wide_signature const& of, Wide_signature const& in) {
-    int missing = 0;
-    for (std::size_t w = 0; w < of.size(); ++w) {
-        missing += std::popcount(of[w] & ~in[w]);
-    }
-    return static_cast<std::uint64_t>(missing);
-}
-
 // Keeps those of the cliques that can share `min_shared` nodes with the one of this signature, and
 // fetches the nodes of these; returns how many are kept.
 PLEXOR_COUNTS_BITS
@@ -52,8 +43,8 @@ std::size_t Keep_possible(Candidate* candidates, std::size_t count, Clique_heade
 
 } // namespace
 
-Adjacent_cliques::Adjacent_cliques(Ranked_cliques const& cliques)
-    : cliques_(cliques), visited_(cliques.size()), lists_(cliques, visited_),
+Adjacent_cliques::Adjacent_cliques(Ranked_cliques const& cliques, std::uint32_t min_very_long)
+    : cliques_(cliques), visited_(cliques.size()), lists_(cliques, visited_, min_very_long),
       mark_(std::size_t{cliques.Number_of_nodes()} + 1, 0) {}
 
 // Invariant: the active cliques are those of min_size_ nodes or more, each listed under its prefix
@@ -91,6 +82,7 @@ void Adjacent_cliques::Visit(Clique_number clique) {
 // Sets up what the clique asks. False when nothing is adjacent: no unvisited clique holds one of
 // its new nodes, or too few of its nodes are in unvisited cliques at all. This spares most scans.
 bool Adjacent_cliques::Prepare_query(Adjacent_clique const& from) {
+    query_.clique = from.clique;
     query_.nodes = cliques_[from.clique];
     query_.needed_nodes.clear();
     Signature needed = 0;

@@ -19,8 +19,9 @@ namespace cpm {
 
 class Adjacent_cliques {
 public:
-    /// The cliques must outlive this.
-    explicit Adjacent_cliques(Ranked_cliques const& cliques);
+    /// The cliques must outlive this. For `min_very_long` see Posting_lists.
+    explicit Adjacent_cliques(Ranked_cliques const& cliques,
+                              std::uint32_t min_very_long = Posting_lists::very_long);
     Adjacent_cliques(Adjacent_cliques const&) = delete;
     Adjacent_cliques& operator=(Adjacent_cliques const&) = delete;
 

@@ -2,11 +2,14 @@
 // Takes    the ranked cliques; at each level the least overlap.
 // Leaves   candidates for adjacency: all cliques that are adjacent, and a few that are not.
 // Order    none: entries move as visited cliques go behind the others.
-// Cost     12 bytes a clique member, up to 8 more for slices, 36 bytes a node. A level: one entry a
+// Cost     12 bytes a clique member (4 in very long lists), up to 8 more for slices, 36 bytes a
+// node. A level: one entry a
 //          clique, then the lists of the rarest nodes of each clique that asks: a signature an
 //          entry, or a few bits where a list is long.
 // Tested   Adjacent_cliques_test.cpp (against all pairs), Adjacent_cliques_room_test.cpp.
 #include "Coms_funcs/Posting_lists.h"
+
+#include "support/Cpu_dispatch.h"
 
 #include <algorithm>
 #include <bit>
@@ -18,6 +21,7 @@ namespace {
 // Slicing a list costs as much as a few dozen scans, and pays for long lists.
 constexpr std::uint32_t min_sliced_length = 512;
 constexpr std::uint8_t scans_before_slicing = 32;
+constexpr std::uint8_t header_scans_before_slicing = 4; // which cost several times as much
 constexpr std::uint64_t slice_bytes_a_member = 8;
 constexpr std::uint64_t min_slice_bytes = std::uint64_t{1} << 20;
 
@@ -33,18 +37,35 @@ std::size_t N_buckets(Ranked_cliques const& cliques) {
 
 } // namespace
 
-Posting_lists::Posting_lists(Ranked_cliques const& cliques, Visited_cliques const& visited)
+Posting_lists::Posting_lists(Ranked_cliques const& cliques, Visited_cliques const& visited,
+                             std::uint32_t min_very_long)
     : cliques_(cliques), visited_(visited), states_(std::size_t{cliques.Number_of_nodes()} + 1),
       slices_(cliques.Total() * slice_bytes_a_member + min_slice_bytes, states_.size(),
               N_buckets(cliques)) {
-    for (Node const node : cliques.Cliques().Flat()) {
-        ++states_[node].begin;
-    }
-    Counts_to_begins(
-        states_, [](Node_state & state) -> auto& { return state.begin; });
-    signatures_.Resize_uninitialised(cliques.Total());
+    signatures_.Resize_uninitialised(Lay_out(min_very_long));
     listed_.Resize_uninitialised(cliques.Total());
     active_nodes_.Reserve(cliques.Number_of_nodes());
+}
+
+// Gives each list room for all cliques of its node, those without signatures behind the others.
+// Returns where these begin.
+std::uint64_t Posting_lists::Lay_out(std::uint32_t min_very_long) {
+    for (Node const node : cliques_.Cliques().Flat()) {
+        ++states_[node].n_active_cliques;
+    }
+    std::uint64_t begin = 0;
+    std::uint64_t begin_of_very_long = 0;
+    for (bool const very_long_ones : {false, true}) {
+        for (Node_state& state : states_) {
+            if ((state.n_active_cliques >= min_very_long) == very_long_ones) {
+                state.begin = begin;
+                begin += state.n_active_cliques;
+            }
+        }
+        begin_of_very_long = very_long_ones ? begin_of_very_long : begin;
+    }
+    Clear();
+    return begin_of_very_long;
 }
 
 void Posting_lists::Clear() {
@@ -71,7 +92,9 @@ void Posting_lists::List(Clique_number clique, std::uint32_t from, std::uint32_t
     for (std::uint32_t t = std::min(size, to - 1); t >= from; --t) {
         Node_state& state = states_[nodes[size - t]];
         std::uint64_t const place = state.begin + state.list_size++;
-        signatures_[place] = signature;
+        if (place < signatures_.size()) {
+            signatures_[place] = signature;
+        }
         listed_[place] = clique;
     }
 }
@@ -108,7 +131,8 @@ void Posting_lists::Scan_list(std::size_t n, Adjacency_query& query,
         slices = slices != nullptr ? Slice(node) : nullptr;
     }
     if (slices == nullptr && state.unvisited_end >= min_sliced_length) {
-        if (state.n_scans < scans_before_slicing) {
+        if (state.n_scans <
+            (Has_signatures(state) ? scans_before_slicing : header_scans_before_slicing)) {
             ++state.n_scans;
         } else {
             slices = Slice(node);
@@ -116,8 +140,10 @@ void Posting_lists::Scan_list(std::size_t n, Adjacency_query& query,
     }
     if (slices != nullptr) {
         Scan_slices(*slices, n, query, candidates);
-    } else {
+    } else if (Has_signatures(state)) {
         Scan_signatures(n, query, candidates);
+    } else {
+        Scan_headers(n, query, candidates);
     }
 }
 
@@ -134,6 +160,31 @@ void Posting_lists::Scan_signatures(std::size_t n, Adjacency_query const& query,
             Move_back(state, hits_[i - 1]);
         } else {
             cliques_.Prefetch_header(clique);
+            candidates.push_back({clique, static_cast<std::uint32_t>(n)});
+        }
+    }
+}
+
+PLEXOR_COUNTS_BITS
+void Posting_lists::Scan_headers(std::size_t n, Adjacency_query const& query,
+                                 std::vector<Candidate>& candidates) {
+    constexpr std::uint32_t ahead = 16;
+    Node_state& state = states_[query.nodes[n]];
+    Clique_number const* const listed = listed_.data() + state.begin;
+    Wide_signature const asker = cliques_.Headers()[query.clique].signature;
+    Wide_signature const needed = Wide_signature_of(query.needed_nodes);
+    // From the back, as moving an entry back puts the last one into its place.
+    for (std::uint32_t place = state.unvisited_end; place > 0; --place) {
+        if (place > ahead) {
+            cliques_.Prefetch_header(listed[place - 1 - ahead]);
+        }
+        Clique_number const clique = listed[place - 1];
+        if (visited_[clique]) {
+            Move_back(state, place - 1);
+        } else if (Clique_header const* const header = cliques_.Headers() + clique;
+                   Meet(header->signature, needed) &&
+                   Missing(header->signature, asker) + min_shared_ <=
+                       header[1].begin - header->begin) {
             candidates.push_back({clique, static_cast<std::uint32_t>(n)});
         }
     }
@@ -220,7 +271,9 @@ Bit_slices* Posting_lists::Slice(Node node) {
 void Posting_lists::Move_back(Node_state& state, std::uint32_t place) {
     std::uint64_t const here = state.begin + place;
     std::uint64_t const last = state.begin + --state.unvisited_end;
-    std::swap(signatures_[here], signatures_[last]);
+    if (Has_signatures(state)) {
+        std::swap(signatures_[here], signatures_[last]);
+    }
     std::swap(listed_[here], listed_[last]);
 }
 

@@ -6,7 +6,9 @@
 // smaller t each clique's prefix grows by the next node: lists only grow from level to level.
 //
 // A list is scanned signature by signature (see Signatures.h) or, when it is long and scanned
-// often, in bit slices (see Bit_slices.h).
+// often, in bit slices (see Bit_slices.h). Very long lists are sliced so soon that signatures of
+// their own, twice the memory of all else that is listed, would hardly be read: until then they are
+// scanned by the headers of their cliques.
 #ifndef PLEXOR_POSTING_LISTS_H
 #define PLEXOR_POSTING_LISTS_H
 
@@ -21,6 +23,7 @@ namespace cpm {
 
 /// What one clique asks of the lists of its nodes.
 struct Adjacency_query {
+    Clique_number clique = 0;
     std::span<Node const> nodes;    ///< its own, rarest first
     std::size_t n_lists = 0;        ///< an adjacent clique is in the list of one of so many
     std::vector<Node> needed_nodes; ///< an adjacent clique has one of these
@@ -37,8 +40,12 @@ struct Candidate {
 
 class Posting_lists {
 public:
+    /// Lists of nodes in so many cliques do without signatures.
+    static constexpr std::uint32_t very_long = std::uint32_t{1} << 15;
+
     /// Both must outlive this. All lists are empty.
-    Posting_lists(Ranked_cliques const& cliques, Visited_cliques const& visited);
+    Posting_lists(Ranked_cliques const& cliques, Visited_cliques const& visited,
+                  std::uint32_t min_very_long = very_long);
 
     /// Empties all lists; no clique is active.
     void Clear();
@@ -69,7 +76,7 @@ private:
     // Invariant: of a list the entries from unvisited_end to list_size are visited; among those
     //            before n_unvisited are not.
     struct Node_state {
-        std::uint64_t begin = 0;               ///< of its list in signatures_ and listed_
+        std::uint64_t begin = 0;               ///< of its list in listed_ and in signatures_
         std::uint32_t list_size = 0;           ///< entries of its list
         std::uint32_t unvisited_end = 0;       ///< entries without visited ones moved back
         std::uint32_t n_unvisited = 0;         ///< how many of these are not visited
@@ -79,8 +86,12 @@ private:
     };
 
     void Scan_list(std::size_t n, Adjacency_query& query, std::vector<Candidate>& candidates);
+    std::uint64_t Lay_out(std::uint32_t min_very_long);
+    bool Has_signatures(Node_state const& state) const { return state.begin < signatures_.size(); }
     void Scan_signatures(std::size_t n, Adjacency_query const& query,
                          std::vector<Candidate>& candidates);
+    void Scan_headers(std::size_t n, Adjacency_query const& query,
+                      std::vector<Candidate>& candidates);
     void Scan_slices(Bit_slices& slices, std::size_t n, Adjacency_query& query,
                      std::vector<Candidate>& candidates);
     void Bucket_nodes();
@@ -93,9 +104,9 @@ private:
     Visited_cliques const& visited_;
     Signature_scan scan_ = Fastest_scan();
     std::uint32_t min_shared_ = 0;
-    Flat_array<Node_state> states_; ///< by node
-    Flat_array<Node> active_nodes_; ///< nodes of the active cliques
-    Flat_array<Signature> signatures_;
+    Flat_array<Node_state> states_;    ///< by node
+    Flat_array<Node> active_nodes_;    ///< nodes of the active cliques
+    Flat_array<Signature> signatures_; ///< of the lists that have some, which come first
     Flat_array<Clique_number> listed_;
     Flat_array<Node_bucket> bucket_; ///< node -> its bucket in slices; empty before the first
     Bit_slice_cache slices_;

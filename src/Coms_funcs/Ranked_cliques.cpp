@@ -11,15 +11,6 @@ namespace cpm {
 
 namespace {
 
-Wide_signature Wide_signature_of(Node_set nodes) {
-    Wide_signature signature{};
-    for (Node const node : nodes) {
-        std::uint64_t const bit = std::uint64_t{node * 0x85EBCA77U} * (signature.size() * 64) >> 32;
-        signature[bit / 64] |= std::uint64_t{1} << (bit % 64);
-    }
-    return signature;
-}
-
 std::size_t Largest(Set_list const& cliques) {
     std::size_t largest = 0;
     for (std::size_t c = 0; c < cliques.size(); ++c) {
@@ -29,6 +20,15 @@ std::size_t Largest(Set_list const& cliques) {
 }
 
 } // namespace
+
+Wide_signature Wide_signature_of(std::span<Node const> nodes) {
+    Wide_signature signature{};
+    for (Node const node : nodes) {
+        std::uint64_t const bit = std::uint64_t{node * 0x85EBCA77U} * (signature.size() * 64) >> 32;
+        signature[bit / 64] |= std::uint64_t{1} << (bit % 64);
+    }
+    return signature;
+}
 
 Ranked_cliques::Ranked_cliques(Set_list const& cliques, Node n_nodes)
     : cliques_(cliques), n_nodes_(n_nodes) {

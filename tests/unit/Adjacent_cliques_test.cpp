@@ -218,7 +218,9 @@ void Compare_level(Adjacent_cliques& index, By_pairs& by_pairs, Set_list const& 
 void Compare_levels(Set_list const& cliques, Node n, std::uint32_t largest,
                     Random_numbers& random) {
     Ranked_cliques const ranked(cliques, n);
-    Adjacent_cliques index(ranked);
+    // Half of the time some lists have no signatures, or none has.
+    Adjacent_cliques index(ranked,
+                           random.Percent(50) ? Posting_lists::very_long : 1 + random.Below(12));
     By_pairs by_pairs(ranked);
     for (std::uint32_t min_size = largest + 2; min_size > 1; --min_size) {
         std::uint32_t const min_shared = min_size - 1;
