@@ -23,6 +23,7 @@ endforeach()
 # What CPack's stripping leaves: the names of compilers.
 file(GLOB_RECURSE programs LIST_DIRECTORIES false ${CPACK_TEMPORARY_DIRECTORY}/*)
 list(FILTER programs INCLUDE REGEX "/bin/[^/]*$")
+list(FILTER programs EXCLUDE REGEX "/bin/plexor-tool$") # a script
 foreach(program IN LISTS programs)
     execute_process(COMMAND strip --remove-section=.comment --remove-section=.note ${program}
         COMMAND_ERROR_IS_FATAL ANY)
