@@ -71,6 +71,12 @@ READ = {
         b"%%MatrixMarket matrix coordinate real symmetric\n3 3 2\n2 1 4\n3 2 3\n",
         [("2", "1", "4"), ("3", "2", "3")],
     ),
+    "matrix market with few of many nodes": (
+        "net.mtx",
+        b"%%MatrixMarket matrix coordinate pattern general\n"
+        b"2000000000 2000000000 2\n2 1\n1999999999 2\n",
+        [("2", "1"), ("1999999999", "2")],
+    ),
     "metis": ("net.graph", b"3 2\n2\n1 3\n2\n", [("1", "2"), ("2", "3")]),
     "metis by its counts": ("net.txt", b"% c\n3 2\n2\n1 3\n2\n", [("1", "2"), ("2", "3")]),
     "metis with weights": (
@@ -185,6 +191,16 @@ REFUSED = {
     "damaged matrix": (
         "x.mtx",
         b"%%MatrixMarket matrix coordinate real general\n3 3 5\n1 2 1\n",
+        "Matrix Market",
+    ),
+    "a matrix with too many rows": (
+        "x.mtx",
+        b"%%MatrixMarket matrix coordinate pattern general\n4000000000 4000000000 1\n2 1\n",
+        "more than can be numbered",
+    ),
+    "a matrix of another layout": (
+        "x.mtx",
+        b"%%MatrixMarket matrix cooinate pattern symmetric\n3 3 1\n2 1\n",
         "Matrix Market",
     ),
     "a matrix without sizes": (
