@@ -96,6 +96,7 @@ py::dict Read_for_python(py::bytes const& data, py::bytes const& delimiter, bool
     out["blank_lines"] = table.blank_lines;
     out["single_characters"] = table.single_characters;
     out["carriage_returns"] = table.carriage_returns;
+    out["passed_over_here_alone"] = table.passed_over_here_alone;
     return out;
 }
 

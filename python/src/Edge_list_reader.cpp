@@ -142,7 +142,8 @@ private:
     void Read_line() {
         std::size_t const found = data_.find('\n', next_);
         std::size_t const end = found == std::string_view::npos ? data_.size() : found;
-        std::string_view line = data_.substr(next_, end - next_);
+        std::string_view const whole_line = data_.substr(next_, end - next_);
+        std::string_view line = whole_line;
         next_ = end + 1;
         ++line_number_;
         if (!line.empty() && line.back() == '\r') {
@@ -169,11 +170,19 @@ private:
             pending_.clear();
             line = kept_.back();
         } else if (Is_passed_over(line)) {
+            table_.passed_over_here_alone += !Program_passes_over(whole_line);
             return;
         }
         if (Split(line, at) && !table_.failure) {
             Take(at);
         }
+    }
+
+    // The program knows comments that begin with # and lines of one character, and for it a
+    // carriage return is one.
+    static bool Program_passes_over(std::string_view line) {
+        std::string_view const rest = Trimmed(line, [](char c) { return c == ' ' || c == '\t'; });
+        return rest.size() == 1 || (!rest.empty() && rest.front() == '#');
     }
 
     // Comments, blank lines and fillers; refuses what may or may not be a comment.

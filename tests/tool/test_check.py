@@ -102,6 +102,8 @@ CASES = {
     "comma": (b"ann,bob\nbob,cid\ncid,ann\n", False),
     "header": (b"source target\nann bob\nbob cid\ncid ann\n", False),
     "blank line": (b"ann bob\n\nbob cid\ncid ann\n", False),
+    "blank line of windows": (b"ann bob\r\n\r\nbob cid\r\ncid ann\r\n", True),
+    "single of windows": (b"ann bob\r\nx\r\nbob cid\r\ncid ann\r\n", False),
     "byte order mark": (b"\xef\xbb\xbfann bob\nbob cid\ncid ann\n", False),
     "konect": (b"% sym\nann bob\nbob cid\ncid ann\n", False),
     "names with blanks": (b"ann x\tbob\nbob\tcid\ncid\tann x\n", False),

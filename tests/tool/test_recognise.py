@@ -355,6 +355,14 @@ def test_the_option_decides(case: str, tmp_path: Path) -> None:
     assert links_of(path, **options) == expected
 
 
+def test_text_behind_a_quotation_mark_is_refused(tmp_path: Path, in_process: Tool) -> None:
+    path = tmp_path / "net.csv"
+    path.write_bytes(b'from,to\n"a"b,c\nd,e\n')
+    options = ["--delimiter=comma", "--source-column=from", "--target-column=to"]
+    outcome = in_process("convert", path, *options)
+    assert outcome.status == 1 and "line 2: something stands behind" in outcome.said
+
+
 def test_what_was_done_is_said_with_counts(tmp_path: Path, in_process: Tool) -> None:
     path = tmp_path / "net.csv"
     path.write_bytes(b"source,target\n\n# c\nann,bob\nann,ann\nbob,\nann,bob\n")

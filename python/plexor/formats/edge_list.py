@@ -132,7 +132,14 @@ def read_edge_list(data: bytes, dialect: Dialect, format: str = "edge list") -> 
     if dialect.escaped:
         names = _unescaped(names)
     return LinkTable(
-        format, names, read["source"], read["target"], read["weight"], None, _said(read)
+        format,
+        names,
+        read["source"],
+        read["target"],
+        read["weight"],
+        None,
+        _said(read),
+        read["passed_over_here_alone"],
     )
 
 
