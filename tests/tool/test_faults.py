@@ -141,8 +141,40 @@ def test_a_gz_with_a_flipped_bit(tmp_path: Path, in_process: Tool) -> None:
     refused(in_process("convert", path), "broken gzip")
 
 
+SIZES = [1 << 27, *([1 << 30] if os.environ.get("PLEXOR_TOOL_LONG") else [])]
+
+
+@pytest.mark.parametrize("size", SIZES)
+@pytest.mark.parametrize("n_lines", [0, 200_000], ids=["at once", "after links"])
+@pytest.mark.parametrize("command", ["check", "convert", "run"])
+def test_a_line_of_a_gigabyte(command: str, n_lines: int, size: int, tmp_path: Path) -> None:
+    """128 MB of it, and all of it with PLEXOR_TOOL_LONG=1: refused, and not held in memory."""
+    path = tmp_path / "long.txt"
+    with path.open("wb") as stream:
+        stream.write(b"ann bob\n" * n_lines)
+        for _ in range(size >> 20):
+            stream.write(b"a" * (1 << 20))
+    program = (
+        "import sys; from plexor.tool.cli import main; status = main(sys.argv[1:]);"
+        "print([line for line in open('/proc/self/status') if line.startswith('VmHWM')][0]);"
+        "sys.exit(status)"
+    )
+    done = subprocess.run(
+        [sys.executable, "-c", program, command, path, "-o", tmp_path / "out"],
+        capture_output=True,
+        env=tool_environment(),
+        check=False,
+    )
+    path.unlink()
+    said = done.stderr.decode().splitlines()[-1]
+    assert done.returncode == 1
+    assert said.startswith("plexor-tool: ") and "line" in said and " more than " in said, said
+    assert n_lines == 0 or f"line {n_lines + 1}:" in said
+    assert int(done.stdout.split()[1]) < 120 * 1024  # kB
+    assert not list(tmp_path.iterdir())
+
+
 def test_a_line_without_end(tmp_path: Path, in_process: Tool) -> None:
-    # A file of 1 GB that takes no room: a line of one letter would do the same.
     path = tmp_path / "long.txt"
     with path.open("wb") as stream:
         stream.write(b"a" * (1 << 21))

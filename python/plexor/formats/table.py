@@ -28,6 +28,11 @@ class FormatError(ValueError):
         super().__init__(f"{where}: {what}" if where else what)
 
 
+def long_line(longest: int, line: int) -> FormatError:
+    """What is said of a line that is no line of a table."""
+    return FormatError(f"a line of more than {longest:,} bytes; this is no table of links", line)
+
+
 @dataclass
 class LinkTable:
     """Links as the file has them: in its order, repeated ones and self-links among them.
