@@ -80,7 +80,7 @@ def test_many_cliques_are_seen_and_a_threshold_is_found() -> None:
     threshold = _threshold(table)
     assert threshold is not None and threshold[0] == 1.0
     advice = " ".join(_advice(table, cost))
-    assert "may not end" in advice and "-t 1" in advice and "-w 1 keeps" in advice
+    assert "may not end" in advice and "-t 0.01 -k 4" in advice and "-w 1 keeps" in advice
 
 
 def test_advice_grows_with_the_cliques() -> None:
