@@ -193,9 +193,10 @@ private:
             return true;
         }
         // A tab at the beginning ends an empty field, where tabs separate fields.
-        char const first = dialect_.delimiter == '\t'
-                               ? Trimmed(line, [](char c) { return c == ' '; }).front()
-                               : stripped.front();
+        char const first =
+            dialect_.delimiter == '\t'
+                ? Trimmed(line, [](char c) { return c != '\t' && Is_space(c); }).front()
+                : stripped.front();
         if (Is_comment_sign(first)) {
             if (dialect_.delimiter != 0 && any_link_ && !dialect_.comment_decides &&
                 dialect_.fields &&
