@@ -1,7 +1,8 @@
 # SPDX-License-Identifier: MIT
-# What `cmake --install` puts where, and the Debian package.
+# What `cmake --install` puts where, and the Debian packages.
 #     cmake --install build/release --prefix /usr/local
-#     (cd build/release && cpack -G DEB)
+#     (cd build/release && cpack -G DEB)      plexor, libplexor0, libplexor-dev
+#     cmake --workflow --preset package       these and python3-plexor, from nothing
 include(GNUInstallDirs)
 # What names no other component belongs to the package of the program.
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME plexor)
@@ -94,8 +95,13 @@ communities of a graph in memory, for programs that link it.")
 set(CPACK_COMPONENT_LIBPLEXOR-DEV_DESCRIPTION
 "The headers, the static library, and the files for CMake and pkg-config that
 programs need to be built against libplexor, the engine of plexor.")
-set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
-set(CPACK_DEBIAN_LIBPLEXOR0_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/packaging/debian/triggers)
+if(PLEXOR_PYTHON)
+    include(cmake/Install_python.cmake)
+endif()
+file(WRITE ${plexor_packed_dir}/shlibs "libplexor 0 libplexor0 (>= ${PROJECT_VERSION})\n")
+set(CPACK_DEBIAN_LIBPLEXOR0_PACKAGE_CONTROL_EXTRA
+    "${PROJECT_SOURCE_DIR}/packaging/debian/triggers;${plexor_packed_dir}/shlibs")
+set(CPACK_DEBIAN_LIBPLEXOR0_PACKAGE_CONTROL_STRICT_PERMISSION TRUE)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
@@ -105,6 +111,7 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 # What belongs in the Debian package alone, and times that do not depend on the day of the build.
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/Package_debian.cmake)
+set(CPACK_POST_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/Repack_debian.cmake)
 set(CPACK_PLEXOR_DEBIAN_CHANGELOG ${plexor_debian_changelog})
 set(CPACK_PLEXOR_OVERRIDES ${PROJECT_SOURCE_DIR}/packaging/debian/overrides)
 include(CPack)

@@ -9,7 +9,8 @@ foreach(library plexor_library plexor_static)
     target_include_directories(${library}
         PRIVATE src ${CMAKE_CURRENT_BINARY_DIR}/generated
         PUBLIC $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include>)
-    target_link_libraries(${library} PRIVATE $<BUILD_INTERFACE:plexor_options>)
+    target_link_libraries(${library}
+        PRIVATE $<BUILD_INTERFACE:plexor_options> $<BUILD_INTERFACE:plexor_hardening>)
     target_compile_features(${library} PUBLIC cxx_std_20)
     target_sources(${library} PUBLIC FILE_SET HEADERS BASE_DIRS include FILES ${library_headers})
     set_target_properties(${library} PROPERTIES

@@ -73,4 +73,5 @@ def run(
     log: int,
     links: tuple[_Numbers, _Numbers, _Floats | None, list[bytes]] | None,
     progress: Callable[[int, int], None] | None,
+    levels: Callable[[int, int], None] | None,
 ) -> tuple[bytes, list[bytes]]: ...

@@ -12,6 +12,10 @@ from typing import Any
 Progress = bool | Callable[[str, int, int], None]
 
 
+_BAR = "{desc}: {percentage:3.0f}%|{bar}| {n:,} of {total:,} {unit} [{elapsed}, {remaining} left]"
+_UNITS = {"cliques": "nodes", "levels": "k"}
+
+
 class Reporter:
     """Shows the progress of one call. To be used in a `with` statement, which closes the bar."""
 
@@ -43,13 +47,27 @@ class Reporter:
         if self._tqdm is not None:
             if stage != self._stage:
                 self._close()
-                self._bar = self._tqdm(total=total, desc=stage, leave=False)
+                self._bar = self._tqdm(
+                    total=total,
+                    desc=stage,
+                    unit=_UNITS.get(stage, stage),
+                    leave=False,
+                    dynamic_ncols=True,
+                    bar_format=_BAR,
+                )
                 self._stage = stage
+            if done == self._bar.n:
+                self._bar.refresh()  # time has passed
             self._bar.update(done - self._bar.n)
 
     def cliques(self) -> Callable[[int, int], None] | None:
         """What the engine calls during a search."""
         return (lambda done, total: self("cliques", done, total)) if self.listening else None
+
+    def levels(self) -> Callable[[int, int], None] | None:
+        """What the engine calls during a whole run, when it comes to another k and then now and
+        again."""
+        return (lambda done, total: self("levels", done, total)) if self.listening else None
 
     def _close(self) -> None:
         if self._bar is not None:

@@ -90,6 +90,7 @@ def run(
             -1 if log is None else log,
             given,  # type: ignore[arg-type]
             reporter.cliques(),
+            reporter.levels(),
         )
     return RunSummary(
         Path(os.fsdecode(directory)), tuple(Path(os.fsdecode(file)) for file in not_written)

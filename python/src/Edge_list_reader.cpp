@@ -5,14 +5,11 @@
 // Leaves   numbered names, links and weights; or the first line that does not fit.
 // Order    links as in the file, nodes as they first appear.
 // Cost     time and memory proportional to the file.
-// Tested   tests/tool/test_edge_list.py, against a plain reader of a few lines.
+// Tested   tests/tool/test_edge_list.py, against a plain reader of a few lines; fuzzed by
+//          tests/fuzz/Fuzz_edge_list.cpp.
 #include "Edge_list_reader.h"
 
 #include "graph/Name_interner.h"
-
-#include <pybind11/numpy.h>
-#include <pybind11/pybind11.h>
-#include <pybind11/stl.h>
 
 #include <algorithm>
 #include <array>
@@ -21,7 +18,6 @@
 #include <cstdlib>
 #include <deque>
 #include <functional>
-#include <memory>
 
 namespace plexor_formats {
 
@@ -146,7 +142,8 @@ private:
     void Read_line() {
         std::size_t const found = data_.find('\n', next_);
         std::size_t const end = found == std::string_view::npos ? data_.size() : found;
-        std::string_view line = data_.substr(next_, end - next_);
+        std::string_view const whole_line = data_.substr(next_, end - next_);
+        std::string_view line = whole_line;
         next_ = end + 1;
         ++line_number_;
         if (!line.empty() && line.back() == '\r') {
@@ -173,11 +170,19 @@ private:
             pending_.clear();
             line = kept_.back();
         } else if (Is_passed_over(line)) {
+            table_.passed_over_here_alone += !Program_passes_over(whole_line);
             return;
         }
         if (Split(line, at) && !table_.failure) {
             Take(at);
         }
+    }
+
+    // The program knows comments that begin with # and lines of one character, and for it a
+    // carriage return is one.
+    static bool Program_passes_over(std::string_view line) {
+        std::string_view const rest = Trimmed(line, [](char c) { return c == ' ' || c == '\t'; });
+        return rest.size() == 1 || (!rest.empty() && rest.front() == '#');
     }
 
     // Comments, blank lines and fillers; refuses what may or may not be a comment.
@@ -188,9 +193,10 @@ private:
             return true;
         }
         // A tab at the beginning ends an empty field, where tabs separate fields.
-        char const first = dialect_.delimiter == '\t'
-                               ? Trimmed(line, [](char c) { return c == ' '; }).front()
-                               : stripped.front();
+        char const first =
+            dialect_.delimiter == '\t'
+                ? Trimmed(line, [](char c) { return c != '\t' && Is_space(c); }).front()
+                : stripped.front();
         if (Is_comment_sign(first)) {
             if (dialect_.delimiter != 0 && any_link_ && !dialect_.comment_decides &&
                 dialect_.fields &&
@@ -397,103 +403,10 @@ private:
     Edge_table table_;
 };
 
-namespace py = pybind11;
-
-template <class T> py::array_t<T> Array_of(std::vector<T>&& values) {
-    auto owned = std::make_unique<std::vector<T>>(std::move(values));
-    T const* const data = owned->data();
-    auto const size = static_cast<py::ssize_t>(owned->size());
-    py::capsule const capsule(owned.release(),
-                              [](void* kept) { delete static_cast<std::vector<T>*>(kept); });
-    return py::array_t<T>(size, data, capsule);
-}
-
-char const* Word(Fault fault) {
-    switch (fault) {
-    case Fault::long_line:
-        return "long_line";
-    case Fault::open_quotation:
-        return "open_quotation";
-    case Fault::text_behind_quotation:
-        return "text_behind_quotation";
-    case Fault::comment_or_link:
-        return "comment_or_link";
-    case Fault::percent_comment:
-        return "percent_comment";
-    case Fault::n_fields:
-        return "n_fields";
-    case Fault::no_number:
-        return "no_number";
-    case Fault::too_large:
-        return "too_large";
-    }
-    return "";
-}
-
-py::dict Read_for_python(py::bytes const& data, py::bytes const& delimiter, bool quotes,
-                         py::bytes const& comment, bool comment_decides, bool header,
-                         std::size_t source, std::size_t target, std::optional<std::size_t> weight,
-                         std::optional<std::size_t> fields, bool decimal_comma, bool escaped) {
-    std::string const sign = delimiter;
-    Dialect const dialect{sign.empty() ? '\0' : sign[0],
-                          quotes,
-                          comment,
-                          comment_decides,
-                          header,
-                          source,
-                          target,
-                          weight,
-                          fields,
-                          decimal_comma,
-                          escaped};
-    std::string_view const view = data;
-    Edge_table table;
-    {
-        py::gil_scoped_release const release;
-        table = Read_edge_list(view, dialect);
-    }
-    py::dict out;
-    if (table.failure) {
-        Failure const& failure = *table.failure;
-        out["failure"] = py::make_tuple(Word(failure.fault), failure.line, failure.n_fields,
-                                        py::bytes(failure.text));
-        return out;
-    }
-    out["failure"] = py::none();
-    py::list names(table.name_ends.size());
-    std::int64_t begin = 0;
-    for (std::size_t i = 0; i < table.name_ends.size(); ++i) {
-        PyObject* const name = PyUnicode_DecodeUTF8(
-            table.names.data() + begin, static_cast<py::ssize_t>(table.name_ends[i] - begin),
-            "surrogateescape");
-        if (name == nullptr) {
-            throw py::error_already_set();
-        }
-        names[i] = py::reinterpret_steal<py::object>(name);
-        begin = table.name_ends[i];
-    }
-    out["names"] = names;
-    out["source"] = Array_of(std::move(table.source));
-    out["target"] = Array_of(std::move(table.target));
-    out["weight"] = weight ? py::object(Array_of(std::move(table.weight))) : py::none();
-    out["comments"] = table.comments;
-    out["blank_lines"] = table.blank_lines;
-    out["single_characters"] = table.single_characters;
-    out["carriage_returns"] = table.carriage_returns;
-    return out;
-}
-
 } // namespace
 
 Edge_table Read_edge_list(std::string_view data, Dialect const& dialect) {
     return Reader(data, dialect).Read();
-}
-
-void Register_edge_list_reader(py::module_& module) {
-    module.def("read_edge_list", &Read_for_python, py::arg("data"), py::arg("delimiter"),
-               py::arg("quotes"), py::arg("comment"), py::arg("comment_decides"), py::arg("header"),
-               py::arg("source"), py::arg("target"), py::arg("weight"), py::arg("fields"),
-               py::arg("decimal_comma"), py::arg("escaped"));
 }
 
 } // namespace plexor_formats

@@ -61,6 +61,8 @@ struct Edge_table {
     std::uint64_t blank_lines = 0;
     std::uint64_t single_characters = 0;
     std::uint64_t carriage_returns = 0;
+    std::uint64_t passed_over_here_alone = 0; ///< lines at which the program's reading ends, or
+                                              ///< that become links there
     std::optional<Failure>
         failure; ///< the first line that does not agree; then nothing else counts
 };

@@ -529,8 +529,8 @@ namespace {
 // run it is a cancellation.
 class Told_and_printed : public cpm::Console_progress {
 public:
-    Told_and_printed(cpm::Console& console, Watcher& watcher)
-        : Console_progress(console), watcher_(watcher) {}
+    Told_and_printed(cpm::Console& console, Watcher& watcher, bool one_level)
+        : Console_progress(console), watcher_(watcher), one_level_(one_level) {}
 
     void Tick() override {
         Console_progress::Tick();
@@ -542,7 +542,11 @@ public:
     }
     void Level_began(std::uint32_t k, std::uint32_t largest) override {
         Console_progress::Level_began(k, largest);
-        Tell([&] { watcher_.Tick(); });
+        Tell_level(k);
+    }
+    void K_clique_search_began(std::uint32_t k, double intensity) override {
+        Console_progress::K_clique_search_began(k, intensity);
+        Tell_level(k);
     }
     void K_clique_search_at(std::uint32_t to_do, std::uint32_t total) override {
         Console_progress::K_clique_search_at(to_do, total);
@@ -568,7 +572,18 @@ private:
         }
     }
 
+    // Levels go from the largest k down to 3, or there is one only.
+    void Tell_level(std::uint32_t k) {
+        if (!first_k_) {
+            first_k_ = k;
+        }
+        std::uint64_t const total = one_level_ ? 1 : *first_k_ - 2;
+        Tell([&] { watcher_.Level(*first_k_ - k, total); });
+    }
+
     Watcher& watcher_;
+    bool one_level_;
+    std::optional<std::uint32_t> first_k_;
     std::exception_ptr thrown_;
 };
 
@@ -607,7 +622,7 @@ Run_report Run(Run_request const& request, std::optional<Named_links> const& lin
     input.digits = request.digits;
     input.out_dir = request.output;
     cpm::Console console(request.log);
-    Told_and_printed progress(console, watcher);
+    Told_and_printed progress(console, watcher, settings.k_given);
     cpm::Run_outcome outcome =
         cpm::Run(settings, input, links ? Links_of(*links, question) : Links_of_file(input),
                  progress, console);

@@ -71,6 +71,8 @@ public:
     virtual void Tick() {}
     /// The search has `to_do` of `total` nodes before it.
     virtual void Searching(std::uint64_t /*to_do*/, std::uint64_t /*total*/) {}
+    /// A run comes to the communities of another k; so many of `total` are done.
+    virtual void Level(std::uint64_t /*done*/, std::uint64_t /*total*/) {}
 };
 
 /// The engine cannot do what it is asked for, and says why.

@@ -41,10 +41,11 @@ py::tuple Out(Counts const& counts) {
     return py::make_tuple(Out(counts.values), Out(counts.counts));
 }
 
-// Looks for signals, and passes progress on to a function of (done, total), which may be None.
+// Looks for signals, and passes progress on to functions of (done, total), which may be None.
 class Python_watcher : public Watcher {
 public:
-    explicit Python_watcher(py::object progress) : progress_(std::move(progress)) {}
+    explicit Python_watcher(py::object progress, py::object levels = py::none())
+        : progress_(std::move(progress)), levels_(std::move(levels)) {}
 
     void Tick() override {
         auto const now = Steady::now();
@@ -56,6 +57,11 @@ public:
         if (PyErr_CheckSignals() != 0) {
             throw py::error_already_set();
         }
+        // A level may take long: whoever shows the time wants to hear again.
+        if (level_total_ != 0 && now - last_shown_ >= still) {
+            last_shown_ = now;
+            levels_(level_done_, level_total_);
+        }
     }
     void Searching(std::uint64_t to_do, std::uint64_t total) override {
         Tick();
@@ -66,12 +72,27 @@ public:
         py::gil_scoped_acquire const hold;
         progress_(total - to_do, total);
     }
+    void Level(std::uint64_t done, std::uint64_t total) override {
+        Tick();
+        if (levels_.is_none()) {
+            return;
+        }
+        level_done_ = done;
+        level_total_ = total;
+        last_shown_ = Steady::now();
+        py::gil_scoped_acquire const hold;
+        levels_(done, total);
+    }
 
 private:
     using Steady = std::chrono::steady_clock;
     static constexpr std::chrono::milliseconds interval{20};
+    static constexpr std::chrono::milliseconds still{500};
 
     py::object progress_;
+    py::object levels_;
+    std::uint64_t level_done_ = 0;
+    std::uint64_t level_total_ = 0; ///< 0: no level has begun, or nobody is told
     Steady::time_point last_tick_{};
     Steady::time_point last_shown_{};
 };
@@ -158,7 +179,7 @@ py::tuple Whole_run(std::string const& input, std::optional<std::string> const& 
                     std::optional<Number> k, bool directed, std::optional<double> lower,
                     std::optional<double> upper, std::optional<double> intensity,
                     std::optional<double> time_limit, unsigned digits, int log,
-                    std::optional<py::tuple> const& links, py::object progress) {
+                    std::optional<py::tuple> const& links, py::object progress, py::object levels) {
     Run_request const request{
         {directed, lower, upper, intensity, time_limit}, input, output, k, digits, log};
     In<Number> source;
@@ -175,7 +196,7 @@ py::tuple Whole_run(std::string const& input, std::optional<std::string> const& 
         names = (*links)[3].cast<std::vector<std::string>>();
         named = {{View(source), View(target), View(weight), names.size()}, names};
     }
-    Python_watcher watcher(std::move(progress));
+    Python_watcher watcher(std::move(progress), std::move(levels));
     Run_report report;
     {
         py::gil_scoped_release const release;
@@ -255,5 +276,5 @@ PYBIND11_MODULE(_engine, module) {
     module.def("run", &Whole_run, py::arg("input"), py::arg("output"), py::arg("k"),
                py::arg("directed"), py::arg("lower"), py::arg("upper"), py::arg("intensity"),
                py::arg("time_limit"), py::arg("digits"), py::arg("log"), py::arg("links"),
-               py::arg("progress"));
+               py::arg("progress"), py::arg("levels"));
 }

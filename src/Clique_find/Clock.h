@@ -4,7 +4,9 @@
 #ifndef PLEXOR_CLOCK_H
 #define PLEXOR_CLOCK_H
 
+#include <cstdint>
 #include <ctime>
+#include <type_traits>
 
 namespace cpm {
 
@@ -24,7 +26,18 @@ public:
 /// The processor time that the process has used.
 class Processor_clock : public Clock {
 public:
-    double Now() override { return static_cast<double>(std::clock()) / 1000000; }
+    double Now() override {
+        auto const now = static_cast<Ticks>(std::clock());
+        ticks_ += static_cast<Ticks>(now - last_);
+        last_ = now;
+        return static_cast<double>(static_cast<std::int64_t>(ticks_)) / 1000000;
+    }
+
+private:
+    // Where it has 32 bits the C library's clock begins anew after 72 minutes.
+    using Ticks = std::make_unsigned_t<std::clock_t>;
+    Ticks last_ = 0;
+    std::uint64_t ticks_ = 0;
 };
 
 } // namespace cpm

@@ -107,7 +107,7 @@ private:
         n_rounds_ = n_sets / Max_sets_a_round() + 1;
         for (round_ = 0; round_ < n_rounds_; ++round_) {
             // Starts small whatever may come: few of the sets may be different.
-            table_.Clear(std::min(n_sets / n_rounds_, enough_at_first));
+            table_.Clear(std::min(static_cast<std::size_t>(n_sets / n_rounds_), enough_at_first));
             for (K_clique_number const i : second) {
                 Mix(i);
                 Meet({i, 0});

@@ -96,6 +96,22 @@ def test_what_ends_a_run(examples: Path, tmp_path: Path) -> None:
         plexor.run(links, tmp_path / "two", k=2, intensity=0.1)
 
 
+@pytest.mark.parametrize("question", [{}, {"directed": True}, {"intensity": 2}, {"k": 4}], ids=str)
+def test_progress_of_a_whole_run(question: dict, examples: Path, tmp_path: Path) -> None:
+    told: list[tuple[str, int, int]] = []
+    summary = plexor.run(
+        examples / "uk-faculty.txt",
+        tmp_path / "out",
+        progress=lambda *what: told.append(what),
+        **question,
+    )
+    largest = max(map(len, summary.load().cliques))
+    total = 1 if "k" in question else largest - 2
+    levels = [(done, of) for stage, done, of in told if stage == "levels"]
+    assert list(dict.fromkeys(levels)) == [(done, total) for done in range(total)]
+    assert [stage for stage, _, _ in told] == sorted(stage for stage, _, _ in told)
+
+
 def test_ctrl_c(tmp_path: Path) -> None:
     rng = np.random.default_rng(1)
     links = tmp_path / "links"

@@ -80,7 +80,7 @@ def test_many_cliques_are_seen_and_a_threshold_is_found() -> None:
     threshold = _threshold(table)
     assert threshold is not None and threshold[0] == 1.0
     advice = " ".join(_advice(table, cost))
-    assert "may not end" in advice and "-t 1" in advice and "-w 1 keeps" in advice
+    assert "may not end" in advice and "-t 0.01 -k 4" in advice and "-w 1 keeps" in advice
 
 
 def test_advice_grows_with_the_cliques() -> None:
@@ -102,6 +102,8 @@ CASES = {
     "comma": (b"ann,bob\nbob,cid\ncid,ann\n", False),
     "header": (b"source target\nann bob\nbob cid\ncid ann\n", False),
     "blank line": (b"ann bob\n\nbob cid\ncid ann\n", False),
+    "blank line of windows": (b"ann bob\r\n\r\nbob cid\r\ncid ann\r\n", True),
+    "single of windows": (b"ann bob\r\nx\r\nbob cid\r\ncid ann\r\n", False),
     "byte order mark": (b"\xef\xbb\xbfann bob\nbob cid\ncid ann\n", False),
     "konect": (b"% sym\nann bob\nbob cid\ncid ann\n", False),
     "names with blanks": (b"ann x\tbob\nbob\tcid\ncid\tann x\n", False),

@@ -156,6 +156,15 @@ def test_a_link_file_stays_what_it_is(name: str, in_process: Tool) -> None:
     assert in_process("convert", path).out == links
 
 
+def test_a_name_with_a_byte_order_mark_keeps_it(tmp_path: Path, in_process: Tool) -> None:
+    path = tmp_path / "net.csv"
+    path.write_bytes(b"source,target\n\xef\xbb\xbfann,bob\n")
+    written = in_process("convert", path).out
+    assert written == b"# plexor: names are escaped as %XX\n%EF%BB%BFann bob\n"
+    path.write_bytes(written)
+    assert in_process("convert", path).out == written
+
+
 def test_a_converted_file_converts_to_itself(tmp_path: Path, in_process: Tool) -> None:
     path = tmp_path / "links.txt"
     path.write_bytes(LINK_FILE)

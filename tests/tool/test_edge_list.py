@@ -125,6 +125,13 @@ def test_numbers_are_those_of_a_pattern(text: str) -> None:
         assert isinstance(found, list) == (fits and not large)
 
 
+def test_white_space_before_a_comment() -> None:
+    data = b"a\tb\n\r# c\n\x0b # c\n c\td\n"
+    for delimiter in (None, b"\t"):
+        dialect = Dialect(delimiter=delimiter)
+        assert compiled(data, dialect) == plainly(data, dialect) == [(b"a", b"b", None), (b"c", b"d", None)]
+
+
 def test_a_line_has_a_longest_length() -> None:
     fits = b"a " + b"b" * (LONGEST_LINE - 2)
     assert compiled(fits + b"\n", Dialect()) == [(b"a", b"b" * (LONGEST_LINE - 2), None)]

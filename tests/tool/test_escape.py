@@ -45,6 +45,7 @@ def test_a_name_that_needs_no_escape_is_one_word_as_it_is(name: str) -> None:
         ("", "%"),
         ("#1", "%231"),
         ("a#1", "a#1"),
+        ("\ufeffann", "%EF%BB%BFann"),
         ("New York", "New%20York"),
         ("50%", "50%25"),
         ("%", "%25"),

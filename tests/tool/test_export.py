@@ -87,6 +87,14 @@ CASES = [
     ("chain", "-I", "20", "-k", "3"),
     ("full", "-W", "30"),
 ]
+# The networks of a few lines in all modes.
+MODES: list[tuple[str, ...]] = [(), ("-D",), ("-w", " 0"), ("-I", "0.5"), ("-t", "0.000000001")]
+CASES += [
+    (name, *mode)
+    for name in ("tricky", "no triangle", "one", "both ways", "negative", "apart", "chain", "full")
+    for mode in MODES
+    if (name, *mode) not in CASES
+]
 
 
 @dataclass

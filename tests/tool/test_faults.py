@@ -5,6 +5,7 @@ from __future__ import annotations
 
 import gzip
 import os
+import resource
 import signal
 import subprocess
 import sys
@@ -14,7 +15,7 @@ from pathlib import Path
 import pytest
 from plexor.tool.cli import COMMANDS
 
-from conftest import Outcome, Run, run_tool, tool_environment
+from conftest import ROOT, Outcome, Run, run_tool, tool_environment
 
 Tool = Callable[..., Outcome]
 
@@ -54,6 +55,61 @@ def test_a_full_disk_leaves_the_old_file(tmp_path: Path, in_process: Tool) -> No
         raise OSError("full")
     assert target.read_bytes() == b"precious\n"
     assert [path.name for path in tmp_path.iterdir()] == ["links.txt"]
+
+
+def run_with_small_files(*arguments: str | Path) -> Outcome:
+    """plexor-tool where no file may have more than 20 kB, as if the disk were full then."""
+
+    def restrict() -> None:
+        resource.setrlimit(resource.RLIMIT_FSIZE, (20_000, 20_000))
+
+    done = subprocess.run(
+        [sys.executable, "-m", "plexor.tool", *map(str, arguments)],
+        capture_output=True,
+        env={**tool_environment(), "PYTHONDONTWRITEBYTECODE": "1"},
+        preexec_fn=restrict,
+        check=False,
+    )
+    return Outcome(done.returncode, done.stdout, done.stderr.decode())
+
+
+def files_below(folder: Path) -> dict[str, bytes]:
+    return {str(path): path.read_bytes() for path in folder.rglob("*") if path.is_file()}
+
+
+@pytest.mark.parametrize("overwrite", [False, True])
+def test_a_disk_that_is_full_in_the_middle_of_a_run(
+    overwrite: bool, tmp_path: Path, in_process: Tool
+) -> None:
+    network = ROOT / "examples" / "us-airports.txt"
+    out = tmp_path / "out"
+    if overwrite:
+        assert in_process("run", network, "-o", out, "-k", 12).status == 0
+    old = files_below(tmp_path)
+    options = ["-k", "6", *(["-O"] if overwrite else [])]
+    outcome = run_with_small_files("run", network, "-q", "-o", out, *options)
+    assert outcome.status == 1 and "Traceback" not in outcome.said
+    lines = outcome.said.splitlines()
+    assert lines and all(line.startswith("plexor-tool: could not write '") for line in lines)
+    assert any(line.endswith("/graph'") for line in lines)
+    if overwrite:
+        assert files_below(tmp_path) == old
+    else:
+        assert (out / "k=6" / "size_distribution").exists()  # the run goes on for what fits
+
+
+@pytest.mark.parametrize("format", ["graphml", "edges", "json", "all"])
+def test_a_disk_that_is_full_in_the_middle_of_an_export(
+    format: str, tmp_path: Path, run_plexor: Run
+) -> None:
+    directory = run_plexor(ROOT / "examples" / "us-airports.txt", "-k", "6")
+    target = tmp_path / ("tables/" if format == "all" else "file")
+    outcome = run_with_small_files("export", directory, "-q", "-f", format, "-o", f"{target}")
+    assert outcome.status == 1 and "Traceback" not in outcome.said
+    assert outcome.said.endswith("File too large\n")
+    # Nothing is there by halves.
+    assert all(len(data) < 20_000 for data in files_below(tmp_path).values())
+    assert not any(Path(name).name.startswith(".") for name in files_below(tmp_path))
 
 
 def test_a_closed_pipe(tmp_path: Path) -> None:
@@ -141,8 +197,40 @@ def test_a_gz_with_a_flipped_bit(tmp_path: Path, in_process: Tool) -> None:
     refused(in_process("convert", path), "broken gzip")
 
 
+SIZES = [1 << 27, *([1 << 30] if os.environ.get("PLEXOR_TOOL_LONG") else [])]
+
+
+@pytest.mark.parametrize("size", SIZES)
+@pytest.mark.parametrize("n_lines", [0, 200_000], ids=["at once", "after links"])
+@pytest.mark.parametrize("command", ["check", "convert", "run"])
+def test_a_line_of_a_gigabyte(command: str, n_lines: int, size: int, tmp_path: Path) -> None:
+    """128 MB of it, and all of it with PLEXOR_TOOL_LONG=1: refused, and not held in memory."""
+    path = tmp_path / "long.txt"
+    with path.open("wb") as stream:
+        stream.write(b"ann bob\n" * n_lines)
+        for _ in range(size >> 20):
+            stream.write(b"a" * (1 << 20))
+    program = (
+        "import sys; from plexor.tool.cli import main; status = main(sys.argv[1:]);"
+        "print([line for line in open('/proc/self/status') if line.startswith('VmHWM')][0]);"
+        "sys.exit(status)"
+    )
+    done = subprocess.run(
+        [sys.executable, "-c", program, command, path, "-o", tmp_path / "out"],
+        capture_output=True,
+        env=tool_environment(),
+        check=False,
+    )
+    path.unlink()
+    said = done.stderr.decode().splitlines()[-1]
+    assert done.returncode == 1
+    assert said.startswith("plexor-tool: ") and "line" in said and " more than " in said, said
+    assert n_lines == 0 or f"line {n_lines + 1}:" in said
+    assert int(done.stdout.split()[1]) < 120 * 1024  # kB
+    assert not list(tmp_path.iterdir())
+
+
 def test_a_line_without_end(tmp_path: Path, in_process: Tool) -> None:
-    # A file of 1 GB that takes no room: a line of one letter would do the same.
     path = tmp_path / "long.txt"
     with path.open("wb") as stream:
         stream.write(b"a" * (1 << 21))

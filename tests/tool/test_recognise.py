@@ -71,6 +71,12 @@ READ = {
         b"%%MatrixMarket matrix coordinate real symmetric\n3 3 2\n2 1 4\n3 2 3\n",
         [("2", "1", "4"), ("3", "2", "3")],
     ),
+    "matrix market with few of many nodes": (
+        "net.mtx",
+        b"%%MatrixMarket matrix coordinate pattern general\n"
+        b"2000000000 2000000000 2\n2 1\n1999999999 2\n",
+        [("2", "1"), ("1999999999", "2")],
+    ),
     "metis": ("net.graph", b"3 2\n2\n1 3\n2\n", [("1", "2"), ("2", "3")]),
     "metis by its counts": ("net.txt", b"% c\n3 2\n2\n1 3\n2\n", [("1", "2"), ("2", "3")]),
     "metis with weights": (
@@ -185,6 +191,16 @@ REFUSED = {
     "damaged matrix": (
         "x.mtx",
         b"%%MatrixMarket matrix coordinate real general\n3 3 5\n1 2 1\n",
+        "Matrix Market",
+    ),
+    "a matrix with too many rows": (
+        "x.mtx",
+        b"%%MatrixMarket matrix coordinate pattern general\n4000000000 4000000000 1\n2 1\n",
+        "more than can be numbered",
+    ),
+    "a matrix of another layout": (
+        "x.mtx",
+        b"%%MatrixMarket matrix cooinate pattern symmetric\n3 3 1\n2 1\n",
         "Matrix Market",
     ),
     "a matrix without sizes": (
@@ -337,6 +353,14 @@ def test_the_option_decides(case: str, tmp_path: Path) -> None:
     path = tmp_path / name
     path.write_bytes(data)
     assert links_of(path, **options) == expected
+
+
+def test_text_behind_a_quotation_mark_is_refused(tmp_path: Path, in_process: Tool) -> None:
+    path = tmp_path / "net.csv"
+    path.write_bytes(b'from,to\n"a"b,c\nd,e\n')
+    options = ["--delimiter=comma", "--source-column=from", "--target-column=to"]
+    outcome = in_process("convert", path, *options)
+    assert outcome.status == 1 and "line 2: " in outcome.said and "closing" in outcome.said
 
 
 def test_what_was_done_is_said_with_counts(tmp_path: Path, in_process: Tool) -> None:

@@ -3,12 +3,17 @@
 
 from __future__ import annotations
 
+import fcntl
 import gzip
 import json
+import os
+import pty
 import shutil
 import signal
+import struct
 import subprocess
 import sys
+import termios
 import time
 from collections.abc import Callable
 from pathlib import Path
@@ -296,6 +301,96 @@ def test_an_interrupted_run_says_what_is_there(overwrite: bool, tmp_path: Path) 
     else:
         assert f"'{out}' has 2 files and the folders of 0 k" in said
     assert sorted(p.name for p in tmp_path.iterdir()) == ["net.txt", "out"]
+
+
+def on_a_terminal(*arguments: str | Path) -> str:
+    """What plexor-tool shows on a terminal of 90 columns."""
+    ours, theirs = pty.openpty()
+    fcntl.ioctl(theirs, termios.TIOCSWINSZ, struct.pack("HHHH", 24, 90, 0, 0))
+    command = [sys.executable, "-m", "plexor.tool", *map(str, arguments)]
+    with subprocess.Popen(
+        command, stdin=theirs, stdout=theirs, stderr=theirs, env=tool_environment()
+    ) as process:
+        os.close(theirs)
+        shown = b""
+        while True:
+            try:
+                piece = os.read(ours, 1 << 16)
+            except OSError:  # the other end is closed
+                break
+            if not piece:
+                break
+            shown += piece
+        assert process.wait() == 0
+    os.close(ours)
+    return shown.decode()
+
+
+def test_a_bar_on_a_terminal_alone(tmp_path: Path) -> None:
+    shown = on_a_terminal("run", AIRPORTS, "-o", tmp_path / "out")
+    assert "levels:   0%|" in shown and "| 0 of 25 k [00:00, ? left]" in shown
+    bars = shown.split("\r")[:-1]
+    assert all(len(bar) <= 90 for bar in bars if bar.startswith(("cliques:", "levels:")))
+    # The bar goes away, and what is said stays.
+    assert shown.splitlines()[-1].strip().endswith("communities at k=3 to k=27")
+    assert set(bars[-2]) <= {" "}, bars[-3:]
+    assert on_a_terminal("run", AIRPORTS, "-o", tmp_path / "quiet", "-q") == ""
+    piped = run_tool("run", AIRPORTS, "-o", tmp_path / "piped")
+    assert "\r" not in piped.said and "levels" not in piped.said
+
+
+@pytest.mark.parametrize("exchange", [True, False])
+def test_old_results_are_swapped_by_renaming(
+    exchange: bool, tmp_path: Path, in_process: Tool, monkeypatch: pytest.MonkeyPatch
+) -> None:
+    from plexor.tool import run
+
+    links = tmp_path / "net.txt"
+    links.write_bytes(b"a1 b1\nb1 c1\nc1 a1\n")
+    out = tmp_path / "out"
+    assert in_process("run", links, "-o", out).status == 0
+    old = tree(out)
+    links.write_bytes(b"a1 b1\nb1 c1\nc1 a1\nc1 d1\n")
+    seen = []
+    really = run._put_in_place
+
+    def look(made: Path, final: Path) -> None:
+        # Until here the old results are all there, and the new ones are whole.
+        seen.append((tree(final), tree(made)))
+        really(made, final)
+
+    monkeypatch.setattr(run, "_put_in_place", look)
+    if not exchange:
+        monkeypatch.setattr(run, "_exchange", lambda *_: False)
+    assert in_process("run", links, "-o", out, "-O").status == 0
+    ((before, made),) = seen
+    assert before == old and tree(out) == made != old
+    assert sorted(path.name for path in tmp_path.iterdir()) == ["net.txt", "out"]
+
+
+def test_a_swap_that_fails_brings_the_old_results_back(
+    tmp_path: Path, in_process: Tool, monkeypatch: pytest.MonkeyPatch
+) -> None:
+    from plexor.tool import run
+
+    links = tmp_path / "net.txt"
+    links.write_bytes(b"a1 b1\nb1 c1\nc1 a1\n")
+    out = tmp_path / "out"
+    assert in_process("run", links, "-o", out).status == 0
+    old = tree(out)
+    monkeypatch.setattr(run, "_exchange", lambda *_: False)
+    really = Path.rename
+
+    def rename(path: Path, target: Path) -> Path:
+        if path.name == "results":
+            raise OSError(5, "Input/output error", str(path))
+        return really(path, target)
+
+    monkeypatch.setattr(Path, "rename", rename)
+    assert in_process("run", links, "-o", out, "-k", 3, "-O").status == 1
+    monkeypatch.undo()
+    assert tree(out) == old
+    assert sorted(path.name for path in tmp_path.iterdir()) == ["net.txt", "out"]
 
 
 def test_files_that_could_not_be_written_fail_the_run(

@@ -5,7 +5,7 @@ from __future__ import annotations
 
 from dataclasses import dataclass, replace
 
-from plexor.formats.edge_list import Dialect, read_edge_list
+from plexor.formats.edge_list import LONGEST_LINE, Dialect, read_edge_list
 from plexor.formats.escape import MARKER, carries_marker, escape, unescape
 from plexor.formats.link_file import write_link_file
 from plexor.formats.options import DELIMITERS, FORMATS, ReadOptions
@@ -53,15 +53,16 @@ def read(name: str, options: ReadOptions | None = None) -> Reading:
     options = options or ReadOptions()
     source = open_source(name)
     recognition = recognise(source, options)
-    data = source.read()
+    table = recognition.format in ("edges", "links")
+    data = source.read(LONGEST_LINE if table else None)
     if b"\0" in data:
         line = data[: data.index(b"\0")].count(b"\n") + 1
         raise FormatError(f"'{name}' is no text: there is a zero byte", line)
     if recognition.format == "edges" and options.format is None and not source.whole:
         refuse_metis_lookalike(data)
-    table = _read_as(recognition, data, options)
-    table.said[:0] = source.said + recognition.said
-    return Reading(source, recognition, table)
+    links = _read_as(recognition, data, options)
+    links.said[:0] = source.said + recognition.said
+    return Reading(source, recognition, links)
 
 
 def _read_as(recognition: Recognition, data: bytes, options: ReadOptions) -> LinkTable:

@@ -13,7 +13,7 @@ from dataclasses import dataclass
 from typing import Any
 
 from plexor.formats.escape import unescape
-from plexor.formats.table import FormatError, LinkTable
+from plexor.formats.table import FormatError, LinkTable, long_line
 
 #: No line of a table is longer than this.
 LONGEST_LINE = 1 << 20
@@ -132,7 +132,14 @@ def read_edge_list(data: bytes, dialect: Dialect, format: str = "edge list") -> 
     if dialect.escaped:
         names = _unescaped(names)
     return LinkTable(
-        format, names, read["source"], read["target"], read["weight"], None, _said(read)
+        format,
+        names,
+        read["source"],
+        read["target"],
+        read["weight"],
+        None,
+        _said(read),
+        read["passed_over_here_alone"],
     )
 
 
@@ -149,8 +156,9 @@ def _refusal(dialect: Dialect, fault: str, line: int, n_fields: int, text: bytes
         return FormatError(
             f"the weight '{shown}' is not a number; {hint}", line, dialect.weight + 1
         )
+    if fault == "long_line":
+        return long_line(LONGEST_LINE, line)
     texts = {
-        "long_line": f"a line of more than {LONGEST_LINE:,} bytes; this is no table of links",
         "open_quotation": 'a quotation mark (") that is never closed',
         "text_behind_quotation": "something stands behind a closing quotation mark",
         "comment_or_link": f"begins with {shown} and has as many fields as a link: --comment "

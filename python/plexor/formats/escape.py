@@ -2,8 +2,9 @@
 """Names that a link file cannot hold, and the reversible escapes for them.
 
 A link file separates names by white space and takes a leading ``#`` for a comment, so a name with
-a blank, a name that begins with ``#`` and the empty name cannot stand in it. Where a network has
-such a name, all its names are escaped and the file says so in a comment line, MARKER, before the
+a blank, a name that begins with ``#`` and the empty name cannot stand in it; nor should one that
+begins with a byte order mark, which is no part of a name at the beginning of a file. Where a
+network has such a name, all its names are escaped and the file says so in a comment line, MARKER, before the
 first link. Without that line names are what they are, and ``%`` is a character like any other.
 
 The escapes: ``%XX`` is the byte with the hexadecimal value XX; ``%`` itself is ``%25``; a lone
@@ -22,12 +23,13 @@ MARKER = ESCAPE_MARKER
 # White space as the link file's reader knows it, other control characters (a terminal should not
 # meet them), and the sign of the escapes itself.
 _IN_NAME = re.compile(r"[\x00-\x20\x7f%]")
+_BYTE_ORDER_MARK = "\ufeff"
 _ESCAPE = re.compile(r"%([0-9A-Fa-f]{2})")
 
 
 def needs_escape(name: str) -> bool:
     """Whether a link file cannot hold the name as it is."""
-    return not name or name[0] == "#" or re.search(r"[\x00-\x20\x7f]", name) is not None
+    return not name or name[0] in ("#", _BYTE_ORDER_MARK) or re.search(r"[\x00-\x20\x7f]", name) is not None
 
 
 def escape(name: str) -> str:
@@ -35,7 +37,8 @@ def escape(name: str) -> str:
     if not name:
         return "%"
     escaped = _IN_NAME.sub(lambda found: f"%{ord(found.group()):02X}", name)
-    return "%23" + escaped[1:] if escaped[0] == "#" else escaped
+    first = {"#": "%23", _BYTE_ORDER_MARK: "%EF%BB%BF"}.get(escaped[0], escaped[0])
+    return first + escaped[1:]
 
 
 def unescape(name: str) -> str:

@@ -24,8 +24,10 @@ def read_matrix_market(data: bytes) -> LinkTable:
         raise FormatError("Matrix Market: there is no line with the sizes of the matrix")
     try:
         rows, columns, _, layout, field, symmetry = mminfo(io.BytesIO(data))
-    except (ValueError, TypeError, IndexError) as error:
+    except (ValueError, TypeError, IndexError, NotImplementedError) as error:
         raise FormatError(f"Matrix Market: {error}") from error
+    if rows >= 1 << 31:
+        raise FormatError(f"Matrix Market: {rows:,} rows are more than can be numbered")
     if rows != columns:
         raise FormatError(
             f"Matrix Market: {rows:,} rows and {columns:,} columns: rows and columns are "
@@ -35,7 +37,7 @@ def read_matrix_market(data: bytes) -> LinkTable:
         raise FormatError(f"Matrix Market: a {symmetry} matrix of {field} numbers is no network")
     try:
         matrix = mmread(io.BytesIO(data))
-    except (ValueError, TypeError, IndexError, OverflowError) as error:
+    except (ValueError, TypeError, IndexError, OverflowError, NotImplementedError) as error:
         raise FormatError(f"Matrix Market: {error}") from error
     if layout == "array":
         source, target = np.nonzero(matrix)
@@ -53,9 +55,17 @@ def read_matrix_market(data: bytes) -> LinkTable:
         raise FormatError("Matrix Market: a value is not finite")
     if layout != "array" and weights is not None and (weights == 0).any():
         said.append(f"{int((weights == 0).sum()):,} entries are 0 and stay links of weight 0")
+    if rows > 1_000_000 + 4 * len(source):
+        # The sizes are only what the file says: names for all could be more than memory holds.
+        linked = np.unique(np.concatenate((source, target)))
+        said.append(f"{rows - len(linked):,} nodes without a link")
+        source, target = np.searchsorted(linked, source), np.searchsorted(linked, target)
+        names = [str(node + 1) for node in linked.tolist()]
+    else:
+        names = [str(node) for node in range(1, rows + 1)]
     return LinkTable(
         "Matrix Market",
-        [str(node) for node in range(1, rows + 1)],
+        names,
         source.astype(np.uint32),
         target.astype(np.uint32),
         weights,

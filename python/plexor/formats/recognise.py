@@ -304,6 +304,14 @@ def _split_rows(rows: list[_Line], delimiter: bytes | None, quotes: bool) -> _Sp
     return _Split(delimiter, split)
 
 
+def _fields_or_none(text: bytes, delimiter: bytes | None, quotes: bool) -> list[bytes]:
+    """The fields of a line; no fields where quotation marks do not fit. The reader tells why."""
+    try:
+        return split_fields(text, delimiter, quotes) or []
+    except ValueError:
+        return []
+
+
 def _find_delimiter(rows: list[_Line], options: ReadOptions, said: list[str]) -> tuple[_Split, bool]:
     """The delimiter that gives each line the same number of fields, and whether marks quote."""
 
@@ -324,7 +332,7 @@ def _find_delimiter(rows: list[_Line], options: ReadOptions, said: list[str]) ->
     if not splits and (options.columns_given or options.format == "edges"):
         # Columns that the user names need not be all: lines may end in different ways.
         delimiter = candidates[0]
-        loose = [split_fields(row.text, delimiter, quotes_for(delimiter)) or [] for row in rows]
+        loose = [_fields_or_none(row.text, delimiter, quotes_for(delimiter)) for row in rows]
         if options.columns_given and (len(candidates) == 1 or delimiter is None):
             return _Split(delimiter, loose), quotes_for(delimiter)
     if not splits:
@@ -349,10 +357,7 @@ def _no_delimiter(
     for delimiter in candidates:
         width = 0
         for place, row in enumerate(rows):
-            try:
-                fields = split_fields(row.text, delimiter, quotes_for(delimiter)) or []
-            except ValueError:
-                fields = []
+            fields = _fields_or_none(row.text, delimiter, quotes_for(delimiter))
             if delimiter is None and len(row.text.strip()) == 1:
                 continue
             width = width or len(fields)

@@ -12,10 +12,11 @@ import zlib
 from dataclasses import dataclass
 from typing import BinaryIO, cast
 
-from plexor.formats.table import FormatError
+from plexor.formats.table import FormatError, long_line
 
 #: How much of a file is looked at to recognise its format.
 HEAD_SIZE = 1 << 20
+_PIECE = 1 << 22
 
 _OTHER_PACKINGS = {
     b"PK\x03\x04": "a zip archive",
@@ -44,11 +45,27 @@ class Source:
     said: list[str]
     _stream: BinaryIO
 
-    def read(self) -> bytes:
-        """All bytes of the input, the head among them."""
+    def read(self, longest_line: int | None = None) -> bytes:
+        """All bytes of the input, the head among them.
+
+        Raises FormatError when it is broken, or as soon as a line goes on and on beyond
+        `longest_line`: such a file need not be read to its end to be refused.
+        """
         if self.whole:
             return self.head
-        return self.head + _read(self._stream, -1, self.name)
+        if longest_line is None:
+            return self.head + _read(self._stream, -1, self.name)
+        pieces = [self.head]
+        line = 1
+        so_far = 0  # of this line
+        while pieces[-1]:
+            line += pieces[-1].count(b"\n")
+            last = pieces[-1].rfind(b"\n")
+            so_far = so_far + len(pieces[-1]) if last < 0 else len(pieces[-1]) - last - 1
+            if so_far > longest_line + _PIECE:
+                raise long_line(longest_line, line)
+            pieces.append(_read(self._stream, _PIECE, self.name))
+        return b"".join(pieces)
 
     @property
     def suffixes(self) -> list[str]:

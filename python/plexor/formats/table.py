@@ -28,6 +28,11 @@ class FormatError(ValueError):
         super().__init__(f"{where}: {what}" if where else what)
 
 
+def long_line(longest: int, line: int) -> FormatError:
+    """What is said of a line that is no line of a table."""
+    return FormatError(f"a line of more than {longest:,} bytes; this is no table of links", line)
+
+
 @dataclass
 class LinkTable:
     """Links as the file has them: in its order, repeated ones and self-links among them.
@@ -36,7 +41,8 @@ class LinkTable:
     format has an order. Bytes that are not UTF-8 are kept as surrogates ("surrogateescape").
     ``source`` and ``target`` are positions in ``names``; ``weight`` is None without weights.
     ``directed`` is None where the format does not tell. ``said`` are sentences for the user:
-    what was recognised, what was passed over and how often.
+    what was recognised, what was passed over and how often. ``passed_over_here_alone`` counts the
+    lines among these that the program does not pass over.
     """
 
     format: str
@@ -46,6 +52,7 @@ class LinkTable:
     weight: Weights | None
     directed: bool | None = None
     said: list[str] = field(default_factory=list)
+    passed_over_here_alone: int = 0
 
     def __len__(self) -> int:
         return len(self.source)

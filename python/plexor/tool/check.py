@@ -178,8 +178,8 @@ def _advice(table: LinkTable, cost: Cost) -> list[str]:
     else:
         lines = [
             "a run may not end: there are too many cliques, not too many links",
-            "-t 1 gives up a node after a second and approximates what is left; "
-            "see how many nodes that skips",
+            "-t 0.01 -k 4 gives up a node after a hundredth of a second, approximates what is left "
+            "and finds the communities of one k; see how many nodes that skips",
         ]
     threshold = _threshold(table)
     if threshold is not None:

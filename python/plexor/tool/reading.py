@@ -148,7 +148,9 @@ def reasons_to_convert(reading: Reading) -> list[str]:
                 f"{plural(len(awkward), 'name')} cannot stand in a link file, the first is "
                 f"'{awkward[0]}' (written as {escape(awkward[0])})"
             )
-    blank = [sentence for sentence in table.said if "blank line" in sentence]
-    if blank:
-        reasons.append("a blank line ends its reading with an error")
+    if table.passed_over_here_alone and dialect.comment == b"#":
+        reasons.append(
+            "a blank line, or a single character before a carriage return, ends its reading with "
+            "an error"
+        )
     return reasons

@@ -1,0 +1,79 @@
+#!/bin/sh
+# SPDX-License-Identifier: MIT
+# Builds for other architectures by Debian's cross compilers and runs the tests there, emulated:
+# arm64 (64 bits, weak memory order) and i386 (32 bits).
+#   tests/other_architectures.sh [arm64|i386 ...]
+# The golden cases, and the fast unit tests but for those that ask the kernel for what an emulator
+# does not show: large pages in /proc, limits of memory.
+set -eu
+cd "$(dirname "$0")/.."
+. cmake/Need.sh
+root=$PWD
+[ $# -gt 0 ] || set -- arm64 i386
+need cmake cmake make make qemu-aarch64 qemu-user /usr/src/googletest/CMakeLists.txt libgtest-dev
+
+# Turns a built program into a script that has it emulated. Its name is what was typed, as the
+# program shows that name; what was found in the path has a whole path here.
+emulated() {
+    [ -e "$1.target" ] && [ "$1.target" -nt "$1" ] && return
+    mv "$1" "$1.target"
+    cat >"$1" <<END
+#!/bin/sh
+case \$0 in
+/*) name=\${0##*/} ;;
+*) name=\$0 ;;
+esac
+exec $emulator -L $sysroot -0 "\$name" $1.target "\$@"
+END
+    chmod +x "$1"
+    touch "$1.target" # newer than the script, until it is built again
+}
+
+status=0
+for architecture; do
+    case $architecture in
+    arm64)
+        triplet=aarch64-linux-gnu processor=aarch64 emulator=qemu-aarch64
+        need $triplet-g++ g++-aarch64-linux-gnu
+        ;;
+    i386)
+        triplet=i686-linux-gnu processor=i686 emulator=qemu-i386
+        need $triplet-g++ g++-i686-linux-gnu
+        ;;
+    *)
+        echo "arm64 or i386, not $architecture" >&2
+        exit 2
+        ;;
+    esac
+    sysroot=/usr/$triplet
+    build=$root/build/$architecture
+    set_up() {
+        cmake -D CMAKE_SYSTEM_NAME=Linux -D CMAKE_SYSTEM_PROCESSOR=$processor \
+            -D CMAKE_CXX_COMPILER=$triplet-g++ -D CMAKE_C_COMPILER=$triplet-gcc \
+            -D CMAKE_FIND_ROOT_PATH="$sysroot;$build/googletest" \
+            -D CMAKE_CROSSCOMPILING_EMULATOR="$emulator;-L;$sysroot" "$@" >/dev/null
+    }
+    echo "== $architecture: GoogleTest"
+    set_up -S /usr/src/googletest -B "$build/googletest-build" -D CMAKE_BUILD_TYPE=Release \
+        -D CMAKE_INSTALL_PREFIX="$build/googletest"
+    cmake --build "$build/googletest-build" -j2 --target install >/dev/null
+    echo "== $architecture: Plexor and its tests"
+    # Where sizes have 32 bits the compiler warns of each count of 64 bits that becomes one: of what
+    # memory holds there are fewer.
+    set_up --preset test -B "$build" -D GTest_DIR="$build/googletest/lib/cmake/GTest" \
+        -D PLEXOR_WERROR=OFF
+    for program in plexor tests/model/plexor_fake_clock; do
+        # The script in its place is newer than what it was linked from.
+        [ -e "$build/$program.target" ] && rm -f "$build/$program" "$build/$program.target"
+    done
+    cmake --build "$build" -j2 --target plexor plexor_fake_clock unit_tests 2>"$build/warnings"
+    emulated "$build/plexor"
+    emulated "$build/tests/model/plexor_fake_clock"
+    (cd "$build" && ctest -j2 --output-on-failure -R '^golden/' -E '^golden/network') || status=1
+    not_here=Huge_pages.An_array_gets_them_with_all_pages_that_it_lies_in
+    not_here=$not_here:Text_files.Are_not_made_without_memory_for_their_text
+    slow=$(grep -v '^#' tests/unit/slow_tests | paste -s -d :)
+    $emulator -L "$sysroot" "$build/tests/unit_tests" --gtest_brief=1 \
+        --gtest_filter="-$not_here:$slow" || status=1
+done
+exit "$status"
