@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Takes    the ranked cliques; at each level the least overlap.
-// Leaves   the unvisited cliques adjacent to one clique after the other, each visited once a level.
+// Leaves   the unvisited cliques adjacent to one clique after the other, each visited once.
 // Order    adjacent cliques ascending.
-// Cost     a level: see Posting_lists; beside these two bits a clique and a byte a node.
+// Cost     per level: see Posting_lists; beside these two bits per clique and a byte per node.
 // Tested   Adjacent_cliques_test.cpp (against all pairs), the runs against the plain model.
 #include "Coms_funcs/Adjacent_cliques.h"
 
@@ -108,7 +108,7 @@ bool Adjacent_cliques::Prepare_query(Adjacent_clique const& from) {
     if (needed == 0) {
         return false;
     }
-    // Behind the rarest shared node, itself included, there are all shared ones.
+    // From the rarest shared node on, itself included, there are all shared ones.
     std::uint32_t sharable = 0;
     query_.n_lists = query_.nodes.size();
     while (query_.n_lists > 0 && sharable < min_shared_) {

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Takes    the ranked cliques; at each level the least overlap.
 // Leaves   candidates for adjacency: all cliques that are adjacent, and a few that are not.
-// Order    none: entries move as visited cliques go behind the others.
-// Cost     12 bytes a clique member, up to 8 more for slices, 36 bytes a node. A level: one entry a
-//          clique, then the lists of the rarest nodes of each clique that asks: a signature an
-//          entry, or a few bits where a list is long.
+// Order    none: entries move as visited cliques go to the end of their lists.
+// Cost     12 bytes per clique member, up to 8 more for slices, 36 bytes per node. Per level: one
+//          entry per clique, then the lists of the rarest nodes of each clique that asks: a
+//          signature per entry, or a few bits where a list is long.
 // Tested   Adjacent_cliques_test.cpp (against all pairs), Adjacent_cliques_room_test.cpp.
 #include "Coms_funcs/Posting_lists.h"
 
@@ -102,7 +102,7 @@ void Posting_lists::Scan_list(std::size_t n, Adjacency_query& query,
     Node const node = query.nodes[n];
     Node_state& state = states_[node];
     Bit_slices* slices = slices_.Find(node);
-    // Rarely enough that looking at each clique of the list does not weigh.
+    // Rarely enough that the cost of looking at each clique of the list does not count.
     if (state.n_unvisited <= state.unvisited_end / 4 * (slices != nullptr ? 2 : 3)) {
         Move_visited_back(state);
         slices = slices != nullptr ? Slice(node) : nullptr;
