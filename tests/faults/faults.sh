@@ -76,7 +76,7 @@ strip() {
     awk -v n="$1" 'BEGIN { for (i = 0; i < n; ++i) { print "n" i, "n" i + 1; print "n" i, "n" i + 2 } }'
 }
 # Runs the strip up to its clique search, does what is asked, and lets the run go on. A pipe and the
-# buffers behind it hold less than 2,000 reports.
+# buffers after it hold less than 2,000 reports.
 in_mid_run() {
     strip 8000 >strip.txt
     { status=0; $as_user ./plexor -i strip.txt -o out 2>errors.txt || status=$?

@@ -519,7 +519,7 @@ TEST(Intensity_coms_from_k_cliques, Stays_exact_when_the_sets_of_one_node_take_m
     Outcome const outcome = Communities_of(k_cliques, links, intensity);
     ASSERT_EQ(outcome.nodes.size(), expected.size());
     EXPECT_GT(expected.size(), 100U);
-    std::string reports; // one a k-clique, however many rounds
+    std::string reports; // one per k-clique, however many rounds
     for (std::size_t i = 0; i < k_cliques.size(); ++i) {
         reports += Progress(4, intensity, i, k_cliques.size());
     }
