@@ -385,6 +385,58 @@ case_two_runs_at_once() {
     done
 }
 
+# Both want the same name, and a file has it. One run's step between seeing the file and moving it
+# aside can be long, so that it moves the other's directory instead. Whatever happens, the file is
+# there as it was, and results are whole and unmixed wherever a run says that it came to its end.
+case_two_runs_at_once_past_a_file() {
+    printf 'cat dog\ndog eel\neel cat\neel fox\n' >other.txt
+    ./plexor -i net.txt -o whole_1 >/dev/null
+    ./plexor -i other.txt -o whole_2 >/dev/null
+    for turn in $(seq 100); do
+        rm -rf here
+        mkdir here
+        echo mine >here/out
+        ./plexor -i net.txt -o here/out >1.txt 2>errors.txt &
+        ./plexor -i other.txt -o here/out >2.txt 2>>errors.txt
+        wait $!
+        echo 0 >status.txt
+        ended_well
+        [ "$(cat here/out1)" = mine ] || fail "turn $turn: the file is not where it was moved to"
+        n_whole=0
+        for number in 1 2; do
+            mv $number.txt out.txt
+            if grep -q '^ERROR' out.txt; then continue; fi
+            ran_to_its_end
+            says_nothing_of WARNING
+            n_whole=$((n_whole + 1))
+            diff -r whole_$number here/out >/dev/null || diff -r whole_$number here/out2 ||
+                fail "turn $turn: a run's results are not what they should be"
+        done
+        [ $n_whole -ge 1 ] || fail "turn $turn: neither run has written its results"
+    done
+}
+
+# A new directory that its owner may not list cannot be seen to be empty: nothing goes into it. One
+# that is there and can be listed serves.
+case_umask_without_owner_read() {
+    without_privileges
+    mkdir empty
+    [ -z "$as_user" ] || chown 65534:65534 empty
+    limits="umask 0444"
+    run -i net.txt -o out
+    says "ERROR: List_dir() -> scandir() called on out and"
+    says "Permission denied."
+    chmod u+r out
+    [ -z "$(ls -A out)" ] || fail "files in a directory that was not looked at: $(ls -A out)"
+    run -i net.txt -o empty
+    ran_to_its_end
+    says_nothing_of WARNING
+    limits=:
+    chmod -R u+rwX empty
+    run -i net.txt -o whole
+    diff -r whole empty || fail "other results"
+}
+
 case_killed_run_and_another() {
     strip 8000 >strip.txt
     mkfifo reports
