@@ -107,6 +107,29 @@ def test_jobs_by_dask_give_the_same_bytes(tmp_path: Path) -> None:
     assert contents(tmp_path / "one") == contents(tmp_path / "many")
 
 
+def test_the_recipe_for_snakemake_gives_the_same_bytes(tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> None:
+    if shutil.which("snakemake") is None:
+        pytest.skip("Snakemake is not there")
+    # The recipe as the page has it, with plexor-tool as it is found here.
+    page = (networks.ROOT / "docs" / "many-machines.md").read_text().split("## Snakemake\n")[1].split("\n## ")[0]
+    recipe = "".join(line[4:] + "\n" if line.startswith("    ") else "\n" for line in page.split("\n"))
+    assert recipe.count("plexor-tool sweep net.txt -w 0.1:0.9:0.1 -o sweep") == 2
+    tool = tmp_path / "plexor-tool"
+    tool.write_text("#!/bin/sh\nexec " + shlex.join(TOOL) + ' "$@"\n')
+    tool.chmod(0o755)
+    (tmp_path / "Snakefile").write_text(recipe)
+    lines = FACULTY.read_text().split("\n")
+    weighted = [f"{a} {b} {int(w) / 16}" for a, b, w in (line.split() for line in lines if line and line[0] != "#")]
+    (tmp_path / "net.txt").write_text("\n".join(weighted) + "\n")
+    environment = dict(os.environ, PATH=f"{tmp_path}:{os.environ['PATH']}", HOME=str(tmp_path))
+    # Debian's Snakemake runs on Debian's Python, whatever other one is first in the path.
+    subprocess.run(["/usr/bin/python3", shutil.which("snakemake") or "", "--cores", "2", "--quiet"],
+                   cwd=tmp_path, env=environment, check=True, capture_output=True, text=True)
+    monkeypatch.chdir(tmp_path)
+    sweep("net.txt", tmp_path / "one", lower=grid("0.1:0.9:0.1"))
+    assert contents(tmp_path / "one") == contents(tmp_path / "sweep")
+
+
 def test_killed_ten_times_and_resumed(tmp_path: Path) -> None:
     thresholds = "0.5:14:0.5"
     sweep(FACULTY, tmp_path / "whole", lower=grid(thresholds))
