@@ -247,6 +247,8 @@ class Sandbox:
         if self.nobody:
             subprocess.run(["chown", "-R", str(NOBODY), self.tmp, folder], check=True)
         environment = dict(os.environ, TMPDIR=self.tmp, HOME=self.tmp, LC_ALL="C")
+        # Whatever keeps compiled files for the builder may not be the tests' to write to.
+        environment.pop("CMAKE_CXX_COMPILER_LAUNCHER", None)
         # The process group is ended as a whole: tests start programs of their own.
         process = subprocess.Popen(
             (self.prefix + [folder] if self.prefix else []) + command,
