@@ -55,9 +55,14 @@ quick)
     step test run_preset test
     ;;
 long)
-    # Ten times the random cases of the unit tests, and the networks of PLEXOR_DATA, if there are any.
     export PLEXOR_TEST_ROUNDS=10
+    if [ -n "${PLEXOR_DATA:-}" ]; then
+        cmake --preset test -D PLEXOR_DATA="$PLEXOR_DATA" >/dev/null
+    fi
     step test run_preset test
+    if [ -n "${PLEXOR_DATA:-}" ]; then
+        step "pages of larger networks" tests/page/run.sh
+    fi
     step portable run_preset portable
     step checked run_preset checked
     if grep -q '"tsan"' CMakePresets.json; then
