@@ -3,8 +3,9 @@
 # What the program does when the machine lets it down: files that cannot be read or written, a full
 # disk, a reader or a terminal that goes away, too little memory. Every run must end with status 0
 # and a line that says what is wrong, and must leave other people's files alone.
-#   faults.sh CASE PROGRAM LOST_TERMINAL SIZE_48      status 77: not on this machine
-# SIZE_48 is a library that makes every directory look as if it had 48 bytes.
+#   faults.sh CASE PROGRAM LOST_TERMINAL SIZE_48 GONE_BETWEEN    status 77: not on this machine
+# SIZE_48 is a library that makes every directory look as if it had 48 bytes, GONE_BETWEEN one that
+# puts a link to "full" in the place of the directory "out" between two looks at it.
 #
 # Nothing here depends on time. Where something has to happen in the middle of a run, the program is
 # held there: its reports are longer than a pipe, and nobody reads on until it has happened.
@@ -13,6 +14,7 @@ case=$1
 program=$2
 lost_terminal=$3
 size_48=$4
+gone_between=$5
 
 work=$(mktemp -d "${TMPDIR:-/tmp}/plexor_faults_XXXXXX")
 mounted=""
@@ -356,6 +358,18 @@ case_directory_that_counts_as_empty() {
     says " WARNING: could not write 'other/input_params.txt'."
     ran_to_its_end
     [ "$(cat other/input_params.txt)" = foreign ] || fail "somebody else's file was changed"
+}
+
+# A path that has gone is no empty directory: what comes in its place is looked at.
+case_directory_replaced_between_two_looks() {
+    (LD_PRELOAD=$gone_between ./plexor -h >/dev/null 2>&1) || skip "no preloading in this build"
+    as_user="env LD_PRELOAD=$gone_between"
+    mkdir full
+    echo mine >full/letter
+    run -i net.txt -o out
+    [ -L out ] || fail "the directory was not replaced"
+    says "$refusal"
+    [ "$(ls -A full)" = letter ] || fail "new files beside somebody else's: $(ls -A full)"
 }
 
 case_two_runs_at_once() {
