@@ -41,6 +41,14 @@ def test_the_rows_of_the_guide(tmp_path: Path) -> None:
     assert [(r.k, r.largest, r.second, r.shared, r.covered) for r in without.rows] == [(3, 516, 16, 20, 754 - 146), (6, 198, 12, 10, 754 - 495)]
 
 
+@pytest.mark.skipif("PLEXOR_DATA" not in os.environ, reason="larger networks are not shipped")
+def test_a_suggestion_for_proteins_with_weights(tmp_path: Path) -> None:
+    result = sweep(Path(os.environ["PLEXOR_DATA"]) / "collins2007.txt", tmp_path / "s", lower=grid("0.7:0.9:0.05"), ks=[4])
+    assert [(row.largest, row.second) for row in result.rows] == [(159, 64), (154, 62), (148, 59), (141, 58), (52, 34)]
+    assert [(s.k, s.lower) for s in result.suggestions] == [(4, "0.90")]
+    assert "the giant (largest 141, second 58 at 0.85) has fallen apart" in result.suggestions[0].reason
+
+
 def test_the_table_by_hand(tmp_path: Path) -> None:
     # Two cliques of four that share one node, and a triangle: at k=3 sizes 4, 4, 3; at k=4 sizes 4, 4.
     text = networks.clique_of(list("abcd")) + networks.clique_of(list("defg")) + networks.clique_of(list("xyz"))
