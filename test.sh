@@ -1,9 +1,11 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# Builds Plexor and runs every test, installing what that needs.
+# Builds Plexor and runs its tests, installing what that needs.
 #   ./test.sh          the release code by GCC and by Clang, the Python package, plexor-tool,
 #                      the pages in a browser, the sanitizers
 #   ./test.sh quick    the release code by GCC only
+#   ./test.sh long     what takes hours: more random cases, other presets, larger networks, a soak
+# How long they take is in docs/testing.md.
 set -eu
 cd "$(dirname "$0")"
 . cmake/Need.sh
@@ -17,34 +19,67 @@ say_still() {
     done
 }
 
-run_preset() {
-    echo "== $1"
-    cmake --preset "$1" >/dev/null
-    say_still "$1" &
+# step WHAT COMMAND...: runs the command, saying what it is and, at the end, how long it took.
+step() {
+    what=$1
+    shift
+    echo "== $what"
+    begin=$(date +%s)
+    say_still "$what" &
     still=$!
     trap 'kill "$still" 2>/dev/null || true' EXIT
+    "$@"
+    kill "$still" 2>/dev/null || true
+    echo "== $what: $(($(date +%s) - begin)) s"
+}
+
+run_preset() {
+    cmake --preset "$1" >/dev/null
     cmake --build --preset "$1"
     ctest --preset "$1"
-    kill "$still" 2>/dev/null || true
 }
 
-run_preset test
-if [ "${1:-}" = quick ]; then
-    exit 0
-fi
-run_script() {
-    echo "== $1"
-    say_still "$1" &
-    still=$!
-    trap 'kill "$still" 2>/dev/null || true' EXIT
-    "$1"
-    kill "$still" 2>/dev/null || true
-}
-
-run_script tests/python/run.sh
-run_script tests/tool/run.sh
-run_script tests/page/run.sh
-need clang++ clang clang-format clang-format
-find src python/src tests bench -name '*.cpp' -o -name '*.h' | xargs clang-format --dry-run --Werror
-run_preset test-clang
-run_preset asan-ubsan
+case "${1:-}" in
+"")
+    step test run_preset test
+    step tests/python/run.sh tests/python/run.sh
+    step tests/tool/run.sh tests/tool/run.sh
+    step tests/page/run.sh tests/page/run.sh
+    need clang++ clang clang-format clang-format
+    find src python/src tests bench -name '*.cpp' -o -name '*.h' |
+        xargs clang-format --dry-run --Werror
+    step test-clang run_preset test-clang
+    step asan-ubsan run_preset asan-ubsan
+    ;;
+quick)
+    step test run_preset test
+    ;;
+long)
+    export PLEXOR_TEST_ROUNDS=10
+    if [ -n "${PLEXOR_DATA:-}" ]; then
+        cmake --preset test -D PLEXOR_DATA="$PLEXOR_DATA" >/dev/null
+    fi
+    step test run_preset test
+    if [ -n "${PLEXOR_DATA:-}" ]; then
+        step "pages of larger networks" tests/page/run.sh
+    fi
+    step portable run_preset portable
+    step checked run_preset checked
+    if grep -q '"tsan"' CMakePresets.json; then
+        step tsan run_preset tsan
+    fi
+    step "100,000 runs beside the plain model" build/test/tests/model/differential \
+        --program build/test/plexor \
+        --fake-clock-program build/test/tests/model/plexor_fake_clock \
+        --cases 100000 --seed 1000000 --keep build/test/kept
+    step "300 large runs beside the plain model" build/test/tests/model/differential \
+        --program build/test/plexor \
+        --fake-clock-program build/test/tests/model/plexor_fake_clock \
+        --large-cases 300 --seed 1 --keep build/test/kept
+    step "an hour of new random cases" tests/soak.sh 60
+    ;;
+*)
+    sed -n 's/^#   //p' "$0" >&2
+    exit 2
+    ;;
+esac

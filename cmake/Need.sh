@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 # Installs what is missing. To be sourced; needs root or sudo only when something is missing.
 #   need COMMAND-OR-FILE PACKAGE [COMMAND-OR-FILE PACKAGE ...]
+# And lets builds and tests use all processors, unless the environment says how many.
 
 need() {
     missing=""
@@ -28,3 +29,7 @@ need() {
         $as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends $missing
     fi
 }
+
+processors=$(nproc 2>/dev/null || echo 1)
+: "${CMAKE_BUILD_PARALLEL_LEVEL:=$processors}" "${CTEST_PARALLEL_LEVEL:=$processors}"
+export CMAKE_BUILD_PARALLEL_LEVEL CTEST_PARALLEL_LEVEL

@@ -22,7 +22,7 @@ Ints = npt.NDArray[np.int64]
 Nodes = npt.NDArray[np.uint32]
 
 _BLANK, _NEWLINE, _MINUS = 0x20, 0x0A, 0x2D
-# Room before and behind the text, so that eight bytes can be read from any place of it.
+# Room before and after the text, so that eight bytes can be read from any place of it.
 _MARGIN = 16
 # Bytes worked on at once: the arrays made from them stay in the cache, or near it.
 _BLOCK = 1 << 20
@@ -110,7 +110,7 @@ class Tokens:
         if len(starts) > 0:
             self.first[0] = True
             self.first[1:] = is_newline[starts[1:] - 1]
-        #: Whether the line ends right behind it.
+        #: Whether the line ends right after it.
         self.last = is_newline[ends]
         self.starts: Ints = starts + begin
         self.ends: Ints = ends + begin

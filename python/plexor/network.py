@@ -31,7 +31,7 @@ class Network:
     links, of both directions and of weights is settled by each question asked of the network, in
     the same way as the program settles it for the lines of a file:
 
-    * a link of a node with itself is passed over;
+    * a link of a node with itself is ignored;
     * a link given twice is one, with the sum of both weights;
     * so are a link and its reverse, unless the question is a directed one.
 
@@ -134,7 +134,7 @@ class Network:
     @classmethod
     def read(cls, path: str | os.PathLike[str], *, weighted: bool = False) -> Network:
         """Reads a link file, plain or compressed by gzip, with the program's own reader: two names
-        a line and, when `weighted`, a weight behind them. Names are strings (bytes that are no
+        a line and, when `weighted`, a weight after them. Names are strings (bytes that are no
         UTF-8 stand as surrogates, as in os.fsdecode).
 
         Raises LinkFileNotFoundError (a FileNotFoundError) and LinkFileError (a ValueError), with

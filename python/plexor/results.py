@@ -80,7 +80,7 @@ class Parameters:
 
 
 class SetList(Sequence["npt.NDArray[np.uint32]"]):
-    """A list of sets of numbers, one behind the other in one array.
+    """A list of sets of numbers, one after the other in one array.
 
     `members` has all of them (uint32); set `i` is `members[offsets[i]:offsets[i + 1]]`, and
     `self[i]` a view of it. `offsets` (int64) has one entry more than there are sets. Node sets
@@ -737,7 +737,7 @@ def _whole_text(path: Path) -> Text:
 
 
 def _data_begin(text: Text, path: Path) -> int:
-    """Where the records begin: behind the empty line that ends the header."""
+    """Where the records begin: after the empty line that ends the header."""
     header = text.bytes[: 1 << 16].tobytes()
     thresholds = _THRESHOLDS.search(header)
     end = -1 if thresholds is None else header.find(b"\n\n", thresholds.start())

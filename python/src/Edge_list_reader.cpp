@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Reads tables with a link a line.
+// Reads tables with one link per line.
 //
 // Takes    the bytes of a file, without a zero byte, and how its lines are written.
 // Leaves   numbered names, links and weights; or the first line that does not fit.

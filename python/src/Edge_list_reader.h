@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Reads tables with a link a line, for plexor.formats: fields between white space or one character.
+// Reads tables with one link per line, for plexor.formats: fields between white space or a given
+// character.
 #ifndef PLEXOR_EDGE_LIST_READER_H
 #define PLEXOR_EDGE_LIST_READER_H
 

@@ -38,7 +38,7 @@ template <class T> struct Array {
     std::span<T const> View() const { return {data, size}; }
 };
 
-/// Lists one behind the other: list i is members[offsets[i]] to members[offsets[i + 1]].
+/// Lists one after the other: list i is members[offsets[i]] to members[offsets[i + 1]].
 struct Lists {
     Array<Number> members;
     Array<Integer> offsets;
@@ -199,7 +199,7 @@ File_links Read_links(std::string const& path, bool weighted);
 struct Run_request {
     Question question;
     std::string input;                 ///< the link file; with `links` only its name
-    std::optional<std::string> output; ///< as behind -o
+    std::optional<std::string> output; ///< as after -o
     std::optional<Number> k;
     unsigned digits = 6;
     int log = -1; ///< the descriptor that gets what the program prints; -1: nobody does

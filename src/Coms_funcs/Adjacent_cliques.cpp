@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Takes    the ranked cliques; at each level the least overlap.
-// Leaves   the unvisited cliques adjacent to one clique after the other, each visited once a level.
+// Leaves   the unvisited cliques adjacent to one clique after the other, each visited once.
 // Order    adjacent cliques ascending.
-// Cost     a level: see Posting_lists; beside these two bits a clique and a byte a node.
+// Cost     per level: see Posting_lists; beside these two bits per clique and a byte per node.
 // Tested   Adjacent_cliques_test.cpp (against all pairs), the runs against the plain model.
 #include "Coms_funcs/Adjacent_cliques.h"
 
@@ -20,6 +20,15 @@ namespace {
 constexpr std::uint32_t mask_bits = 64;
 constexpr std::uint8_t last_mark = 255;
 constexpr std::uint64_t nodes_a_line = 64 / sizeof(Node);
+
+// Nodes that the bits tell apart are different: a lower bound of the nodes that `in` lacks.
+inline std::uint64_t Missing(Wide_signature const& of, Wide_signature const& in) {
+    int missing = 0;
+    for (std::size_t w = 0; w < of.size(); ++w) {
+        missing += std::popcount(of[w] & ~in[w]);
+    }
+    return static_cast<std::uint64_t>(missing);
+}
 
 // Keeps those of the cliques that can share `min_shared` nodes with the one of this signature, and
 // fetches the nodes of these; returns how many are kept.
@@ -82,7 +91,6 @@ void Adjacent_cliques::Visit(Clique_number clique) {
 // Sets up what the clique asks. False when nothing is adjacent: no unvisited clique holds one of
 // its new nodes, or too few of its nodes are in unvisited cliques at all. This spares most scans.
 bool Adjacent_cliques::Prepare_query(Adjacent_clique const& from) {
-    query_.clique = from.clique;
     query_.nodes = cliques_[from.clique];
     query_.needed_nodes.clear();
     Signature needed = 0;
@@ -100,7 +108,7 @@ bool Adjacent_cliques::Prepare_query(Adjacent_clique const& from) {
     if (needed == 0) {
         return false;
     }
-    // Behind the rarest shared node, itself included, there are all shared ones.
+    // From the rarest shared node on, itself included, there are all shared ones.
     std::uint32_t sharable = 0;
     query_.n_lists = query_.nodes.size();
     while (query_.n_lists > 0 && sharable < min_shared_) {

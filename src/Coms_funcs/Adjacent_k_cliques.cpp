@@ -3,7 +3,7 @@
 // Leaves   the communities as sets of k-cliques.
 // Order    how k-cliques are found to be adjacent does not show.
 // Cost     the k sets of k-1 nodes in each k-clique are looked up once in a hash table, and a
-//          set is tested at most once. Memory: 4 bytes a k-clique and a table that is kept below
+//          set is tested at most once. Memory: 4 bytes per k-clique and a table that is kept below
 //          the size of the k-clique list.
 // Tested   Intensity_coms_test.cpp, the runs against the plain model.
 #include "Coms_funcs/Adjacent_k_cliques.h"
@@ -155,7 +155,7 @@ private:
                 return Same_nodes(nodes, part.left_out, k_cliques_[other.part.k_clique],
                                   other.part.left_out);
             });
-        // The test costs more than all before it. It would not tell anything new about k-cliques
+        // The test costs more than all before it. It would tell nothing new about k-cliques
         // that are in one community already.
         if (entry.part.k_clique == part.k_clique || entry.verdict == Verdict::failed ||
             communities_.Find(entry.part.k_clique) == communities_.Find(part.k_clique)) {

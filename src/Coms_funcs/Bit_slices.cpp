@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Takes    sets by the buckets of their nodes; queries.
 // Leaves   the sets that do not lack too many of the nodes asked for.
-// Cost     a bit a bucket and set. A scan: a row of bits for every 512 sets and node looked at;
+// Cost     a bit per bucket and set. A scan: a row of bits for every 512 sets and node looked at;
 //          these are few where most sets lack more than allowed of the first nodes already.
 // Tested   Bit_slices_test.cpp (against counting).
 #include "Coms_funcs/Bit_slices.h"
@@ -33,9 +33,9 @@ using Wide = std::uint64_t __attribute__((vector_size(sizeof(Bits))));
     return any == 0;
 }
 
-// For each set of a block the number of nodes that it lacks, in binary digits, one row a digit, so
-// that one operation counts for all sets. The counters begin so high that they overflow when a set
-// lacks one node too many; that rules it out for this scan.
+// For each set of a block the number of nodes that it lacks, in binary digits, one row per digit,
+// so that one operation counts for all sets. The counters begin so high that they overflow when a
+// set lacks one node too many; that rules it out for this scan.
 template <unsigned digits>
 [[gnu::always_inline]] inline void Rule_out_missing(Bits const* rows, std::size_t row_length,
                                                     Slice_query const& query, Wide& open) {

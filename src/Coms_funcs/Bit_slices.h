@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Bit_slices: a long list of node sets as a bit-sliced signature file, which is the list
 // transposed: a bit row per bucket of nodes, a column per set, that says whether the set has a node
-// of the bucket. A scan for sets that lack few of some nodes deals with a block of 512 sets in one
-// stroke, and after a handful of rows it mostly knows that none of them is what it looks for.
+// of the bucket. A scan for sets that lack few of some nodes deals with a block of 512 sets at
+// once, and after a handful of rows it mostly knows that none of them is what it looks for.
 #ifndef PLEXOR_BIT_SLICES_H
 #define PLEXOR_BIT_SLICES_H
 
@@ -58,7 +58,7 @@ private:
 
     std::size_t n_blocks_ = 0;
     std::size_t n_buckets_ = 0;
-    /// Row by row: what a scan reads of a row lies side by side. Behind the rows of the buckets
+    /// Row by row: what a scan reads of a row lies side by side. After the rows of the buckets
     /// there is one that says which sets can be found.
     std::vector<Bits> bits_;
 };

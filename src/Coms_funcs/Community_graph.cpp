@@ -6,7 +6,7 @@
 //          exact and of the approximated ones.
 // Order    rows by their community, in a row by the later community.
 // Cost     time: for each node the pairs of its communities, and the sorting of each row; memory: 8
-//          bytes a member, 16 a node, a few dozen a community, nothing a pair.
+//          bytes per member, 16 per node, a few dozen per community, nothing per pair.
 // Tested   Community_graph_test.cpp, the runs against the plain model.
 #include "Coms_funcs/Community_graph.h"
 
@@ -120,7 +120,7 @@ void Community_graph::Fill_row(std::uint32_t community) {
         std::uint64_t const end = offsets_[node + 1];
         for (std::uint64_t at = offsets_[node] + ++passed_[node]; at < end; ++at) {
             std::uint32_t const other = members_[at];
-            // Written each time and kept the first time: which of the two no branch could foresee.
+            // Written each time and kept the first time: no branch predictor could tell which.
             touched_[n_touched] = other;
             n_touched += static_cast<std::size_t>(shared_[other]++ == 0);
         }

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Takes    the communities of one k after the other, as cliques in the order in which they joined.
 // Leaves   for each its nodes and its links, ascending.
-// Cost     a level: what its new cliques bring, plus what is in communities that change; memory: 4
-//          bytes for each node and link of the communities of two cliques or more, once more for a
-//          level whose result is kept.
+// Cost     per level: what its new cliques bring, plus what is in communities that change; memory:
+//          4 bytes for each node and link of the communities of two cliques or more, once more for
+//          a level whose result is kept.
 // Tested   Community_sets_test.cpp, the runs against the plain model.
 #include "Coms_funcs/Community_sets.h"
 

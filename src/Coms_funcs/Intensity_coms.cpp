@@ -5,7 +5,7 @@
 // Leaves   the communities: their nodes, and what their links are made from when asked for.
 // Order    communities by their first k-clique, which is the smallest member of a disjoint set.
 //          Within a community everything goes by the numbers of the k-cliques.
-// Cost     see Adjacent_k_cliques; then 4 bytes a k-clique and the communities.
+// Cost     see Adjacent_k_cliques; then 4 bytes per k-clique and the communities.
 // Tested   Intensity_coms_test.cpp, the runs against the plain model.
 #include "Coms_funcs/Intensity_coms.h"
 

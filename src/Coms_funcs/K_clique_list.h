@@ -11,7 +11,7 @@
 
 namespace cpm {
 
-/// Sets of k nodes, one behind the other in one array; a set's number is its position.
+/// Sets of k nodes, one after the other in one array; a set's number is its position.
 class K_clique_list {
 public:
     K_clique_list() = default;

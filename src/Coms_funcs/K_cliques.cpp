@@ -8,8 +8,8 @@
 //          clique's smallest weight for all links to come already are. Equal weights make ties, so
 //          every sum is added up in one fixed order, and what a tie does in one clique it need not
 //          do in another with a smaller least weight: a set inside two cliques is tried in both.
-// Cost     one step a set of at most k nodes that is walked: those that can still pass, as far as
-//          the largest weights of the clique tell. One look-up a link of each clique.
+// Cost     one step per set of at most k nodes that is walked: those that can still pass, as far
+//          as the largest weights of the clique tell. One look-up per link of each clique.
 //          Memory: twice the k-cliques at most, 4 k bytes each; half a matrix of one clique.
 // Tested   K_cliques_test.cpp, the runs against the plain model.
 #include "Coms_funcs/K_cliques.h"
@@ -87,8 +87,8 @@ void K_set_search::Find(Node_set clique, Sub_links const& sub_links, double min_
 //            whatever order it is added up. The sum so far, the most to come, and the sum or the
 //            bound of a complete set are such sums; the slack is twice all their errors, and 0
 //            when all logarithms are 0 and every sum is exact. Where a logarithm is infinite or
-//            not a number the most to come is infinite: given up are only sums of -inf or not a
-//            number, which stay what they are.
+//            not a number the most to come is infinite: only sums of -inf or not a
+//            number are given up, and these stay what they are.
 // Buys:      large cliques of small weights. Nothing passes, but without it every set is tried.
 void K_set_search::Limit_from_above() {
     constexpr double infinity = std::numeric_limits<double>::infinity();
@@ -119,7 +119,7 @@ void K_set_search::Limit_from_above() {
 }
 
 // All k-cliques whose first node stands at `first`, by growing sets node by node, depth first. Sets
-// that too few nodes follow to reach k are left out: nothing comes of them.
+// followed by too few nodes to reach k are left out: nothing can come of them.
 void K_set_search::Get_k_cls_iter(std::size_t first) {
     Put(0, first);
     sums_[0] = 0;

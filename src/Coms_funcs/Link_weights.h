@@ -51,7 +51,7 @@ private:
 };
 
 /// The smallest of the logarithms, of which there is one at least: the first unless another one is
-/// strictly smaller. So one that is not a number stays when it is the first, and is passed over
+/// strictly smaller. So one that is not a number stays when it is the first, and is ignored
 /// elsewhere.
 double Smallest_log(std::span<double const> logs);
 

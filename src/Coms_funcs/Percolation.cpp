@@ -2,7 +2,7 @@
 // Takes    the clique list; then one k after the other, best from large to small.
 // Leaves   the communities at k with their nodes, links and cliques.
 // Order    everything: see Coms_from_appr_ovlp_matr() and Grow_community().
-// Cost     a level: each clique of the level visited and followed once, see Adjacent_cliques.
+// Cost     per level: each clique of the level visited and followed once, see Adjacent_cliques.
 // Tested   Percolation_test.cpp (against a stored matrix), the runs against the plain model.
 #include "Coms_funcs/Percolation.h"
 

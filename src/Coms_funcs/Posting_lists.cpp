@@ -1,15 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Takes    the ranked cliques; at each level the least overlap.
 // Leaves   candidates for adjacency: all cliques that are adjacent, and a few that are not.
-// Order    none: entries move as visited cliques go behind the others.
-// Cost     12 bytes a clique member (4 in very long lists), up to 8 more for slices, 36 bytes a
-// node. A level: one entry a
-//          clique, then the lists of the rarest nodes of each clique that asks: a signature an
-//          entry, or a few bits where a list is long.
+// Order    none: entries move as visited cliques go to the end of their lists.
+// Cost     12 bytes per clique member (4 in very long lists), up to 8 more for slices, 36 bytes per
+//          node. Per level: one entry per clique, then the lists of the rarest nodes of each clique
+//          that asks: a signature per entry, or a few bits where a list is long.
 // Tested   Adjacent_cliques_test.cpp (against all pairs), Adjacent_cliques_room_test.cpp.
 #include "Coms_funcs/Posting_lists.h"
-
-#include "support/Cpu_dispatch.h"
 
 #include <algorithm>
 #include <bit>
@@ -125,7 +122,7 @@ void Posting_lists::Scan_list(std::size_t n, Adjacency_query& query,
     Node const node = query.nodes[n];
     Node_state& state = states_[node];
     Bit_slices* slices = slices_.Find(node);
-    // Rarely enough that looking at each clique of the list does not weigh.
+    // Rarely enough that the cost of looking at each clique of the list does not count.
     if (state.n_unvisited <= state.unvisited_end / 4 * (slices != nullptr ? 2 : 3)) {
         Move_visited_back(state);
         slices = slices != nullptr ? Slice(node) : nullptr;
@@ -165,13 +162,12 @@ void Posting_lists::Scan_signatures(std::size_t n, Adjacency_query const& query,
     }
 }
 
-PLEXOR_COUNTS_BITS
 void Posting_lists::Scan_headers(std::size_t n, Adjacency_query const& query,
                                  std::vector<Candidate>& candidates) {
     constexpr std::uint32_t ahead = 16;
     Node_state& state = states_[query.nodes[n]];
     Clique_number const* const listed = listed_.data() + state.begin;
-    Wide_signature const asker = cliques_.Headers()[query.clique].signature;
+    Clique_header const* const headers = cliques_.Headers();
     Wide_signature const needed = Wide_signature_of(query.needed_nodes);
     // From the back, as moving an entry back puts the last one into its place.
     for (std::uint32_t place = state.unvisited_end; place > 0; --place) {
@@ -181,10 +177,7 @@ void Posting_lists::Scan_headers(std::size_t n, Adjacency_query const& query,
         Clique_number const clique = listed[place - 1];
         if (visited_[clique]) {
             Move_back(state, place - 1);
-        } else if (Clique_header const* const header = cliques_.Headers() + clique;
-                   Meet(header->signature, needed) &&
-                   Missing(header->signature, asker) + min_shared_ <=
-                       header[1].begin - header->begin) {
+        } else if (Meet(headers[clique].signature, needed)) {
             candidates.push_back({clique, static_cast<std::uint32_t>(n)});
         }
     }

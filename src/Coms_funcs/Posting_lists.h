@@ -2,7 +2,7 @@
 // Posting_lists: for each node the cliques that hold it among their rarest nodes, as far as a level
 // needs them. This is prefix filtering, as in set similarity joins: two cliques A and B that share
 // t nodes or more share one among the first |A|-t+1 of A and the first |B|-t+1 of B, since their
-// rarest shared node has t-1 others behind it in both. So hubs drop out of the work. Going to a
+// rarest shared node has t-1 others after it in both. So hubs drop out of the work. Going to a
 // smaller t each clique's prefix grows by the next node: lists only grow from level to level.
 //
 // A list is scanned signature by signature (see Signatures.h) or, when it is long and scanned
@@ -23,7 +23,6 @@ namespace cpm {
 
 /// What one clique asks of the lists of its nodes.
 struct Adjacency_query {
-    Clique_number clique = 0;
     std::span<Node const> nodes;    ///< its own, rarest first
     std::size_t n_lists = 0;        ///< an adjacent clique is in the list of one of so many
     std::vector<Node> needed_nodes; ///< an adjacent clique has one of these
@@ -70,8 +69,8 @@ public:
     }
 
 private:
-    // What is known of a node at this level, in one place: where the next count is, the one before
-    // has brought its cache line.
+    // What is known of a node at this level, in one place: the cache line of the next count
+    // has come with the one before.
     //
     // Invariant: of a list the entries from unvisited_end to list_size are visited; among those
     //            before n_unvisited are not.

@@ -3,9 +3,9 @@
 // cliques.
 //
 // A time-limited search leaves the rows of the exact cliques it has found. When approximated
-// cliques are merged in, exact cliques that lie inside one of them are dropped, and those behind
-// move up; the rows stay as they were. Extend_ovlp_matr() then writes the overlaps with
-// approximated cliques over and behind them. So an entry of two exact cliques is that of the
+// cliques are merged in, exact cliques that lie inside one of them are dropped, and those after
+// them move up; the rows stay as they were. Extend_ovlp_matr() then writes the overlaps with
+// approximated cliques over and after them. So an entry of two exact cliques is that of the
 // cliques that once stood at these two positions, and so is one of an approximated clique that now
 // shares nothing. Deliberate: communities are found from the rows as they are. Pinned by
 // Premerge_overlaps_test.cpp and the time-limited directed runs against the plain model.
@@ -34,7 +34,7 @@ public:
                       Node n_nodes);
 
     /// Leaves in `row` the entries of the clique's row that are `min_shared` or more, ascending by
-    /// clique. Entries of positions behind the last clique are passed over.
+    /// clique. Entries of positions after the last clique are ignored.
     void Row(Clique_number clique, std::uint32_t min_shared, std::vector<Clique_overlap>& row);
 
 private:

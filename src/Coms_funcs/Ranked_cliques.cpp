@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Takes    the clique list.
 // Leaves   it ranked: the order of a clique's nodes is by how many cliques hold them, then by node.
-// Cost     4 bytes a clique member and 36 bytes a clique; a sort of each clique's nodes.
+// Cost     4 bytes per clique member and 36 bytes per clique; a sort of each clique's nodes.
 // Tested   Adjacent_cliques_test.cpp.
 #include "Coms_funcs/Ranked_cliques.h"
 

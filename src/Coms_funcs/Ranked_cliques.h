@@ -9,7 +9,6 @@
 #include "support/Grouping.h"
 
 #include <array>
-#include <bit>
 #include <cstdint>
 #include <span>
 
@@ -29,15 +28,6 @@ inline constexpr std::uint64_t all_new = ~std::uint64_t{0};
 using Wide_signature = std::array<std::uint64_t, 3>;
 
 Wide_signature Wide_signature_of(std::span<Node const> nodes);
-
-/// A lower bound of how many nodes of one set the other lacks: nodes whose bits differ, differ.
-inline std::uint64_t Missing(Wide_signature const& of, Wide_signature const& in) {
-    int missing = 0;
-    for (std::size_t w = 0; w < of.size(); ++w) {
-        missing += std::popcount(of[w] & ~in[w]);
-    }
-    return static_cast<std::uint64_t>(missing);
-}
 
 /// Whether the two sets may have a node in common.
 inline bool Meet(Wide_signature const& a, Wide_signature const& b) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Takes    a list's signatures and what one clique asks of them.
 // Leaves   the places worth a second look.
-// Cost     a signature: about a nanosecond one by one; with AVX-512 what it takes to load it.
+// Cost     per signature: about a nanosecond one by one; with AVX-512 what it takes to load it.
 // Tested   Signatures_test.cpp (each scan against the definition).
 #include "Coms_funcs/Signatures.h"
 
@@ -45,7 +45,7 @@ inline bool Is_promising(Signature signature, Signature_query const& query) {
     return unknown | ((missing + query.min_shared <= size) & ((signature & query.needed) != 0));
 }
 
-// Without a branch a signature: which ones are promising cannot be foretold.
+// Without a branch per signature: which ones are promising cannot be predicted.
 PLEXOR_COUNTS_BITS
 std::size_t Scan_portable(Signature const* signatures, std::size_t count,
                           Signature_query const& query, std::uint32_t* places) {

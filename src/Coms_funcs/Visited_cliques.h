@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Visited_cliques: which cliques a level has visited, a bit each. Cliques too small for the level
-// count as visited: one question less in the walks over lists.
+// Visited_cliques: which cliques a level has visited, one bit each. Cliques too small for the level
+// count as visited: one test less in the walks over lists.
 #ifndef PLEXOR_VISITED_CLIQUES_H
 #define PLEXOR_VISITED_CLIQUES_H
 
@@ -48,7 +48,7 @@ public:
 
 private:
     std::size_t n_cliques_;
-    Flat_array<std::uint64_t> inactive_; ///< set behind the last clique
+    Flat_array<std::uint64_t> inactive_; ///< set after the last clique
     Flat_array<std::uint64_t> visited_;  ///< likewise
 };
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Console: standard output through one buffer. What a step says before it begins is passed on at
-// once: nobody knows how long it will take. Long searches write a report a node; of a flood of
-// these only a few each tenth of a second are, so that a million reports cost nothing.
+// once: nobody knows how long it will take. Long searches write one report per node; of a
+// flood of these only a few each tenth of a second are, so that a million reports cost nothing.
 #ifndef PLEXOR_CONSOLE_H
 #define PLEXOR_CONSOLE_H
 

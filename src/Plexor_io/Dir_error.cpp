@@ -8,7 +8,7 @@
 namespace cpm {
 
 std::string Dir_error(int error_number) {
-    // Blanks and all, these are the sentences that users of the program know.
+    // These are the sentences that users of the program know, blanks included.
     switch (error_number) {
     case EPERM:
         return "The filesyst. does not  support  the removal of directories.";

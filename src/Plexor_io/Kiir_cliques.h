@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Writes the clique lists: the file "cliques" or "directed_cliques" of a run, and the k-cliques of
-// one k. One line a clique: its number, ": ", and each name with a blank behind it, the last one
+// one k. One line per clique: its number, ": ", and each name with a blank after it, the last one
 // too.
 #ifndef PLEXOR_KIIR_CLIQUES_H
 #define PLEXOR_KIIR_CLIQUES_H

@@ -23,7 +23,7 @@ void Kiir_coms_PX(Communities const& coms, Name_labels const& labels, Level_file
 void Kiir_coms_cliques_PX(Communities const& coms, std::size_t n_exact_cliques,
                           Level_files const& files);
 
-/// The links inside each community, one a line.
+/// The links inside each community, one per line.
 void Kiir_com_links_PX(Communities const& coms, Link_writer& lines, Level_files const& files);
 
 } // namespace cpm

@@ -10,7 +10,7 @@
 
 namespace cpm {
 
-/// One line a link, in the order of the link map, with the weight when `weighted`. A link and its
+/// One line per link, in the order of the link map, with the weight when `weighted`. A link and its
 /// reverse are two lines whatever the run.
 void Kiir_graph(Link_map const& links, bool directed, bool weighted, Run_files& files);
 

@@ -32,13 +32,13 @@ private:
     void Put_line(Node first, Node second, Text_sink& text) const {
         labels_.Put(first, text);
         labels_.Put(second, text);
-        text.Replace_last('\n'); // the blank behind the name
+        text.Replace_last('\n'); // the blank after the name
     }
 
     Edge_numbering const& edges_;
     Name_labels const& labels_;
     Flat_array<Node> firsts_;            ///< by number: the smaller index; made when first needed
-    Flat_array<std::uint64_t> reversed_; ///< a bit a number: the larger index comes first; empty if
+    Flat_array<std::uint64_t> reversed_; ///< a bit per number: the larger index first; empty if
                                          ///< it never does
     std::vector<Link_number> row_;
 };

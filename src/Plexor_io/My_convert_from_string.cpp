@@ -15,7 +15,7 @@ namespace cpm {
 namespace {
 
 // Adding 0.5 and cutting off would be wrong: the sum itself is rounded, and 0.49999999999999994
-// would give 1. The part behind the decimal point, however, is always exact.
+// would give 1. The part after the decimal point, however, is always exact.
 double Nearest_whole(double number) {
     double const truncated = std::trunc(number);
     double const rest = number - truncated;

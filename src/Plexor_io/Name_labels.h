@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Name_labels: node names as the result files want them, each with a blank behind it. Names are
+// Name_labels: node names as the result files want them, each with a blank after it. Names are
 // looked up at random and by the hundred million: most of them fit into 16 bytes together with
 // their length, so that one look-up is one cache line and one copy.
 #ifndef PLEXOR_NAME_LABELS_H
@@ -17,7 +17,7 @@ class Name_labels {
 public:
     explicit Name_labels(Names_map names);
 
-    /// The name of the node and a blank behind it.
+    /// The name of the node and a blank after it.
     void Put(Node node, Text_sink& text) const {
         Label const& label = labels_[node];
         if (label.size != too_long) {
@@ -26,7 +26,7 @@ public:
             text.Put(Long_name(label));
         }
     }
-    /// So for each of the nodes, in this order.
+    /// The same for each of the nodes, in this order.
     void Put(Node_set nodes, Text_sink& text) const {
         for (Node const node : nodes) {
             Put(node, text);

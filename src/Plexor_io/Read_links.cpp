@@ -4,8 +4,8 @@
 // Takes    a file of lines "source target [weight] ...".
 // Leaves   the different names in byte order, and the links in the order of their names.
 // Order    links by (source name, target name); of equal links the weights add up in file order.
-// Cost     time and memory proportional to the file; about 16 bytes a line at the peak, 32 with
-//          weights, and 30 a name.
+// Cost     time and memory proportional to the file; about 16 bytes per line at the peak, 32 with
+//          weights, and 30 per name.
 // Tested   Read_links_test.cpp, the link reader's fuzzer, the runs against the plain model.
 #include "Plexor_io/Read_links.h"
 

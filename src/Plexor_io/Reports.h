@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What long searches tell the person who waits for them. Each report goes to the sink whole; the
-// caller passes it on. One is made a node, so they are cheap.
+// caller passes it on. One is made per node, so they are cheap.
 #ifndef PLEXOR_REPORTS_H
 #define PLEXOR_REPORTS_H
 

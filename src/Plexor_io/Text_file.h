@@ -28,7 +28,7 @@ private:
 
     std::string path_;
     Run_files& files_;
-    // Before the descriptor: no file is left behind for which there is no memory.
+    // Before the descriptor: no file is made for which there is no memory.
     std::unique_ptr<char[]> buffer_;
     int descriptor_;
     bool failed_;

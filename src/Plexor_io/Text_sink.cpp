@@ -10,7 +10,7 @@ namespace cpm {
 
 namespace {
 
-// A double has at most 309 digits before the decimal point and at most 1074 behind it that are not
+// A double has at most 309 digits before the decimal point and at most 1074 after it that are not
 // zero; one byte for the sign and one for the point.
 constexpr unsigned most_exact_decimals = 1074;
 constexpr std::size_t longest_exact = 309 + most_exact_decimals + 2;

@@ -37,7 +37,7 @@ std::string Get_total_path(std::string const& path) {
     std::vector<std::string> const components = Get_path_list(path);
     for (std::size_t i = 0; i < components.size(); ++i) {
         std::string const& component = components[i];
-        // Deliberate: behind the last "/" even ".." is taken as it stands.
+        // Deliberate: after the last "/" even ".." is taken as it stands.
         bool const ended_by_slash = i + 1 < components.size() || path.back() == '/';
         if (ended_by_slash && component == ".." && !total.empty()) {
             total.pop_back();

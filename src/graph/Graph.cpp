@@ -32,8 +32,8 @@ struct Linked_pairs {
     Flat_array<Arcs> arcs;
 };
 
-// At each node two ascending lists are merged: where its own links lead to, which stand behind each
-// other, and where links to it come from.
+// At each node two ascending lists are merged: where its own links lead to, which stand side by
+// side, and where links to it come from.
 Linked_pairs Merge_directions(Index_links const& links, Node n_nodes) {
     Groups<Node> const sources(
         links.size(), std::size_t{n_nodes} + 1,

@@ -34,8 +34,8 @@ class Graph {
 public:
     /// Of links that are ascending without repeats, undirected ones with the smaller index first.
     /// Every node up to the largest has a link, and none is linked to itself. The links are not
-    /// needed any more afterwards. O(links + nodes) time; 8 bytes a pair of linked nodes, 10 in a
-    /// directed network, and 20 bytes a node.
+    /// needed afterwards. O(links + nodes) time; 8 bytes per pair of linked nodes, 10 in
+    /// a directed network, and 20 bytes per node.
     explicit Graph(Index_links const& links, bool directed = false);
 
     bool Directed() const { return directed_; }
@@ -115,7 +115,7 @@ private:
     std::vector<Node> nodes_;
     Flat_array<Node> neighbours_; ///< of node 1, then of node 2, ...: the later ones, the earlier
     Flat_array<Arcs> arcs_;       ///< directed: one a neighbour, seen from the node
-    Flat_array<std::uint64_t> begins_;  ///< node -> its first neighbour; one more behind
+    Flat_array<std::uint64_t> begins_;  ///< node -> its first neighbour; and one more at the end
     Flat_array<std::uint64_t> middles_; ///< node -> its first earlier neighbour
 };
 

@@ -23,7 +23,7 @@ public:
     Node Number(std::string_view name, std::uint64_t key);
     /// The names by their numbers.
     Name_table const& Names() const { return names_; }
-    /// Forgets the hash table, which is needed no more once all names are known.
+    /// Frees the hash table, which is no longer needed once all names are known.
     void Release_table();
 
 private:

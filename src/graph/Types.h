@@ -31,7 +31,7 @@ struct Node_pair {
     friend auto operator<=>(Node_pair const&, Node_pair const&) = default;
 };
 
-/// A list of lists of numbers, one behind the other in one array. Clique lists and community lists
+/// A list of lists of numbers, one after the other in one array. Clique lists and community lists
 /// hold node sets; a set's number is its position.
 template <class T> class List_of_lists {
 public:
@@ -128,7 +128,7 @@ public:
         bytes_.push_back(' ');
         offsets_.push_back(bytes_.size());
     }
-    /// What the names and the blanks behind them need.
+    /// What the names and the blanks after them need.
     std::size_t Bytes() const { return bytes_.size(); }
     void Reserve(std::size_t names, std::size_t bytes) {
         offsets_.Reserve(names + 1);

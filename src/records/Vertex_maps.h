@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A network as a record a node, and the orders in which searches take the nodes. Every node takes
-// part in a link, so the records are dense.
+// A network as one record per node, and the orders in which searches take the nodes. Every node
+// has a link, so the records are dense.
 #ifndef PLEXOR_VERTEX_MAPS_H
 #define PLEXOR_VERTEX_MAPS_H
 

@@ -14,7 +14,7 @@
 
 namespace cpm {
 
-/// A set of nodes that grows and shrinks: ascending, one behind the other in memory. A node larger
+/// A set of nodes that grows and shrinks: ascending, one after the other in memory. A node larger
 /// than all others is appended, whatever the size of the set.
 class Ordered_nodes {
 public:
@@ -80,7 +80,7 @@ public:
 
     /// Throws Xerror_msg "ERROR: Vtx::Add_neigh() : attempt to add already exisiting neigh. ".
     virtual void Add_neigh(Node neigh);
-    /// Adds a neighbour to the inc set at `vec_ind`; the position behind the last one starts a new
+    /// Adds a neighbour to the inc set at `vec_ind`; the position after the last one starts a new
     /// set. Throws Xerror_msg "ERROR: Vtx::Add_inc_neigh() : vec_ind too large", or "ERROR:
     /// Vtx::Add_inc_neigh() : new ind. neigh. is not a neigh.".
     virtual void Add_inc_neigh(std::uint32_t vec_ind, Node neigh);
@@ -125,7 +125,7 @@ private:
 };
 
 // Text for debugging; no result file is written with these. A set is written by
-//   g_ver        a node a line, two blanks before it
+//   g_ver        one node per line, two blanks before it
 //   g_hor        in one line: {1, 2, 3}
 //   export_data  sep2, then the nodes with sep3 between them; records put sep1 between sets
 
@@ -143,7 +143,7 @@ std::ostream& operator<<(std::ostream& stream, Vtx const& vertex);
 
 void export_data(std::ostream& stream, Node_set nodes, char const* sep1, char const* sep2,
                  char const* sep3);
-/// The record with separators of one's own.
+/// The record with the separators given.
 void export_data(std::ostream& stream, Vtx const& vertex, char const* sep1, char const* sep2,
                  char const* sep3);
 

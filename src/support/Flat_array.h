@@ -92,7 +92,7 @@ public:
             data_[i] = copy;
         }
     }
-    /// Sets the size; the values behind the old size are whatever the memory holds.
+    /// Sets the size; the values after the old size are whatever the memory holds.
     void Resize_uninitialised(std::size_t size) {
         Reserve(size);
         size_ = static_cast<Size>(size);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Grouping by counting sort: everything with the same small number behind each other, the groups
+// Grouping by counting sort: everything with the same small number side by side, the groups
 // ascending, each in the order given. Three steps, for callers whose items or counters have shapes
-// of their own (links with weights beside them, two ends a link, records that hold a counter):
+// of their own (links with weights beside them, two ends per link, records that hold a counter):
 //
 //     ++offsets[key] for each item
 //     Counts_to_begins(offsets), then each item goes to offsets[key]++, or

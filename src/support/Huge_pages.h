@@ -11,8 +11,8 @@ namespace cpm {
 /// The bytes of a large page.
 constexpr std::size_t huge_page = std::size_t{1} << 21;
 
-/// Asks for large pages behind an array that can fill one. It is a wish: nothing depends on whether
-/// the kernel grants it.
+/// Asks for large pages for an array that can fill one. This is a hint: nothing depends on whether
+/// the kernel follows it.
 void Ask_for_huge_pages(void* data, std::size_t bytes) noexcept;
 
 } // namespace cpm

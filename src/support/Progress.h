@@ -9,8 +9,8 @@
 
 namespace cpm {
 
-/// What Tick() throws to cancel. No std::exception: nobody between the progress and who waits for
-/// the result takes it for an error.
+/// What Tick() throws to cancel. Not a std::exception, so that no handler on the way to the caller
+/// mistakes it for an error.
 struct Cancelled {};
 
 class Progress {
@@ -21,7 +21,7 @@ public:
     virtual ~Progress() = default;
 
     /// Called at least every 20 ms of work from every long loop, on the calling thread. May throw
-    /// to cancel: then nothing that the computation was to leave behind is complete.
+    /// to cancel: then no result of the computation is complete.
     virtual void Tick() {}
 
     // --- A clique search: began, for each attempt at a node Node_started(), done. ---

@@ -3,8 +3,9 @@
 # What the program does when the machine lets it down: files that cannot be read or written, a full
 # disk, a reader or a terminal that goes away, too little memory. Every run must end with status 0
 # and a line that says what is wrong, and must leave other people's files alone.
-#   faults.sh CASE PROGRAM LOST_TERMINAL SIZE_48      status 77: not on this machine
-# SIZE_48 is a library that makes every directory look as if it had 48 bytes.
+#   faults.sh CASE PROGRAM LOST_TERMINAL SIZE_48 GONE_BETWEEN    status 77: not on this machine
+# SIZE_48 is a library that makes every directory look as if it had 48 bytes, GONE_BETWEEN one that
+# puts a link to "full" in the place of the directory "out" between two looks at it.
 #
 # Nothing here depends on time. Where something has to happen in the middle of a run, the program is
 # held there: its reports are longer than a pipe, and nobody reads on until it has happened.
@@ -13,6 +14,7 @@ case=$1
 program=$2
 lost_terminal=$3
 size_48=$4
+gone_between=$5
 
 work=$(mktemp -d "${TMPDIR:-/tmp}/plexor_faults_XXXXXX")
 mounted=""
@@ -76,7 +78,7 @@ strip() {
     awk -v n="$1" 'BEGIN { for (i = 0; i < n; ++i) { print "n" i, "n" i + 1; print "n" i, "n" i + 2 } }'
 }
 # Runs the strip up to its clique search, does what is asked, and lets the run go on. A pipe and the
-# buffers behind it hold less than 2,000 reports.
+# buffers after it hold less than 2,000 reports.
 in_mid_run() {
     strip 8000 >strip.txt
     { status=0; $as_user ./plexor -i strip.txt -o out 2>errors.txt || status=$?
@@ -358,6 +360,18 @@ case_directory_that_counts_as_empty() {
     [ "$(cat other/input_params.txt)" = foreign ] || fail "somebody else's file was changed"
 }
 
+# A path that has gone is no empty directory: what comes in its place is looked at.
+case_directory_replaced_between_two_looks() {
+    (LD_PRELOAD=$gone_between ./plexor -h >/dev/null 2>&1) || skip "no preloading in this build"
+    as_user="env LD_PRELOAD=$gone_between"
+    mkdir full
+    echo mine >full/letter
+    run -i net.txt -o out
+    [ -L out ] || fail "the directory was not replaced"
+    says "$refusal"
+    [ "$(ls -A full)" = letter ] || fail "new files beside somebody else's: $(ls -A full)"
+}
+
 case_two_runs_at_once() {
     printf 'cat dog\ndog eel\neel cat\neel fox\n' >other.txt
     ./plexor -i net.txt -o whole_1 >/dev/null
@@ -383,6 +397,58 @@ case_two_runs_at_once() {
         says "$refusal"
         diff -r whole_$winner here/out || fail "turn $turn: the results of two runs are mixed"
     done
+}
+
+# Both want the same name, and a file has it. One run's step between seeing the file and moving it
+# aside can be long, so that it moves the other's directory instead. Whatever happens, the file is
+# there as it was, and results are whole and unmixed wherever a run says that it came to its end.
+case_two_runs_at_once_past_a_file() {
+    printf 'cat dog\ndog eel\neel cat\neel fox\n' >other.txt
+    ./plexor -i net.txt -o whole_1 >/dev/null
+    ./plexor -i other.txt -o whole_2 >/dev/null
+    for turn in $(seq 100); do
+        rm -rf here
+        mkdir here
+        echo mine >here/out
+        ./plexor -i net.txt -o here/out >1.txt 2>errors.txt &
+        ./plexor -i other.txt -o here/out >2.txt 2>>errors.txt
+        wait $!
+        echo 0 >status.txt
+        ended_well
+        [ "$(cat here/out1)" = mine ] || fail "turn $turn: the file is not where it was moved to"
+        n_whole=0
+        for number in 1 2; do
+            mv $number.txt out.txt
+            if grep -q '^ERROR' out.txt; then continue; fi
+            ran_to_its_end
+            says_nothing_of WARNING
+            n_whole=$((n_whole + 1))
+            diff -r whole_$number here/out >/dev/null || diff -r whole_$number here/out2 ||
+                fail "turn $turn: a run's results are not what they should be"
+        done
+        [ $n_whole -ge 1 ] || fail "turn $turn: neither run has written its results"
+    done
+}
+
+# A new directory that its owner may not list cannot be seen to be empty: nothing goes into it. One
+# that is there and can be listed serves.
+case_umask_without_owner_read() {
+    without_privileges
+    mkdir empty
+    [ -z "$as_user" ] || chown 65534:65534 empty
+    limits="umask 0444"
+    run -i net.txt -o out
+    says "ERROR: List_dir() -> scandir() called on out and"
+    says "Permission denied."
+    chmod u+r out
+    [ -z "$(ls -A out)" ] || fail "files in a directory that was not looked at: $(ls -A out)"
+    run -i net.txt -o empty
+    ran_to_its_end
+    says_nothing_of WARNING
+    limits=:
+    chmod -R u+rwX empty
+    run -i net.txt -o whole
+    diff -r whole empty || fail "other results"
 }
 
 case_killed_run_and_another() {

@@ -5,7 +5,7 @@
 //
 // Bounds. Only the names of a link file that is there ("net") and of missing ones are let through
 // to the reader: a device would be read for ever. The number of digits (-d) is the length of the
-// directory's name, up to 4 GB, so runs with more than 400 digits are passed over.
+// directory's name, up to 4 GB, so runs with more than 400 digits are left out.
 #include "Plain_input.h"
 #include "Plexor_io/Header_text.h"
 #include "Plexor_io/Process_input.h"
@@ -58,7 +58,7 @@ Words Split(char const* data, std::size_t size) {
     return words;
 }
 
-// The value that counts for a switch: the first one behind its last occurrence.
+// The value that counts for a switch: the first one after its last occurrence.
 std::optional<std::string> Value_of(Words const& words, std::string const& name) {
     for (std::size_t i = words.size(); i-- > 1;) {
         if (words[i] == name) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Fuzzer of the link reader: the input is a link file. It is read without weights, with weights
-// under one of several intervals, and sometimes behind a comment that pushes it across the end of
+// under one of several intervals, and sometimes after a comment that pushes it across the end of
 // the reader's first block. The links, their weights to the last bit and the text of the error must
 // be what the reader of the plain model says.
 //

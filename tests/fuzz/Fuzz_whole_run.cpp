@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Fuzzer of whole runs: the first line of the input is switches, separated by single blanks, the
-// rest is the link file "net". What is printed and every file left behind must be what the plain
+// rest is the link file "net". What is printed and every file that is left must be what the plain
 // model says. The program's own main() is called, in a directory of its own.
 //
 // Bounds. The plain model takes exponential time, so files have 400 bytes at most; even as one

@@ -84,7 +84,7 @@ void Add_entries(std::string const& directory, unsigned depth, std::uint32_t mos
 
 struct Case {
     Tree tree;
-    Texts args; // behind the program's name
+    Texts args; // after the program's name
 };
 
 // Far enough below the box that no path of a case leads up out of it, with all links on its way.

@@ -5,7 +5,7 @@
 #   about      one line: which rule it pins
 #   cmd        a shell script, run in a fresh copy of input/. There `plexor` is the program,
 #              `plexor_fake_clock` the one whose clock advances by $PLEXOR_FAKE_CLOCK_STEP
-#              microseconds a reading, and $EXAMPLES the folder of example networks
+#              microseconds per reading, and $EXAMPLES the folder of example networks
 #   input/     what is there before the run (may be missing)
 #   expected/  stdout, tree/: what is there afterwards, and empty_directories: those that hold
 #              nothing, which version control would forget. The run's directory is written @DIR@.

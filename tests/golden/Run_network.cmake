@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
 # Runs one network with every set of switches that networks.sums has for it and compares the
-# checksum of all that a run prints and leaves behind. A line there is
+# checksum of all that a run prints and writes. A line there is
 #     CHECKSUM  NETWORK SWITCHES...
 # and the checksum is that of the list of the files' own, sorted by name. The run's directory, which
 # the first two lines of a file may show, is written @DIR@ first.

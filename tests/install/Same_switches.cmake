@@ -49,7 +49,7 @@ file(READ ${README} readme)
 switches_in("${readme}" "\n\\| `-([a-zA-Z])[^|]*\\|" of_readme)
 must_be_same("the table of the README" "${of_readme}" "${of_usage}")
 
-# What Bash offers behind `plexor -`.
+# What Bash offers after `plexor -`.
 execute_process(
     COMMAND ${BASH} -c
         "source \"$1\"; COMP_WORDS=(plexor -); COMP_CWORD=1; _plexor; printf '\\n%s' \"\${COMPREPLY[@]}\""

@@ -11,7 +11,7 @@
 //     maximal at once: a larger clique would have been met before, or holds a done node and so is
 //     known. Directed, a set is met line by line, and another line of it may leave room for one
 //     node more. So there, and only inside the core, an exact clique may lie inside another.
-//  3. Cliques inside the core stand behind the others, ascending as sets.
+//  3. Cliques inside the core stand after the others, ascending as sets.
 //  4. The approximated cliques are what the neighbours within the core of each core node are, in
 //     the nodes' order; of these sets only those that lie in no other and in no exact clique.
 //  5. An exact clique inside an approximated one has been dropped. A maximal clique inside the

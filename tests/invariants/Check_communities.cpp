@@ -4,7 +4,7 @@
 // Two cliques are adjacent when they share k-1 nodes or more (one at least). A community is what is
 // connected so, with a clique of k nodes or more in it; its nodes are those of its cliques, and its
 // links are all pairs of nodes of one of its cliques. One with an approximated clique counts as
-// approximated; those stand behind the others. The communities of either kind come in the order of
+// approximated; those stand after the others. The communities of either kind come in the order of
 // their first clique of k nodes or more. A clique of k-1 nodes belongs to a community only where it
 // lies inside another clique.
 //
@@ -82,9 +82,9 @@ bool Level_check::Records() {
     Numbers(level_.communities, "communities");
     Numbers(level_.cliques, "cliques of communities");
     Numbers(level_.links, "links of communities");
-    bool const behind = std::ranges::is_partitioned(
+    bool const after = std::ranges::is_partitioned(
         level_.communities, [](Node_record const& community) { return !community.number.minus; });
-    findings_.Require(behind, "an exact community stands behind approximated ones");
+    findings_.Require(after, "an exact community stands after approximated ones");
     bool const any_minus = std::ranges::any_of(
         level_.communities, [](Node_record const& community) { return community.number.minus; });
     findings_.Require(level_.says_negative == any_minus,

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Clique_holders: which cliques hold some nodes. A row of bits a node, one a clique.
+// Clique_holders: which cliques hold some nodes. A row of bits per node, one bit per clique.
 #ifndef PLEXOR_INVARIANTS_CLIQUE_HOLDERS_H
 #define PLEXOR_INVARIANTS_CLIQUE_HOLDERS_H
 
@@ -40,7 +40,7 @@ public:
             for (; word != 0; word &= word - 1) {
                 std::size_t const clique =
                     w * 64 + static_cast<std::size_t>(std::countr_zero(word));
-                if (clique >= n_cliques_ || !take(clique)) { // bits behind the last: no nodes given
+                if (clique >= n_cliques_ || !take(clique)) { // bits after the last: no nodes given
                     return;
                 }
             }

@@ -13,7 +13,7 @@ namespace cpm::invariants {
 
 class Findings {
 public:
-    /// What is added from now on stands behind these words; a damaged file breaks many rules, and a
+    /// What is added from now on stands after these words; a damaged file breaks many rules, and a
     /// few findings for each of these are enough.
     void Set_place(std::string place) { place_ = std::move(place); }
 

@@ -19,7 +19,7 @@ using Nodes = std::vector<Node>;
 
 class Network {
 public:
-    /// Reads two names from each line and passes over comments and the rest of a line; throws when
+    /// Reads two names from each line and skips comments and the rest of a line; throws when
     /// there is a line with fewer. Undirected, a link counts both ways.
     Network(std::string const& link_file, bool directed);
 

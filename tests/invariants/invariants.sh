@@ -5,7 +5,7 @@
 # TOOLS is a folder with check_output and make_core_network, EXAMPLES that of the example networks.
 #
 # The clock advances by a fixed step each time it is read, so that the same nodes are given up on
-# every machine. At 2 seconds a reading and a limit of 1 all attempts end at the first look at the
+# every machine. At 2 seconds per reading and a limit of 1 all attempts end at the first look at the
 # clock; at 1 second they end at the second one, after some hundred steps.
 set -eu
 case=$1
@@ -214,7 +214,7 @@ case_damaged_communities() {
         sed -i "s/^3: 3 $/3: 3 33 /" $cliques
     refused "k=3: clique 24 has the wrong sign" sed -i "s/ -24 / 24 /" $cliques
     refused "k=3: community 3 has the wrong sign" sed -i "s/^3: 3 $/3: 3 -24 /" $cliques
-    refused "k=3: an exact community stands behind approximated ones" \
+    refused "k=3: an exact community stands after approximated ones" \
         sed -i "s/^0:/-0:/" out/k=3/communities $cliques out/k=3/communities_links
     refused "k=3: the header is wrong about negative indices" \
         sed -i "/^# Neg/d" out/k=3/communities

@@ -38,8 +38,8 @@ void Add_maximal(Nodes const& clique, Nodes candidates, Nodes others, Graph cons
     }
 }
 
-/// A clique that grows. In a directed graph its members stand in a line, each linked to all behind
-/// it, with a gap before, between and behind them; in an undirected graph there is one gap only.
+/// A clique that grows. In a directed graph its members stand in a line, each linked to all after
+/// it, with a gap before, between and after them; in an undirected graph there is one gap only.
 struct Growing {
     Nodes members;
     std::vector<Nodes> gaps; // in each the nodes that can still be put there
@@ -70,7 +70,7 @@ struct Attempt {
     }
 
     /// Puts a node into a gap, of which two are left: the nodes before it must link to it, those
-    /// behind it must be linked from it.
+    /// after it must be linked from it.
     Growing Put(unsigned node, std::size_t gap, Growing const& clique) const {
         Growing next{clique.members | Nodes{node}, {}};
         for (std::size_t i = 0; i < clique.gaps.size(); ++i) {
@@ -127,7 +127,7 @@ std::deque<unsigned> Node_order(Graph const& graph) {
 }
 
 /// Takes out of `work` every node that is finished. With a time limit a node that takes too long
-/// waits behind all others; when all that are left have done so in a row, they stay.
+/// waits until all others have been tried; when all that are left have done so in a row, they stay.
 Cliques Search(Graph& work, std::optional<double> limit, Clock& clock, std::ostream& out,
                Reached& reached) {
     std::string const what = work.directed ? "directed cliques" : "cliques";
@@ -232,7 +232,7 @@ Graph Make_graph(Index_links const& links, bool directed) {
 }
 
 void Extend_rows(Rows& rows, std::vector<Nodes> const& sets, unsigned n_old) {
-    // Deliberate: one row per new set goes behind the rows there are, whatever their number. When
+    // Deliberate: one row per new set goes after the rows there are, whatever their number. When
     // exact cliques were dropped before, the old rows no longer stand at their cliques' positions.
     rows.resize(rows.size() + (sets.size() - n_old));
     for (unsigned i = n_old; i < sets.size(); ++i) {

@@ -42,7 +42,7 @@ bool Is_directory(std::string const& path) {
     return std::filesystem::is_directory(path, ignored);
 }
 
-/// Throws the sentence for the last system call's error behind `text`. The errors are those that
+/// Throws the sentence for the last system call's error after `text`. The errors are those that
 /// the test cases can bring about.
 [[noreturn]] void Fail(std::string const& text) {
     static std::map<int, std::string> const sentences{

@@ -14,7 +14,7 @@ namespace cpm::model {
 
 namespace {
 
-/// The values behind each switch.
+/// The values after each switch.
 using Switches = std::map<std::string, std::vector<std::string>>;
 
 Switches Collect(std::vector<std::string> const& args) {
@@ -31,7 +31,7 @@ Switches Collect(std::vector<std::string> const& args) {
     return switches;
 }
 
-/// Reads the first value of a switch that is present; 0 stays behind when it cannot be read.
+/// Reads the first value of a switch that is present; 0 is what remains when it cannot be read.
 template <typename T>
 void Read_value(Switches const& switches, std::string const& name, std::optional<T>& value,
                 std::string& errors) {
@@ -97,7 +97,7 @@ std::string Output_directory(Job const& job) {
     name += job.lower || job.upper ? "_w" : "";
     name += job.upper ? "_" + Fixed(*job.upper, digits) : "";
     name += job.directed ? "-d" : "";
-    // Deliberate: the last part goes also behind a name that was given.
+    // Deliberate: the last part also goes after a name that was given.
     return job.output.value_or(name) +
            (job.intensity ? "-w-th" + Fixed(*job.intensity, digits) : "");
 }

@@ -22,7 +22,7 @@ struct Job {
     std::string errors; // empty: accepted
 
     std::string directory; // where the results go
-    std::string header;    // the lines that open every result file, behind "# The ..."
+    std::string header;    // the lines that open every result file, after "# The ..."
 
     bool Weighted() const { return lower || upper || intensity; }
 };

@@ -134,7 +134,7 @@ struct Run {
         }
     }
 
-    /// The title and the note stand before and behind what all headers say.
+    /// The title and the note stand before and after what all headers say.
     void Write_result(std::string const& directory, std::string const& name,
                       std::string const& title, std::string const& note, std::string const& body) {
         Write(directory, name, "# " + title + job.header + note + "\n" + body);
@@ -230,7 +230,7 @@ struct Run {
             for (auto const& [value, count] : statistics[name]) {
                 body += std::to_string(value) + " " + std::to_string(count) + "\n";
             }
-            // Deliberate: nothing stands between the suffix and the flag, two blanks behind it.
+            // Deliberate: nothing stands between the suffix and the flag, two blanks after it.
             Write_result(Directory(k), file_flag + name + "_distribution" + suffix,
                          title + suffix + flag + " communities at k=" + std::to_string(k) + "\n#",
                          "", body + "\n");

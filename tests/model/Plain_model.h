@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The plain model: a second, slow and obvious telling of a whole run, written from the definitions
 // and sharing no code with the program. It does byte for byte what a run does: it returns what is
-// printed and leaves the files behind.
+// printed and leaves the files.
 #ifndef PLEXOR_PLAIN_MODEL_H
 #define PLEXOR_PLAIN_MODEL_H
 

@@ -51,7 +51,7 @@ std::string File(Outcome const& outcome, std::string const& path) {
     return found == outcome.tree.end() ? "(no such file)" : found->second.content;
 }
 
-/// What a file holds behind its header, which ends at the first empty line.
+/// What a file holds after its header, which ends at the first empty line.
 std::string Body(Outcome const& outcome, std::string const& path) {
     std::string const text = File(outcome, path);
     auto const end = text.find("\n\n");
@@ -349,7 +349,7 @@ std::vector<Nodes> Node_sets(std::vector<Community> const& communities) {
 }
 
 // Two exact cliques and an approximated one; the first exact clique has been dropped since its rows
-// were made. The new row goes behind the two old ones and belongs to no clique; the new clique at
+// were made. The new row goes after the two old ones and belongs to no clique; the new clique at
 // position 1 writes into the row of the old clique 1.
 TEST(Plain_model, Keeps_old_overlap_rows_after_cliques_were_dropped) {
     Rows rows{{{0, 3}, {1, 1}}, {{0, 1}, {1, 4}}}; // of {1,2,3} and {3,4,5,6}
@@ -442,8 +442,8 @@ std::vector<Nodes> All_subsets(unsigned n) {
     return subsets;
 }
 
-/// Whether all can be linked in pairs, or lined up so that each is linked to all behind it: then
-/// one of them can be the first, and the rest can be lined up behind it.
+/// Whether all can be linked in pairs, or lined up so that each is linked to all after it: then
+/// one of them can be the first, and the rest can be lined up after it.
 bool Is_clique(Nodes const& nodes, Index_links const& links, bool directed) {
     if (nodes.size() < 2) {
         return true;

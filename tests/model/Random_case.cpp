@@ -192,6 +192,31 @@ Network Groups(unsigned n, bool directed, Dice& dice) {
     return network;
 }
 
+/// Thousands of nodes with a few links each; among them small cliques, and up to three large ones
+/// that may share nodes.
+Network Large(unsigned largest, Dice& dice) {
+    Network network;
+    unsigned const n = dice.Between(1000, 4000);
+    for (unsigned left = n * dice.Between(1, 3); left > 0; --left) {
+        unsigned const from = dice.Below(n);
+        network.push_back({from, dice.Below(n)});
+    }
+    unsigned const n_large = dice.Between(1, 3);
+    unsigned const middle = dice.Below(n);
+    for (unsigned i = dice.Between(20, 80); i > 0; --i) {
+        unsigned const size = i > n_large ? dice.Between(3, std::min(largest, 12U))
+                                          : dice.Between(largest - largest / 8, largest);
+        unsigned const begin = i > n_large ? dice.Below(n) : middle;
+        unsigned const reach = size + dice.Between(1, i > n_large ? 10 : 2 * size);
+        std::set<unsigned> nodes;
+        while (nodes.size() < size) {
+            nodes.insert((begin + dice.Below(reach)) % n);
+        }
+        Add_clique(network, {nodes.begin(), nodes.end()});
+    }
+    return network;
+}
+
 Network Any_network(Dice& dice) {
     switch (dice.Below(18)) {
     case 0:
@@ -727,6 +752,53 @@ Case Coin_case(std::uint32_t seed) {
     }
     test.timed = true;
     test.clock = Tossed(dice);
+    return test;
+}
+
+Case Large_case(std::uint32_t seed) {
+    Dice dice(seed);
+    Case test;
+    test.link_file = Text(work_directory) + "/net.txt";
+    test.args = {"plexor", "-i", "net.txt"};
+    auto const add = [&test](Texts const& args) {
+        test.args.insert(test.args.end(), args.begin(), args.end());
+    };
+    Weights weights = Any_weights(dice);
+    unsigned const kind = dice.Below(4);
+    bool const directed = kind == 1 || (kind == 3 && dice.Percent(50));
+    // The model walks the sets of nodes inside a clique in the last three.
+    Network network = Large(std::vector<unsigned>{80, 10, 8, 9}[kind], dice);
+    if (directed) {
+        Direct(network, dice);
+        add({"-D"});
+    } else if (dice.Percent(20)) {
+        add({"-U"});
+    }
+    if (kind == 2) {
+        weights.style = weights.Any() ? weights.style : Style::tied;
+        add({"-I", Threshold(dice)});
+    }
+    if (kind == 3) {
+        add({"-t", "1"});
+        test.timed = true;
+        test.clock = {.coin = {dice.Below(1000000), dice.Between(1, 15)}};
+    }
+    if (weights.Any() && dice.Percent(30)) {
+        add({"-w", Threshold(dice)});
+    }
+    if (weights.Any() && dice.Percent(20)) {
+        add({"-W", "9"});
+    }
+    if (dice.Percent(30)) {
+        add({"-k", std::to_string(dice.Between(3, 12))});
+    }
+    if (dice.Percent(20)) {
+        add({"-d", std::to_string(dice.Below(10))});
+    }
+    if (dice.Percent(20)) {
+        add({"-o", "results"});
+    }
+    test.tree[test.link_file] = {Entry::Kind::file, Link_file(network, weights, dice)};
     return test;
 }
 

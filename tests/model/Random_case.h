@@ -29,6 +29,9 @@ Case Random_case(std::uint32_t seed);
 /// A network of 5 to 16 nodes, or 70 to 200 when ten divides the seed, and a time limit that a coin
 /// lets strike.
 Case Coin_case(std::uint32_t seed);
+/// Thousands of nodes: cliques of up to 80 nodes, or of up to 10 in directed and limited searches
+/// and with an intensity; any of the switches. Takes the model seconds.
+Case Large_case(std::uint32_t seed);
 
 } // namespace cpm::model
 

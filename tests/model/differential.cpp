@@ -28,17 +28,18 @@ namespace {
 
 constexpr char const* usage =
     "usage: differential --program PATH [--fake-clock-program PATH] [--seed N] [--cases N]\n"
-    "                    [--coin-cases N] [--one SEED] [--network FILE [--switches LIST]...]\n"
-    "                    [--keep DIR]\n"
+    "                    [--coin-cases N] [--large-cases N] [--one SEED]\n"
+    "                    [--network FILE [--switches LIST]...] [--keep DIR]\n"
     "  --program             the program under test\n"
     "  --fake-clock-program  the same program linked with Fake_clock.cpp; without it the cases with\n"
     "                        a time limit are left out\n"
     "  --seed, --cases       the first seed (1) and how many cases follow (2000)\n"
     "  --coin-cases          no others, but so many with a time limit that a coin lets strike: nine of\n"
     "                        ten on networks of 5 to 16 nodes, the others on 70 to 200\n"
+    "  --large-cases         no others, but so many on networks of thousands of nodes\n"
     "  --one                 only the case of this seed\n"
     "  --network             no random cases, but runs on this link file: one for each --switches\n"
-    "  --switches            what stands behind '-i FILE', all in one argument; nothing by default\n"
+    "  --switches            what stands after '-i FILE', all in one argument; nothing by default\n"
     "  --keep                where failed cases are kept (a new directory)\n";
 
 struct Options {
@@ -47,6 +48,7 @@ struct Options {
     std::uint32_t seed = 1;
     std::uint32_t cases = 2000;
     std::uint32_t coin_cases = 0;
+    std::uint32_t large_cases = 0;
     std::string network; // empty: random cases
     std::vector<std::string> switches;
     std::string keep;
@@ -487,6 +489,11 @@ void Runner::Go() {
             std::string const name = std::to_string(seed);
             Try(Coin_case(seed), "coin-" + name, "--coin-cases 1 --seed " + name);
         }
+        for (std::uint32_t i = 0; i < options_.large_cases; ++i) {
+            std::uint32_t const seed = options_.seed + i;
+            std::string const name = std::to_string(seed);
+            Try(Large_case(seed), "large-" + name, "--large-cases 1 --seed " + name);
+        }
     }
     for (std::size_t i = 0; i < options_.switches.size(); ++i) {
         std::string const& switches = options_.switches[i];
@@ -525,6 +532,9 @@ Options Read_options(int argc, char** argv) {
             options.cases = static_cast<std::uint32_t>(std::stoul(value));
         } else if (name == "--coin-cases") {
             options.coin_cases = static_cast<std::uint32_t>(std::stoul(value));
+            options.cases = 0;
+        } else if (name == "--large-cases") {
+            options.large_cases = static_cast<std::uint32_t>(std::stoul(value));
             options.cases = 0;
         } else if (name == "--one") {
             options.seed = static_cast<std::uint32_t>(std::stoul(value));

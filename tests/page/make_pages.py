@@ -41,7 +41,8 @@ def main() -> None:
     make_other_pages(out)
     # More networks, when there are some at hand: a folder of link files.
     for path in sorted(Path(os.environ["PLEXOR_DATA"]).glob("*.txt")) if "PLEXOR_DATA" in os.environ else []:
-        if path.stem in ("karate", "lesmis", "dolphins", "netscience", "collins2007", "ca-GrQc", "power", "celegansneural"):
+        if path.stem in ("karate", "lesmis", "dolphins", "netscience", "collins2007", "ca-GrQc", "power", "celegansneural", "email-Enron",
+                         "wiki-Vote"):
             write_report(plexor.load(networks.run(path, [], out / path.stem)), out / f"{path.stem}.html")
 
 

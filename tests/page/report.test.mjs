@@ -240,6 +240,23 @@ test("dark colours by the button, light ones in print", async () => {
     await page.context().close();
 });
 
+test("printed by the browser where everything is dark: light, and dark again afterwards", async () => {
+    const page = await open(browser, "airports", "#k=6", widths.dark);
+    const background = () => page.evaluate(() => getComputedStyle(document.body).backgroundColor);
+    assert.equal(await background(), "rgb(18, 23, 28)");
+    await page.evaluate(() => {
+        addEventListener("beforeprint", () => {
+            window.printed = [document.documentElement.dataset.theme, getComputedStyle(document.body).backgroundColor];
+        });
+    });
+    assert.ok((await page.pdf()).length > 10000);
+    assert.deepEqual(await page.evaluate(() => window.printed), ["light", "rgb(251, 250, 247)"]);
+    await drawn(page);
+    assert.equal(await background(), "rgb(18, 23, 28)");
+    quiet(page, "airports printed in the dark");
+    await page.context().close();
+});
+
 test("the PNG is the stored one within a tolerance", async () => {
     const { PNG } = require("pngjs");
     const pixelmatch = (await import(require.resolve("pixelmatch"))).default;

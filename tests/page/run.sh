@@ -11,7 +11,8 @@ cd "$(dirname "$0")/../.."
 python=/usr/bin/python3
 packages=/usr/lib/python3/dist-packages
 need g++ g++ cmake cmake make make $python python3 $packages/numpy python3-numpy \
-    $packages/pytest python3-pytest
+    $packages/pytest python3-pytest parallel parallel snakemake snakemake \
+    $packages/distributed python3-distributed
 if [ -z "${PLEXOR:-}" ]; then
     for preset in test release; do
         [ -x "build/$preset/plexor" ] && PLEXOR="$PWD/build/$preset/plexor"

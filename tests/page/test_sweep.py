@@ -41,6 +41,14 @@ def test_the_rows_of_the_guide(tmp_path: Path) -> None:
     assert [(r.k, r.largest, r.second, r.shared, r.covered) for r in without.rows] == [(3, 516, 16, 20, 754 - 146), (6, 198, 12, 10, 754 - 495)]
 
 
+@pytest.mark.skipif("PLEXOR_DATA" not in os.environ, reason="larger networks are not shipped")
+def test_a_suggestion_for_proteins_with_weights(tmp_path: Path) -> None:
+    result = sweep(Path(os.environ["PLEXOR_DATA"]) / "collins2007.txt", tmp_path / "s", lower=grid("0.7:0.9:0.05"), ks=[4])
+    assert [(row.largest, row.second) for row in result.rows] == [(159, 64), (154, 62), (148, 59), (141, 58), (52, 34)]
+    assert [(s.k, s.lower) for s in result.suggestions] == [(4, "0.90")]
+    assert "the giant (largest 141, second 58 at 0.85) has fallen apart" in result.suggestions[0].reason
+
+
 def test_the_table_by_hand(tmp_path: Path) -> None:
     # Two cliques of four that share one node, and a triangle: at k=3 sizes 4, 4, 3; at k=4 sizes 4, 4.
     text = networks.clique_of(list("abcd")) + networks.clique_of(list("defg")) + networks.clique_of(list("xyz"))
@@ -105,6 +113,29 @@ def test_jobs_by_dask_give_the_same_bytes(tmp_path: Path) -> None:
         with distributed.Client(cluster) as client:
             sweep(FACULTY, tmp_path / "many", lower=thresholds, client=client)
     assert contents(tmp_path / "one") == contents(tmp_path / "many")
+
+
+def test_the_recipe_for_snakemake_gives_the_same_bytes(tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> None:
+    if shutil.which("snakemake") is None:
+        pytest.skip("Snakemake is not there")
+    # The recipe as the page has it, with plexor-tool as it is found here.
+    page = (networks.ROOT / "docs" / "many-machines.md").read_text().split("## Snakemake\n")[1].split("\n## ")[0]
+    recipe = "".join(line[4:] + "\n" if line.startswith("    ") else "\n" for line in page.split("\n"))
+    assert recipe.count("plexor-tool sweep net.txt -w 0.1:0.9:0.1 -o sweep") == 2
+    tool = tmp_path / "plexor-tool"
+    tool.write_text("#!/bin/sh\nexec " + shlex.join(TOOL) + ' "$@"\n')
+    tool.chmod(0o755)
+    (tmp_path / "Snakefile").write_text(recipe)
+    lines = FACULTY.read_text().split("\n")
+    weighted = [f"{a} {b} {int(w) / 16}" for a, b, w in (line.split() for line in lines if line and line[0] != "#")]
+    (tmp_path / "net.txt").write_text("\n".join(weighted) + "\n")
+    environment = dict(os.environ, PATH=f"{tmp_path}:{os.environ['PATH']}", HOME=str(tmp_path))
+    # Debian's Snakemake runs on Debian's Python, whatever other one is first in the path.
+    subprocess.run(["/usr/bin/python3", shutil.which("snakemake") or "", "--cores", "2", "--quiet"],
+                   cwd=tmp_path, env=environment, check=True, capture_output=True, text=True)
+    monkeypatch.chdir(tmp_path)
+    sweep("net.txt", tmp_path / "one", lower=grid("0.1:0.9:0.1"))
+    assert contents(tmp_path / "one") == contents(tmp_path / "sweep")
 
 
 def test_killed_ten_times_and_resumed(tmp_path: Path) -> None:

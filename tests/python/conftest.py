@@ -54,7 +54,7 @@ def run_plexor(program: Path, tmp_path_factory: pytest.TempPathFactory) -> Run:
                 check=True,
                 stdout=subprocess.DEVNULL,
             )
-            # The intensity goes behind the name.
+            # The intensity goes after the name.
             (made,) = target.parent.iterdir()
             done[question] = made
         return done[question]

@@ -62,7 +62,7 @@ def test_order_of_nodes() -> None:
     assert list(find_communities(Network(*links, names="cab"), 3).names) == ["b", "a", "c"]
     assert list(find_communities(Network(*links, names=[30, 20, 10]), 3).names) == [30, 20, 10]
     assert list(find_communities(Network(*links), 3).names) == [2, 0, 1]
-    # By code points the fox comes behind U+FF5A, and so it does by bytes.
+    # By code points the fox comes after U+FF5A, and so it does by bytes.
     names = ["\U0001f98a", "\uff5a", "z"]
     assert list(find_communities(Network(*TRIANGLE, names=names), 3).names)[0] == "\uff5a"
 

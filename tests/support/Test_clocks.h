@@ -23,7 +23,7 @@ private:
 /// Lets some attempts overrun a limit of half a second at their first reading after the start.
 class Fitful_clock : public Clock {
 public:
-    /// A flag an attempt; attempts beyond these do not overrun.
+    /// A flag per attempt; attempts beyond these do not overrun.
     explicit Fitful_clock(std::vector<bool> overruns) : overruns_(std::move(overruns)) {}
     void Start() override {
         ++attempt_;

@@ -71,7 +71,7 @@ def run_plexor(program: Path, tmp_path_factory: pytest.TempPathFactory) -> Run:
                 check=True,
                 stdout=subprocess.DEVNULL,
             )
-            (done[question],) = folder.iterdir()  # the intensity goes behind the name
+            (done[question],) = folder.iterdir()  # the intensity goes after the name
         return done[question]
 
     return run

@@ -208,7 +208,7 @@ REFUSED = {
         b"%%MatrixMarket matrix coordinate real general\n% comment\n\n",
         "no line with the sizes",
     ),
-    "a matrix that ends behind its first line": (
+    "a matrix that ends after its first line": (
         "x.mtx",
         b"%%MatrixMarket matrix coordinate real general",
         "no line with the sizes",
@@ -370,8 +370,8 @@ def test_what_was_done_is_said_with_counts(tmp_path: Path, in_process: Tool) -> 
     assert outcome.out == b"# plexor: names are escaped as %XX\nann bob\nbob %\nann bob\n"
     for sentence in (
         "line 1 is a header: source, target",
-        "1 blank line passed over",
-        "1 comment line passed over",
+        "1 blank line skipped",
+        "1 comment line skipped",
         "3 links written",
         "1 link of a node with itself dropped",
         "an empty name",

@@ -152,7 +152,7 @@ Merged Extended(Sets const& exact, Sets const& approx, bool directed = true) {
     return {To_vectors(cliques), n_exact, To_vectors(more), dropped};
 }
 
-TEST(Extend_clique_vec, Approximated_cliques_come_behind_the_exact_ones) {
+TEST(Extend_clique_vec, Approximated_cliques_come_after_the_exact_ones) {
     EXPECT_EQ(Extended({{1, 2, 3}}, {{4, 5}, {1, 4}}),
               (Merged{{{1, 2, 3}, {4, 5}, {1, 4}}, 1, {{4, 5}, {1, 4}}, false}));
 }

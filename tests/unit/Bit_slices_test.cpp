@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Coms_funcs/Bit_slices.h"
 
+#include "support/Random_numbers.h"
+
 #include <gtest/gtest.h>
 #include <random>
 #include <set>
@@ -64,7 +66,7 @@ TEST(Bit_slices, Finds_what_counting_finds) {
             Bit_slices list(n_sets, n_buckets);
             Fill(list, sets);
             std::vector<bool> closed(n_sets, false);
-            for (unsigned round = 0; round < 60; ++round) {
+            for (unsigned round = 0; round < Rounds(20); ++round) {
                 Buckets const nodes = Some_buckets(random, random() % 40, range);
                 Buckets const needed = Some_buckets(random, random() % 4, range);
                 auto const max_missing = static_cast<std::uint32_t>(random() % (nodes.size() + 1));

@@ -474,7 +474,7 @@ TEST(Clique_find_dir, A_report_stands_before_each_node_and_nothing_about_sorting
 
 TEST(Clique_find_dir, Finds_every_maximal_set_that_can_be_lined_up_and_nothing_else) {
     Random_numbers random(1);
-    for (int run = 0; run < 2000; ++run) {
+    for (unsigned run = 0; run < Rounds(400); ++run) {
         Arc_set const arcs = Random_arcs(6, random);
         Sets const found = Find(arcs).cliques;
         std::set<std::vector<Node>> const unique(found.begin(), found.end());
@@ -486,20 +486,20 @@ TEST(Clique_find_dir, Finds_every_maximal_set_that_can_be_lined_up_and_nothing_e
 TEST(Clique_find_dir, Lists_in_the_order_of_the_search_by_gaps) {
     Random_numbers random(2);
     std::size_t with_many = 0;
-    for (int run = 0; run < 6000; ++run) {
+    for (unsigned run = 0; run < Rounds(600); ++run) {
         Arc_set const arcs = Random_arcs(run % 10 == 0 ? 11 : 8, random);
         Outcome const outcome = Find(arcs);
         ASSERT_EQ(outcome, Find_literally(arcs)) << Shown(arcs);
         with_many += outcome.cliques.size() > 10 ? 1U : 0U;
     }
-    EXPECT_GT(with_many, 100U);
+    EXPECT_GT(with_many, 10U);
 }
 
 // A centre with many candidates, in small groups of mixed links. It is searched first, while none
 // of them is done, or after some of them.
 TEST(Clique_find_dir, Lists_in_the_same_order_when_candidates_fill_more_than_a_word) {
     Random_numbers random(3);
-    for (int run = 0; run < 60; ++run) {
+    for (unsigned run = 0; run < Rounds(30); ++run) {
         Arc_set groups;
         Node const n_groups = 8 + random.Below(30);
         for (Node group = 0; group < n_groups; ++group) {
@@ -550,7 +550,7 @@ TEST(Clique_find_dir, Lists_in_the_same_order_when_candidates_fill_more_than_a_w
 
 TEST(Clique_find_dir_time, Time_that_stands_still_gives_the_exact_search) {
     Random_numbers random(4);
-    for (int run = 0; run < 2000; ++run) {
+    for (unsigned run = 0; run < Rounds(500); ++run) {
         Arc_set const arcs = Random_arcs(8, random);
         auto const clock = [] { return Stepping_clock(0); };
         Outcome const outcome = Find_in_time(arcs, 0, clock);
@@ -565,14 +565,14 @@ TEST(Clique_find_dir_time, Time_that_stands_still_gives_the_exact_search) {
 TEST(Clique_find_dir_time, A_clock_that_strikes_at_the_first_check_leaves_what_was_met_by_then) {
     Random_numbers random(5);
     std::size_t pending = 0;
-    for (int run = 0; run < 6000; ++run) {
+    for (unsigned run = 0; run < Rounds(1000); ++run) {
         Arc_set const arcs = Random_arcs(run % 10 == 0 ? 11 : 8, random);
         auto const clock = [] { return Stepping_clock(2); };
         Outcome const outcome = Find_in_time(arcs, 1, clock);
         ASSERT_EQ(outcome, Find_in_time_literally(arcs, 1, clock)) << Shown(arcs);
         pending += !outcome.core.empty() && outcome.cliques.size() > 3 ? 1U : 0U;
     }
-    EXPECT_GT(pending, 100U);
+    EXPECT_GT(pending, 15U);
 }
 
 // Time runs out at the first check of some attempts and not at all in the others; both searches see
@@ -580,7 +580,7 @@ TEST(Clique_find_dir_time, A_clock_that_strikes_at_the_first_check_leaves_what_w
 TEST(Clique_find_dir_time, Nodes_given_up_for_a_while_come_again) {
     Random_numbers random(6);
     std::size_t cores = 0;
-    for (int run = 0; run < 5000; ++run) {
+    for (unsigned run = 0; run < Rounds(500); ++run) {
         Arc_set const arcs = Random_arcs(run % 10 == 0 ? 11 : 8, random);
         std::uint32_t const chance = 20 + random.Below(75);
         std::vector<bool> strikes(500);
@@ -592,7 +592,7 @@ TEST(Clique_find_dir_time, Nodes_given_up_for_a_while_come_again) {
         ASSERT_EQ(outcome, Find_in_time_literally(arcs, 0.5, clock)) << Shown(arcs);
         cores += outcome.core.empty() ? 0U : 1U;
     }
-    EXPECT_GT(cores, 100U);
+    EXPECT_GT(cores, 10U);
 }
 
 TEST(Clique_find_dir_time, A_node_whose_lines_are_finished_after_two_steps_never_reads_the_clock) {

@@ -2,6 +2,7 @@
 #include "Coms_funcs/Community_graph.h"
 
 #include "support/Errors.h"
+#include "support/Random_numbers.h"
 
 #include <gtest/gtest.h>
 
@@ -170,7 +171,7 @@ TEST(Community_statistics, More_nodes_in_communities_than_there_are_is_an_error)
 TEST(Community_graph, Random_communities_agree_with_the_definition) {
     std::mt19937 random(1);
     Community_graph used_before;
-    for (int round = 0; round < 60; ++round) {
+    for (unsigned round = 0; round < test::Rounds(20); ++round) {
         std::size_t const n_coms = random() % (round % 10 == 9 ? 700 : 30);
         auto const n_nodes = static_cast<Node>(1 + random() % (round % 3 == 0 ? 2000 : 40));
         auto const n_exact = static_cast<std::uint32_t>(random() % (n_coms + 1));

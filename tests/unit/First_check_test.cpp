@@ -244,47 +244,49 @@ TEST(First_check, A_done_node_that_is_no_neighbour_of_the_centre_forbids_nothing
 
 // How many rounds reach the clock, and in how many something is found by then.
 struct Met {
-    int reached = 0;
-    int found = 0;
+    unsigned reached = 0;
+    unsigned found = 0;
 };
 
 // One check used for what `make` makes of each round.
-template <class Make> void Agree_with_two_steps(int rounds, Make const& make, Met& met) {
+template <class Make> void Agree_with_two_steps(unsigned rounds, Make const& make, Met& met) {
     First_check check;
-    for (int round = 0; round < rounds; ++round) {
+    for (unsigned round = 0; round < rounds; ++round) {
         Surroundings const around = make(round);
         Walk const expected = Walk_two_steps(around);
         ASSERT_EQ(Check(check, around), expected) << "round " << round;
-        met.reached += expected.reached ? 1 : 0;
-        met.found += expected.found.empty() ? 0 : 1;
+        met.reached += expected.reached ? 1U : 0U;
+        met.found += expected.found.empty() ? 0U : 1U;
     }
 }
 
 TEST(First_check, Random_networks_agree_with_a_walk_of_two_steps) {
     Random_numbers random(41);
     Met met;
-    auto const make = [&](int) {
+    auto const make = [&](unsigned) {
         Node const n = 2 + random.Below(14);
         return Around(Random_links(n, 10 + random.Below(75), random), n, random.Below(90), random);
     };
-    Agree_with_two_steps(1500, make, met);
-    EXPECT_GT(met.reached, 200);
-    EXPECT_LT(met.reached, 1300);
-    EXPECT_GT(met.found, 200);
+    unsigned const rounds = Rounds(600);
+    Agree_with_two_steps(rounds, make, met);
+    EXPECT_GT(met.reached, 80U);
+    EXPECT_LT(met.reached, rounds - 80);
+    EXPECT_GT(met.found, 80U);
 }
 
 // Every candidate is in several teams, and many a team has a done node: known sets that overlap.
 TEST(First_check, Teams_with_done_nodes_agree_with_a_walk_of_two_steps) {
     Random_numbers random(43);
     Met met;
-    auto const make = [&](int) {
+    auto const make = [&](unsigned) {
         Node const n = 8 + random.Below(14);
         return Around(Random_teams(n, 2 + random.Below(8), 3 + random.Below(5), random), n,
                       10 + random.Below(40), random);
     };
-    Agree_with_two_steps(1500, make, met);
-    EXPECT_GT(met.reached, 200);
-    EXPECT_LT(met.reached, 1300);
+    unsigned const rounds = Rounds(600);
+    Agree_with_two_steps(rounds, make, met);
+    EXPECT_GT(met.reached, 80U);
+    EXPECT_LT(met.reached, rounds - 80);
 }
 
 // Every other time the last node is done and linked with all, so that all cliques are known: the
@@ -292,7 +294,7 @@ TEST(First_check, Teams_with_done_nodes_agree_with_a_walk_of_two_steps) {
 TEST(First_check, Many_candidates_agree_with_a_walk_of_two_steps) {
     Random_numbers random(47);
     Met met;
-    auto const make = [&](int round) {
+    auto const make = [&](unsigned round) {
         Node const n = 66 + random.Below(70);
         Surroundings around =
             Around(Random_links(n, 1 + random.Below(6), random), n, random.Below(20), random);
@@ -302,16 +304,17 @@ TEST(First_check, Many_candidates_agree_with_a_walk_of_two_steps) {
         }
         return around;
     };
-    Agree_with_two_steps(40, make, met);
-    EXPECT_GT(met.reached, 5);
-    EXPECT_LT(met.reached, 35);
+    unsigned const rounds = Rounds(20);
+    Agree_with_two_steps(rounds, make, met);
+    EXPECT_GT(met.reached, 2U);
+    EXPECT_LT(met.reached, rounds);
 }
 
 // Candidates of which some have long lists and most have short ones, and the same of done nodes.
 TEST(First_check, Long_lists_beside_short_ones_agree_with_a_walk_of_two_steps) {
     Random_numbers random(53);
     Met met;
-    auto const make = [&](int) {
+    auto const make = [&](unsigned) {
         Node const n = 150;
         Links links = Random_links(n, 1, random);
         for (int hub = 0; hub < 2; ++hub) {
@@ -326,9 +329,10 @@ TEST(First_check, Long_lists_beside_short_ones_agree_with_a_walk_of_two_steps) {
         Link_all(around.links, {around.centre % n + 1}, Range(n + 1, n + 2000));
         return around;
     };
-    Agree_with_two_steps(40, make, met);
-    EXPECT_GT(met.reached, 5);
-    EXPECT_LT(met.reached, 35);
+    unsigned const rounds = Rounds(20);
+    Agree_with_two_steps(rounds, make, met);
+    EXPECT_GT(met.reached, 2U);
+    EXPECT_LT(met.reached, rounds);
 }
 
 } // namespace

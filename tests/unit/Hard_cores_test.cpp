@@ -188,7 +188,7 @@ TEST(Hard_cores, Parts_are_given_up_at_the_first_look) {
     }
 }
 
-// At a second a reading, the time of an attempt with a limit of t seconds is up at its reading
+// At a second per reading, the time of an attempt with a limit of t seconds is up at its reading
 // t + 2, and that of the listing at the first reading after 1.75 * t seconds.
 std::size_t Readings_of_an_attempt(unsigned max_time) {
     std::size_t readings = max_time + 3;
@@ -259,7 +259,7 @@ TEST(Hard_cores, More_time_lists_more_cliques) {
 }
 
 // Nodes 1 to 4 are linked with each other. Each of them is linked with a block of its own and half
-// of another one, which nobody finishes: their common clique comes behind all of these.
+// of another one, which nobody finishes: their common clique comes after all of these.
 TEST(Hard_cores, A_clique_that_comes_late_in_the_order_is_kept) {
     constexpr Node n_parts_of_block = 5;
     constexpr Node size = 4;

@@ -67,7 +67,7 @@ TEST_F(Huge_pages, An_array_gets_them_with_all_pages_that_it_lies_in) {
     EXPECT_FALSE(Is_wanted(begin - 1)) << "before its first page";
     EXPECT_TRUE(Is_wanted(begin)) << "in its first page";
     EXPECT_TRUE(Is_wanted(begin + huge_page + 4095)) << "in its last page";
-    EXPECT_FALSE(Is_wanted(begin + huge_page + 4096)) << "behind its last page";
+    EXPECT_FALSE(Is_wanted(begin + huge_page + 4096)) << "after its last page";
 }
 
 TEST_F(Huge_pages, A_smaller_array_is_left_alone) {

@@ -519,7 +519,7 @@ TEST(Intensity_coms_from_k_cliques, Stays_exact_when_the_sets_of_one_node_take_m
     Outcome const outcome = Communities_of(k_cliques, links, intensity);
     ASSERT_EQ(outcome.nodes.size(), expected.size());
     EXPECT_GT(expected.size(), 100U);
-    std::string reports; // one a k-clique, however many rounds
+    std::string reports; // one per k-clique, however many rounds
     for (std::size_t i = 0; i < k_cliques.size(); ++i) {
         reports += Progress(4, intensity, i, k_cliques.size());
     }
@@ -534,7 +534,7 @@ TEST(Intensity_coms_from_k_cliques, Does_as_the_definition_does_on_random_networ
     std::size_t n_rules = 0;
     std::size_t n_not_adjacent = 0;
     std::size_t n_errors = 0;
-    for (std::uint32_t seed = 0; seed < 4000; ++seed) {
+    for (std::uint32_t seed = 0; seed < Rounds(400); ++seed) {
         Random_weighted_network const net(seed);
         std::uint32_t const most = Last_node(net.links) + 1;
         for (std::uint32_t k = 0; k <= most; ++k) {
@@ -552,10 +552,10 @@ TEST(Intensity_coms_from_k_cliques, Does_as_the_definition_does_on_random_networ
         }
     }
     // The cases that matter have come up.
-    EXPECT_GT(n_communities, 5000U);
-    EXPECT_GT(n_rules, 100U);
-    EXPECT_GT(n_not_adjacent, 1000U);
-    EXPECT_GT(n_errors, 500U);
+    EXPECT_GT(n_communities, 500U);
+    EXPECT_GT(n_rules, 10U);
+    EXPECT_GT(n_not_adjacent, 100U);
+    EXPECT_GT(n_errors, 50U);
 }
 
 } // namespace

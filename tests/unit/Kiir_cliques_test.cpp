@@ -45,7 +45,7 @@ TEST(Kiir_cliques_PX, Every_name_is_followed_by_a_blank) {
     EXPECT_EQ(writing.console.Output(), "");
 }
 
-TEST(Kiir_cliques_PX, Approximate_cliques_keep_their_position_behind_a_sign) {
+TEST(Kiir_cliques_PX, Approximate_cliques_keep_their_position_after_a_sign) {
     Writing writing;
     EXPECT_EQ(writing.Cliques({{1, 2, 3}, {2, 3}, {4}}, 1, ""),
               "# The cliques from net.txt\n# more\n"

@@ -95,7 +95,7 @@ TEST(Kiir_coms_PX, Lists_the_names_of_each_community) {
     EXPECT_EQ(writing.console.Output(), "");
 }
 
-TEST(Kiir_coms_PX, Approximate_communities_keep_their_position_behind_a_sign) {
+TEST(Kiir_coms_PX, Approximate_communities_keep_their_position_after_a_sign) {
     Writing writing;
     EXPECT_EQ(writing.Coms(Two_communities(1)),
               "# The communities at k=3\n# from net.txt\n# more\n"

@@ -241,7 +241,7 @@ TEST(Local_cliques, Few_candidates_agree_with_all_subsets) {
 TEST(Local_cliques, About_a_word_of_candidates_agrees_with_growing) {
     Random_numbers random(29);
     Local_cliques local;
-    for (int round = 0; round < 40; ++round) {
+    for (unsigned round = 0; round < Rounds(12); ++round) {
         Problem const problem = Random_problem(60 + random.Below(10), 10 + random.Below(30),
                                                random.Below(8), random.Below(101), random);
         ASSERT_EQ(Cliques(local, problem, 64), Named(By_growing(problem), 64))
@@ -252,7 +252,7 @@ TEST(Local_cliques, About_a_word_of_candidates_agrees_with_growing) {
 TEST(Local_cliques, Several_words_of_candidates_agree_with_growing) {
     Random_numbers random(31);
     Local_cliques local;
-    for (int round = 0; round < 20; ++round) {
+    for (unsigned round = 0; round < Rounds(8); ++round) {
         Problem const problem =
             Random_problem(65 + random.Below(140), 1 + random.Below(round % 2 == 0 ? 3 : 20),
                            random.Below(8), random.Below(101), random);

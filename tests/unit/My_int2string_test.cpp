@@ -36,7 +36,7 @@ TEST(Int2string_with_width, Zero_is_zeros) {
     EXPECT_EQ(int2string(0, 0U), "");
 }
 
-TEST(Int2string_with_width, Zeros_go_behind_the_sign) {
+TEST(Int2string_with_width, Zeros_go_after_the_sign) {
     EXPECT_EQ(int2string(-5, 3U), "-005");
     EXPECT_EQ(int2string(-99, 3U), "-099");
     EXPECT_EQ(int2string(-1234, 3U), "-1234");

@@ -36,7 +36,7 @@ TEST(Stringtodouble, Allows_white_space_around_the_number) {
     Expect_number("0.5 ", 0.5);
 }
 
-TEST(Stringtodouble, Refuses_a_word_behind_the_number) {
+TEST(Stringtodouble, Refuses_a_word_after_the_number) {
     Expect_no_number("0.5 x");
     Expect_no_number("7 8");
     Expect_no_number("7x");

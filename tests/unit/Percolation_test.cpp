@@ -277,7 +277,7 @@ TEST(Percolation, A_long_chain_does_not_exhaust_the_stack) {
 // Orders, nodes and links of every k, downwards as in a run and in any order, against the matrix.
 TEST(Percolation, Random_networks_agree_with_the_matrix) {
     Random_numbers random(20);
-    for (int round = 0; round < 1500; ++round) {
+    for (unsigned round = 0; round < Rounds(150); ++round) {
         Node const n = 4 + random.Below(round % 10 == 0 ? 40 : 12);
         Links const links = round % 2 == 0
                                 ? Random_links(n, 20 + random.Below(n > 16 ? 25 : 70), random)

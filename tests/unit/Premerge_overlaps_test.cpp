@@ -84,7 +84,7 @@ TEST(Premerge_overlaps, Entries_that_are_too_small_are_left_out) {
     EXPECT_EQ(Row_of(premerge, 0, 4), Row());
 }
 
-TEST(Premerge_overlaps, Positions_behind_the_last_clique_are_passed_over) {
+TEST(Premerge_overlaps, Positions_after_the_last_clique_are_ignored) {
     Set_list const before{{1, 2, 3}, {1, 2, 4}, {1, 2, 5}, {1, 2, 6}};
     Set_list const after{{1, 2, 6}, {1, 2, 3, 4, 5}}; // three were dropped, one was added
     Premerge_overlaps premerge(before, after, 1, 6);

@@ -90,7 +90,7 @@ TEST(Examining_switches, Directed_and_intensity) {
     EXPECT_EQ(examined.settings.intensity_threshold, 0.3);
 }
 
-TEST(Examining_switches, Values_behind_a_flag_are_ignored) {
+TEST(Examining_switches, Values_after_a_flag_are_ignored) {
     Examined const examined({"-i", "a.txt", "-D", "x", "y"});
     EXPECT_FALSE(examined.request.error);
     EXPECT_TRUE(examined.settings.directed);
@@ -162,7 +162,7 @@ TEST(Examining_switches, A_value_that_cannot_be_read) {
               " Unable to interpret the value '3 4' for switch -k.\n");
 }
 
-TEST(Examining_switches, A_value_that_cannot_be_read_leaves_0_behind) {
+TEST(Examining_switches, A_value_that_cannot_be_read_leaves_0) {
     EXPECT_EQ(Error_text({"-i", "a.txt", "-t", "abc"}),
               std::string(" Unable to interpret the value 'abc' for switch -t.\n") +
                   time_not_positive);
@@ -180,7 +180,7 @@ TEST(Examining_switches, A_negative_number_is_an_unknown_parameter) {
     EXPECT_EQ(Error_text({"-i", "a.txt", "-w", "-5"}), unknown_parameter);
 }
 
-TEST(Examining_switches, A_negative_number_behind_a_blank_is_a_value) {
+TEST(Examining_switches, A_negative_number_after_a_blank_is_a_value) {
     Examined const examined({"-i", "a.txt", "-w", " -5"});
     EXPECT_FALSE(examined.request.error);
     EXPECT_EQ(examined.request.weights.lower, -5);

@@ -481,7 +481,7 @@ TEST_F(Read_lines, Weights_are_read_as_by_a_stream) {
 TEST_F(Read_lines, Random_numbers_are_read_as_by_a_stream) {
     Random_numbers random(7);
     std::string const characters = "0123456789012345....eE+-+-xXpinfa ";
-    for (int round = 0; round < 1500; ++round) {
+    for (unsigned round = 0; round < test::Rounds(300); ++round) {
         std::string line = "a b ";
         for (std::uint32_t left = 1 + random.Below(9); left > 0; --left) {
             line += characters[random.Below(static_cast<std::uint32_t>(characters.size()))];
@@ -493,7 +493,7 @@ TEST_F(Read_lines, Random_numbers_are_read_as_by_a_stream) {
 TEST_F(Read_lines, Random_lines_are_read_as_by_a_stream) {
     Random_numbers random(8);
     std::string const characters = std::string("aab1#.  \t\r\v\f\x80\xff") + std::string(1, '\0');
-    for (int round = 0; round < 1500; ++round) {
+    for (unsigned round = 0; round < test::Rounds(300); ++round) {
         std::string line;
         for (std::uint32_t left = random.Below(12); left > 0; --left) {
             line += characters[random.Below(static_cast<std::uint32_t>(characters.size()))];

@@ -107,7 +107,7 @@ TEST(Time_limited, Nodes_done_list_their_cliques_in_the_order_found) {
                                  "\n Altogether 3 cliques found.\n no approximation was needed\n"));
 }
 
-TEST(Time_limited, A_node_that_overran_comes_again_behind_all_others) {
+TEST(Time_limited, A_node_that_overran_comes_again_after_all_others) {
     Scripted_finder finder({{1, {{true, {}}, {false, {}}}}});
     Result const result = Search({1, 2, 3}, finder);
     EXPECT_EQ(finder.tried, (std::vector<Node>{1, 2, 3, 1}));

@@ -46,7 +46,7 @@ class Reading:
 def read(name: str, options: ReadOptions | None = None) -> Reading:
     """Reads the links of a file (``-``: standard input) in any of FORMATS, plain or gzipped.
 
-    ``table.said`` tells all that was recognised and passed over. Raises OSError when the file
+    ``table.said`` tells all that was recognised and skipped. Raises OSError when the file
     cannot be opened or read, FormatError when it is damaged, none of the formats, or could be
     read in more than one way.
     """

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""Reads tables with a link a line: fields between blanks, tabs, commas or semicolons.
+"""Reads tables with one link per line: fields between blanks, tabs, commas or semicolons.
 
 What a line means is decided before (`plexor.formats.recognise`); here every line must agree with
 it, or reading ends with the line, the column and what to do. The compiled module reads the lines;
@@ -72,7 +72,7 @@ def split_fields(line: bytes, delimiter: bytes | None, quotes: bool) -> list[byt
     """The fields of a line; None when a quoted field does not end in it.
 
     Blanks around fields belong to no field, unless quotation marks hold them; within these a
-    doubled mark is a mark. Raises ValueError when something stands behind a closing mark.
+    doubled mark is a mark. Raises ValueError when something stands after a closing mark.
     """
     if not quotes or b'"' not in line:
         if delimiter is None:
@@ -90,7 +90,7 @@ def split_fields(line: bytes, delimiter: bytes | None, quotes: bool) -> list[byt
         elif unclosed.match(line, at):
             return None
         elif begins_quoted.match(line, at):
-            raise ValueError("something stands behind a closing quotation mark")
+            raise ValueError("something stands after a closing quotation mark")
         else:
             found = plain.match(line, at)
             assert found is not None  # Relies on: nothing at all is a field, too.
@@ -160,7 +160,7 @@ def _refusal(dialect: Dialect, fault: str, line: int, n_fields: int, text: bytes
         return long_line(LONGEST_LINE, line)
     texts = {
         "open_quotation": 'a quotation mark (") that is never closed',
-        "text_behind_quotation": "something stands behind a closing quotation mark",
+        "text_behind_quotation": "something stands after a closing quotation mark",
         "comment_or_link": f"begins with {shown} and has as many fields as a link: --comment "
         f"'{shown}' passes over it, --comment none reads it",
         "percent_comment": "begins with %: --comment '#%' passes over it, --comment '#' reads it",
@@ -198,12 +198,12 @@ def _unescaped(names: list[str]) -> list[str]:
 def _said(read: dict[str, Any]) -> list[str]:
     said = []
     for key, one, many in (
-        ("comments", "comment line passed over", "comment lines passed over"),
-        ("blank_lines", "blank line passed over", "blank lines passed over"),
+        ("comments", "comment line skipped", "comment lines skipped"),
+        ("blank_lines", "blank line skipped", "blank lines skipped"),
         (
             "single_characters",
-            "line of a single character passed over, as plexor does",
-            "lines of a single character passed over, as plexor does",
+            "line of a single character skipped, as plexor does",
+            "lines of a single character skipped, as plexor does",
         ),
         (
             "carriage_returns",

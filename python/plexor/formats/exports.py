@@ -222,7 +222,7 @@ def write_edges(view: View, stream: BinaryIO, options: ExportOptions) -> None:
 def _communities(
     view: View, k: int, options: ExportOptions
 ) -> Iterator[tuple[int, list[int], bool]]:
-    """The communities at k as (number, nodes, approximated); with singletons those behind them."""
+    """The communities at k as (number, nodes, approximated); with singletons those after them."""
     level = view.result[k]
     for number, members in enumerate(level.nodes):
         yield number, members.tolist(), number >= level.n_exact
@@ -411,7 +411,7 @@ EXPORTS: dict[str, ExportFormat] = {
         True,
     ),
     "communities": ExportFormat(
-        "text, a line a community", "communities.txt", True, write_communities, True
+        "text, one community per line", "communities.txt", True, write_communities, True
     ),
     "cdlib": ExportFormat("JSON as cdlib reads it", "cdlib.json", True, write_cdlib, True),
     "json": ExportFormat("everything as JSON", "result.json", False, write_json),

@@ -84,5 +84,5 @@ def read_metis(data: bytes) -> LinkTable:
         raise FormatError(f"METIS: {len(edges):,} links where {n_links:,} are announced", at, 2)
     said = [f"METIS: {n_nodes:,} nodes by number from 1, each link once"]
     if skipped:
-        said.append("sizes and weights of nodes passed over")
+        said.append("sizes and weights of nodes skipped")
     return table_of_edges("METIS", names, edges, weights if weighted else None, False, said)

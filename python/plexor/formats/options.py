@@ -7,7 +7,7 @@ from dataclasses import dataclass
 
 #: The formats by the names that --format takes.
 FORMATS: dict[str, str] = {
-    "edges": "edge list: a link a line, in fields between blanks, tabs, commas or semicolons",
+    "edges": "edge list: one link per line, in fields between blanks, tabs, commas or semicolons",
     "links": "link file as plexor reads it",
     "sif": "SIF (Cytoscape)",
     "metis": "METIS graph",

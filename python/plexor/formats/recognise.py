@@ -403,7 +403,7 @@ def _choose(splits: list[_Split], rows: list[_Line]) -> _Split:
         if table is None or words is None:
             continue
         if all(not re.search(rb"[ \t]", field) for row in table.rows for field in row):
-            del left[None]  # blanks stand behind the delimiter only
+            del left[None]  # blanks stand after the delimiter only
         elif sign == b"," and _commas_in_numbers_only(words):
             del left[sign]  # decimal commas
         elif _ends_in_weights(words) and not _ends_in_weights(table):
@@ -586,7 +586,7 @@ def _weight_column(
         return None
     if konect:
         if width > 3:
-            said.append("column 4 is the time in KONECT and is passed over")
+            said.append("column 4 is the time in KONECT and is skipped")
         return 2
     if header is not None:
         known = [

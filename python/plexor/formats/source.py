@@ -123,7 +123,7 @@ def open_source(name: str) -> Source:
     mark = head.startswith(b"\xef\xbb\xbf")
     if mark:
         head = head[3:]
-        said.append("the byte order mark at the beginning was passed over")
+        said.append("the byte order mark at the beginning was skipped")
     if b"\0" in head:
         line = head[: head.index(b"\0")].count(b"\n") + 1
         raise FormatError(f"'{name}' is no text: there is a zero byte", line)

@@ -41,8 +41,8 @@ class LinkTable:
     format has an order. Bytes that are not UTF-8 are kept as surrogates ("surrogateescape").
     ``source`` and ``target`` are positions in ``names``; ``weight`` is None without weights.
     ``directed`` is None where the format does not tell. ``said`` are sentences for the user:
-    what was recognised, what was passed over and how often. ``passed_over_here_alone`` counts the
-    lines among these that the program does not pass over.
+    what was recognised, what was skipped and how often. ``passed_over_here_alone`` counts the
+    lines among these that the program does not skip.
     """
 
     format: str
