@@ -15,15 +15,49 @@
 namespace cpm {
 
 Dir_surroundings::Dir_surroundings(Graph const& graph, Known_cliques const& known)
-    : graph_(graph), known_(known), done_(graph.size() + 1, false), place_(graph.size() + 1, 0) {
+    : graph_(graph), known_(known), place_(graph.size() + 1, 0) {
     assert(graph.Directed());
 }
 
+void Dir_surroundings::Done(Node node) {
+    done_.resize(graph_.size() + 1, false);
+    done_[node] = true;
+}
+
 bool Dir_surroundings::Gather(Node node) {
-    Walk_neighbours(node);
+    names_.clear();
+    arcs_.clear();
+    excluded_names_.clear();
+    excluded_arcs_.clear();
+    graph_.For_each_arc(node, [this](Node neighbour, Arcs arcs) {
+        bool const is_done = !done_.empty() && done_[neighbour];
+        (is_done ? excluded_names_ : names_).push_back(neighbour);
+        (is_done ? excluded_arcs_ : arcs_).push_back(arcs);
+    });
+    return Look_around(node);
+}
+
+bool Dir_surroundings::Gather_by_order(Node node) {
+    names_.clear();
+    arcs_.clear();
+    excluded_names_.clear();
+    excluded_arcs_.clear();
+    names_.Append(graph_.Later(node));
+    arcs_.Append(graph_.Later_arcs(node));
+    excluded_names_.Append(graph_.Earlier(node));
+    excluded_arcs_.Append(graph_.Earlier_arcs(node));
+    return Look_around(node);
+}
+
+bool Dir_surroundings::Look_around(Node node) {
+    centre_ = N_places();
     if (centre_ < 2 || known_.One_holds_all(node, {names_.data(), centre_})) {
         return false;
     }
+    names_.push_back(node);
+    arcs_.push_back(0);
+    names_.Append(excluded_names_);
+    arcs_.Append(excluded_arcs_);
     Walk_links();
     Leave_out_idle_nodes();
     one_way_ =
@@ -31,22 +65,6 @@ bool Dir_surroundings::Gather(Node node) {
                     [](Arcs arcs) { return arcs != Arc_both; }) ||
         std::ranges::any_of(links_, [](Local_link const& link) { return link.arcs != Arc_both; });
     return centre_ > 0;
-}
-
-void Dir_surroundings::Walk_neighbours(Node node) {
-    names_.clear();
-    arcs_.clear();
-    excluded_names_.clear();
-    excluded_arcs_.clear();
-    graph_.For_each_arc(node, [this](Node neighbour, Arcs arcs) {
-        (done_[neighbour] ? excluded_names_ : names_).push_back(neighbour);
-        (done_[neighbour] ? excluded_arcs_ : arcs_).push_back(arcs);
-    });
-    centre_ = N_places();
-    names_.push_back(node);
-    arcs_.push_back(0);
-    names_.Append(excluded_names_);
-    arcs_.Append(excluded_arcs_);
 }
 
 // A link stands with that of its two ends which comes first in the order of the nodes. Nodes are

@@ -29,12 +29,14 @@ public:
     /// No node is done yet. The graph, which is directed, and what is known must outlive this.
     Dir_surroundings(Graph const& graph, Known_cliques const& known);
 
-    void Done(Node node) { done_[node] = true; }
+    void Done(Node node);
 
     /// Looks at the surroundings of a node that is not done. Candidates without a link to another
     /// candidate and excluded nodes with less than two links are left out: a clique has three nodes
     /// or more. False when no candidates are left then, or one known clique holds all.
     bool Gather(Node node);
+    /// The same where just the nodes are done that come earlier in the order of the graph.
+    bool Gather_by_order(Node node);
 
     Place N_places() const { return static_cast<Place>(names_.size()); }
     /// The place of the node itself, which is also the number of the candidates.
@@ -56,14 +58,14 @@ public:
     bool May_have_circles() const;
 
 private:
-    void Walk_neighbours(Node node);
+    bool Look_around(Node node);
     void Walk_links();
     void Leave_out_idle_nodes();
     void Renumber(Flat_array<Local_link>& links) const;
 
     Graph const& graph_;
     Known_cliques const& known_;
-    std::vector<bool> done_;
+    std::vector<bool> done_;  ///< empty as long as no node is done
     Flat_array<Place> place_; ///< node -> 1 + its place, or 0
 
     Place centre_ = 0;

@@ -221,16 +221,22 @@ bool Local_cliques::Start(std::size_t n_candidates, Pace* pace) {
     return true;
 }
 
-void Local_cliques::End_excluded(std::size_t least) {
-    assert(!excluded_.empty());
-    Word const* const row = excluded_.end() - n_words_;
-    std::size_t links = 0;
-    for (std::size_t w = 0; w < n_words_; ++w) {
-        links += static_cast<std::size_t>(std::popcount(row[w]));
+bool Local_cliques::Drop_excluded(std::size_t least, Pace& pace) {
+    Word* kept_end = excluded_.begin();
+    for (Word const* row = excluded_.begin(); row != excluded_.end(); row += n_words_) {
+        std::size_t links = 0;
+        for (std::size_t w = 0; w < n_words_; ++w) {
+            links += static_cast<std::size_t>(std::popcount(row[w]));
+        }
+        if (links >= least) {
+            kept_end = std::copy(row, row + n_words_, kept_end);
+        }
+        if (pace.Spend(n_words_)) {
+            return false;
+        }
     }
-    if (links < least) {
-        excluded_.Resize_uninitialised(excluded_.size() - n_words_);
-    }
+    excluded_.Resize_uninitialised(static_cast<std::size_t>(kept_end - excluded_.begin()));
+    return true;
 }
 
 bool Local_cliques::Find(Pace* pace, std::size_t most_bytes) {

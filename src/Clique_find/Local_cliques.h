@@ -43,14 +43,19 @@ public:
         Set_bit(Row(i), j);
         Set_bit(Row(j), i);
     }
-    /// An excluded node: call these in turn. One that is linked with fewer than `least` candidates
-    /// is forgotten.
-    void Start_excluded() { excluded_.Resize(excluded_.size() + n_words_, 0); }
-    void Link_excluded(std::size_t i) {
+    /// A further excluded node, not linked yet. They have the numbers 0, 1, ...
+    void Add_excluded() { excluded_.Resize(excluded_.size() + n_words_, 0); }
+    void Link_excluded(std::size_t e, std::size_t i) {
+        assert(i < n_candidates_ && e < N_excluded());
+        Set_bit(excluded_.data() + e * n_words_, i);
+    }
+    void Link_last_excluded(std::size_t i) {
         assert(i < n_candidates_ && !excluded_.empty());
         Set_bit(excluded_.end() - n_words_, i);
     }
-    void End_excluded(std::size_t least);
+    /// Forgets the excluded nodes that are linked with fewer than `least` candidates. False when
+    /// the pace ended it.
+    bool Drop_excluded(std::size_t least, Pace& pace);
 
     /// Finds the cliques, in lexicographic order; they stay until the next Start(). False when the
     /// pace ended the search, or when they need more than `most_bytes`: then the search goes on to

@@ -52,10 +52,14 @@ public:
     Node_set Earlier(Node node) const {
         return {neighbours_.data() + middles_[node], neighbours_.data() + begins_[node + 1]};
     }
-    /// Directed: entry i says how the node is linked with Later(node)[i].
+    /// Directed: entry i says how the node is linked with Later(node)[i], or Earlier(node)[i].
     std::span<Arcs const> Later_arcs(Node node) const {
         assert(directed_);
         return {arcs_.data() + begins_[node], arcs_.data() + middles_[node]};
+    }
+    std::span<Arcs const> Earlier_arcs(Node node) const {
+        assert(directed_);
+        return {arcs_.data() + middles_[node], arcs_.data() + begins_[node + 1]};
     }
 
     std::size_t Degree(Node node) const {

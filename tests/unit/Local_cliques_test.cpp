@@ -56,12 +56,21 @@ void Set_up(Local_cliques& local, Problem const& problem, std::size_t least) {
         local.Link(a, b);
     }
     for (auto const& links : problem.excluded) {
-        local.Start_excluded();
+        local.Add_excluded();
         for (Candidate const c : links) {
-            local.Link_excluded(c);
+            if (c % 2 == 0) {
+                local.Link_last_excluded(c);
+            }
         }
-        local.End_excluded(least);
     }
+    for (std::size_t e = 0; e < problem.excluded.size(); ++e) {
+        for (Candidate const c : problem.excluded[e]) {
+            local.Link_excluded(e, c);
+        }
+    }
+    Progress nobody;
+    Pace pace(nobody);
+    EXPECT_TRUE(local.Drop_excluded(least, pace));
 }
 
 // Candidate i has the name 2 * i + 1; the node that is always there is found among them, at

@@ -1,69 +1,46 @@
 // SPDX-License-Identifier: MIT
-// The directed searches, exact and within a time.
-//
-// Takes    the graph; a time for each node and a clock.
-// Leaves   each maximal set of three nodes or more that can be lined up once, found at its first
-//          node; within a time also what was found at the nodes given up, and these nodes.
-// Order    nodes ascending by neighbours, then index; at a node see Dir_order. Within a time nodes
-//          that overran come again at the end.
+// Takes    the graph, a node; within a time which nodes are done.
+// Leaves   each maximal set of three nodes or more that can be lined up once, found at the first of
+//          its nodes.
+// Order    see Dir_order.
 // Cost     where all links have their reverse, or one-way links close no circle, that of the
-//          undirected search, and the sorting. Memory: that of one node beside the graph and the
-//          clique list.
+//          undirected search, and the sorting. Memory: that of one node, and Known_cliques.
 // Tested   Clique_find_dir_test.cpp
-#include "Clique_find/Clique_find_dir.h"
+#include "Clique_find/Directed_finder.h"
+
+#include "Clique_find/Clique_limit.h"
 
 #include <algorithm>
 #include <cassert>
-#include <limits>
 
 namespace cpm {
 
 namespace {
 
-constexpr std::size_t least_others = 2; // a clique has three nodes or more
-constexpr std::size_t no_bound = std::numeric_limits<std::size_t>::max();
+constexpr std::size_t min_others = 2; // a clique has three nodes or more
 
 } // namespace
 
-void Clique_find_dir(Set_list& cliques, Graph const& graph, Progress& progress,
-                     std::size_t max_cliques) {
-    cliques.clear();
-    progress.Search_began({.directed = true, .max_time = std::nullopt});
-    Clique_find_dir_sub_routines::Dir_node_search search(graph, cliques, progress);
-    auto const total = static_cast<std::uint32_t>(graph.size());
-    std::uint32_t to_do = total;
-    for (Node const node : graph.Nodes()) {
-        progress.Node_started(to_do--, total);
-        search.Main_inc_dir_investigator(node, cliques);
-        Check_n_cliques(cliques.size(), max_cliques);
-        search.Done(node);
-    }
-    cliques.Shrink_to_fit();
-    progress.Search_done(static_cast<std::uint32_t>(cliques.size()), true);
-}
-
-void Clique_find_dir_time(Set_list& cliques, Graph const& graph, std::vector<Node>& core,
-                          double max_time, Clock& clock, Progress& progress,
-                          std::size_t max_cliques) {
-    using namespace Clique_find_time_sub_routines;
-    cliques.clear();
-    Clique_find_dir_sub_routines::Dir_node_search search(graph, cliques, progress);
-    progress.Search_began({.directed = true, .max_time = max_time});
-    Search_in_time(cliques, graph.Nodes(), search, max_time, clock, core, progress, max_cliques);
-}
-
-namespace Clique_find_dir_sub_routines {
-
-void Dir_node_search::Main_inc_dir_investigator(Node node, Set_list& cliques) {
-    if (around_.Gather(node)) {
+void Directed_finder::Main_inc_dir_investigator(Node node, Set_list& cliques) {
+    if (around_.Gather_by_order(node)) {
+        std::size_t const n_before = cliques.size();
         Find_around(no_bound, cliques);
+        known_.Add(cliques, n_before);
+    }
+}
+
+void Directed_finder::Find_within(Node node, Time_budget& budget, Set_list& found) {
+    Main_inc_dir_inv_time(node, budget, found);
+    if (!budget.Too_slow()) {
+        around_.Done(node);
+        known_.Add(found, 0);
     }
 }
 
 // The clock is not read for a node whose search by gaps would not read it, and is read where that
 // would read it first: what it had found by then counts when the time is up. From there on the fast
 // search takes over, which finds everything anew.
-void Dir_node_search::Main_inc_dir_inv_time(Node node, Time_budget& budget, Set_list& found) {
+void Directed_finder::Main_inc_dir_inv_time(Node node, Time_budget& budget, Set_list& found) {
     pace_.Go_on();
     if (!around_.Gather(node)) {
         return;
@@ -103,7 +80,7 @@ void Dir_node_search::Main_inc_dir_inv_time(Node node, Time_budget& budget, Set_
 
 // Appends the cliques around the node. False when the time was up before, or when there were more
 // than could be kept: then some of them may be there.
-bool Dir_node_search::Find_around(std::size_t most_bytes, Set_list& cliques) {
+bool Directed_finder::Find_around(std::size_t most_bytes, Set_list& cliques) {
     bool const circles = around_.May_have_circles();
     bool const all_found =
         circles ? kernel_.Find(around_, &pace_, most_bytes) : Find_without_circles(most_bytes);
@@ -130,7 +107,7 @@ bool Dir_node_search::Find_around(std::size_t most_bytes, Set_list& cliques) {
 }
 
 // Where one-way links close no circle, nodes two by two linked can always be lined up.
-bool Dir_node_search::Find_without_circles(std::size_t most_bytes) {
+bool Directed_finder::Find_without_circles(std::size_t most_bytes) {
     constexpr std::size_t steps_a_link = 4;
     if (!local_.Start(around_.Centre(), pace_.Is_bounded() ? &pace_ : nullptr)) {
         return false;
@@ -146,16 +123,15 @@ bool Dir_node_search::Find_without_circles(std::size_t most_bytes) {
     while (!rest.empty()) {
         std::size_t const n_rest = rest.size();
         Place const excluded = rest.front().other;
-        local_.Start_excluded();
+        local_.Add_excluded();
         for (; !rest.empty() && rest.front().other == excluded; rest = rest.subspan(1)) {
-            local_.Link_excluded(rest.front().candidate);
+            local_.Link_last_excluded(rest.front().candidate);
         }
-        local_.End_excluded(least_others);
         if (pace_.Spend(steps_a_link * (n_rest - rest.size()) + around_.Centre() / 64)) {
             return false;
         }
     }
-    if (!local_.Find(&pace_, most_bytes)) {
+    if (!local_.Drop_excluded(min_others, pace_) || !local_.Find(&pace_, most_bytes)) {
         return false;
     }
     while (places_.size() < around_.Centre()) {
@@ -163,10 +139,10 @@ bool Dir_node_search::Find_without_circles(std::size_t most_bytes) {
     }
     sets_.clear();
     return local_.Append_cliques(around_.Centre(), Node_set(places_).first(around_.Centre()),
-                                 least_others, sets_, &pace_);
+                                 min_others, sets_, &pace_);
 }
 
-void Dir_node_search::Append_clique(Node_set places, Set_list& cliques) {
+void Directed_finder::Append_clique(Node_set places, Set_list& cliques) {
     clique_.clear();
     for (Place const place : places) {
         clique_.push_back(around_.Name(place));
@@ -176,7 +152,5 @@ void Dir_node_search::Append_clique(Node_set places, Set_list& cliques) {
     std::rotate(std::upper_bound(clique_.begin(), centre, *centre), centre, clique_.end());
     cliques.Add(clique_);
 }
-
-} // namespace Clique_find_dir_sub_routines
 
 } // namespace cpm
