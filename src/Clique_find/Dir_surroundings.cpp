@@ -24,32 +24,39 @@ void Dir_surroundings::Done(Node node) {
     done_[node] = true;
 }
 
-bool Dir_surroundings::Gather(Node node) {
+void Dir_surroundings::Forget() {
+    if (marked_) {
+        for (Node const name : names_) {
+            place_[name] = 0;
+        }
+        marked_ = false;
+    }
     names_.clear();
     arcs_.clear();
     excluded_names_.clear();
     excluded_arcs_.clear();
+}
+
+bool Dir_surroundings::Look_around(Node node) {
+    Forget();
     graph_.For_each_arc(node, [this](Node neighbour, Arcs arcs) {
         bool const is_done = !done_.empty() && done_[neighbour];
         (is_done ? excluded_names_ : names_).push_back(neighbour);
         (is_done ? excluded_arcs_ : arcs_).push_back(arcs);
     });
-    return Look_around(node);
+    return Look_at(node);
 }
 
-bool Dir_surroundings::Gather_by_order(Node node) {
-    names_.clear();
-    arcs_.clear();
-    excluded_names_.clear();
-    excluded_arcs_.clear();
+bool Dir_surroundings::Look_around_by_order(Node node) {
+    Forget();
     names_.Append(graph_.Later(node));
     arcs_.Append(graph_.Later_arcs(node));
     excluded_names_.Append(graph_.Earlier(node));
     excluded_arcs_.Append(graph_.Earlier_arcs(node));
-    return Look_around(node);
+    return Look_at(node);
 }
 
-bool Dir_surroundings::Look_around(Node node) {
+bool Dir_surroundings::Look_at(Node node) {
     centre_ = N_places();
     if (centre_ < 2 || known_.One_holds_all(node, {names_.data(), centre_})) {
         return false;
@@ -58,7 +65,22 @@ bool Dir_surroundings::Look_around(Node node) {
     arcs_.push_back(0);
     names_.Append(excluded_names_);
     arcs_.Append(excluded_arcs_);
-    Walk_links();
+    for (Place i = 0; i < N_places(); ++i) {
+        place_[names_[i]] = i == centre_ ? 0 : i + 1;
+    }
+    marked_ = true;
+    return true;
+}
+
+bool Dir_surroundings::Gather_links(Pace& pace) {
+    bool const in_time = Walk_links(pace);
+    for (Node const name : names_) {
+        place_[name] = 0;
+    }
+    marked_ = false;
+    if (!in_time) {
+        return false;
+    }
     Leave_out_idle_nodes();
     one_way_ =
         std::any_of(arcs_.begin(), arcs_.begin() + centre_,
@@ -69,12 +91,9 @@ bool Dir_surroundings::Look_around(Node node) {
 
 // A link stands with that of its two ends which comes first in the order of the nodes. Nodes are
 // not done in just this order when there is a time limit, so either end may be the candidate.
-void Dir_surroundings::Walk_links() {
+bool Dir_surroundings::Walk_links(Pace& pace) {
     links_.clear();
     excluded_links_.clear();
-    for (Place i = 0; i < N_places(); ++i) {
-        place_[names_[i]] = i == centre_ ? 0 : i + 1;
-    }
     for (Place i = 0; i < N_places(); ++i) {
         if (i == centre_) {
             continue;
@@ -94,16 +113,15 @@ void Dir_surroundings::Walk_links() {
                 excluded_links_.push_back({other, i, Reversed(arcs[k])});
             }
         }
-    }
-    for (Node const name : names_) {
-        place_[name] = 0;
+        if (pace.Spend(2 * later.size() + 1)) {
+            return false;
+        }
     }
     auto const excluded_first = [](Local_link const& a, Local_link const& b) {
         return a.other < b.other;
     };
-    if (!std::ranges::is_sorted(excluded_links_, excluded_first)) {
-        std::ranges::sort(excluded_links_, excluded_first);
-    }
+    return std::ranges::is_sorted(excluded_links_, excluded_first) ||
+           Sort_within(excluded_links_.begin(), excluded_links_.end(), excluded_first, &pace);
 }
 
 void Dir_surroundings::Leave_out_idle_nodes() {

@@ -5,9 +5,11 @@
 #define PLEXOR_DIR_SURROUNDINGS_H
 
 #include "Clique_find/Known_cliques.h"
+#include "Clique_find/Time_budget.h"
 #include "graph/Graph.h"
 #include "graph/Types.h"
 
+#include <cassert>
 #include <cstdint>
 #include <vector>
 
@@ -31,12 +33,20 @@ public:
 
     void Done(Node node);
 
-    /// Looks at the surroundings of a node that is not done. Candidates without a link to another
-    /// candidate and excluded nodes with less than two links are left out: a clique has three nodes
-    /// or more. False when no candidates are left then, or one known clique holds all.
-    bool Gather(Node node);
+    /// Looks at the neighbours of a node that is not done, and not yet at the links among them.
+    /// False when there are fewer than two candidates, or one known clique holds all.
+    bool Look_around(Node node);
     /// The same where just the nodes are done that come earlier in the order of the graph.
-    bool Gather_by_order(Node node);
+    bool Look_around_by_order(Node node);
+    /// After that: calls visit(place, arcs) for the candidates, and then for the excluded nodes,
+    /// that a candidate is linked with, in each case ascending; the arcs are seen from the
+    /// candidate. Returns the steps that this took.
+    template <class Visit> std::size_t For_each_neighbour_of(Place place, Visit const& visit) const;
+
+    /// Gathers the links. Candidates without a link to another candidate and excluded nodes with
+    /// less than two links are left out: a clique has three nodes or more. The others change their
+    /// places. False when no candidates are left then, or the pace ended it.
+    bool Gather_links(Pace& pace);
 
     Place N_places() const { return static_cast<Place>(names_.size()); }
     /// The place of the node itself, which is also the number of the candidates.
@@ -58,15 +68,17 @@ public:
     bool May_have_circles() const;
 
 private:
-    bool Look_around(Node node);
-    void Walk_links();
+    void Forget();
+    bool Look_at(Node node);
+    bool Walk_links(Pace& pace);
     void Leave_out_idle_nodes();
     void Renumber(Flat_array<Local_link>& links) const;
 
     Graph const& graph_;
     Known_cliques const& known_;
     std::vector<bool> done_;  ///< empty as long as no node is done
-    Flat_array<Place> place_; ///< node -> 1 + its place, or 0
+    Flat_array<Place> place_; ///< node -> 1 + its place (the centre has none), or 0
+    bool marked_ = false;     ///< place_ tells the places of the names
 
     Place centre_ = 0;
     bool one_way_ = false;
@@ -79,6 +91,31 @@ private:
     Flat_array<Arcs> excluded_arcs_;
     Flat_array<Place> kept_; ///< place -> 1 + its place without the idle nodes, or 0
 };
+
+template <class Visit>
+std::size_t Dir_surroundings::For_each_neighbour_of(Place place, Visit const& visit) const {
+    assert(marked_ && place < centre_);
+    constexpr std::size_t steps_of_a_search = 16;
+    Node const node = names_[place];
+    std::size_t const degree = graph_.Degree(node);
+    if (degree / steps_of_a_search > names_.size()) {
+        for (Place other = 0; other < names_.size(); ++other) {
+            Arcs const arcs = other == centre_ ? 0 : graph_.Arcs_between(node, names_[other]);
+            if (arcs != 0) {
+                visit(other, arcs);
+            }
+        }
+        return steps_of_a_search * names_.size();
+    }
+    for (bool const excluded : {false, true}) {
+        graph_.For_each_arc(node, [&](Node neighbour, Arcs arcs) {
+            if (place_[neighbour] != 0 && (place_[neighbour] > centre_) == excluded) {
+                visit(place_[neighbour] - 1, arcs);
+            }
+        });
+    }
+    return 2 * degree;
+}
 
 } // namespace cpm
 

@@ -22,7 +22,7 @@ constexpr std::size_t min_others = 2; // a clique has three nodes or more
 } // namespace
 
 void Directed_finder::Main_inc_dir_investigator(Node node, Set_list& cliques) {
-    if (around_.Gather_by_order(node)) {
+    if (around_.Look_around_by_order(node) && around_.Gather_links(pace_)) {
         std::size_t const n_before = cliques.size();
         Find_around(no_bound, cliques);
         known_.Add(cliques, n_before);
@@ -42,7 +42,7 @@ void Directed_finder::Find_within(Node node, Time_budget& budget, Set_list& foun
 // search takes over, which finds everything anew.
 void Directed_finder::Main_inc_dir_inv_time(Node node, Time_budget& budget, Set_list& found) {
     pace_.Go_on();
-    if (!around_.Gather(node)) {
+    if (!around_.Look_around(node)) {
         return;
     }
     bool const reads_clock = first_check_.Reached(around_, pace_, found);
@@ -51,24 +51,28 @@ void Directed_finder::Main_inc_dir_inv_time(Node node, Time_budget& budget, Set_
     }
     std::swap(found, before_first_look_);
     found.clear();
-    if (!reads_clock) {
-        Find_around(no_bound, found);
-        return;
+    if (reads_clock) {
+        pace_.Go_on_within(budget);
     }
-    pace_.Go_on_within(budget);
-    bool all_found = Find_around(most_bytes_of_an_attempt, found);
-    if (!all_found && !pace_.Is_over()) { // there is time, but the sets need more than the bound
-        all_found = Find_around(no_bound, found);
-    }
-    if (all_found) {
+    acyclic_ = false;
+    if (around_.Gather_links(pace_)) {
+        bool all_found = Find_around(reads_clock ? most_bytes_of_an_attempt : no_bound, found);
+        if (!all_found && !pace_.Is_over()) { // there is time, but the sets need more than that
+            all_found = Find_around(no_bound, found);
+        }
+        if (all_found) {
+            return;
+        }
+    } else if (!pace_.Is_over()) {
         return;
     }
     found = {}; // may be large
     local_.Forget();
     kernel_.Forget();
     pace_.List_within(budget);
-    if (walk_.List(around_, first_check_, before_first_look_.size() + budget.Most_listed(),
-                   pace_)) {
+    around_.Look_around(node); // the places as they were for the check
+    if (walk_.List(around_, first_check_, acyclic_,
+                   before_first_look_.size() + budget.Most_listed(), pace_)) {
         for (std::size_t i = 0; i < walk_.Found().size(); ++i) {
             Append_clique(walk_.Found()[i], found);
         }
@@ -81,13 +85,13 @@ void Directed_finder::Main_inc_dir_inv_time(Node node, Time_budget& budget, Set_
 // Appends the cliques around the node. False when the time was up before, or when there were more
 // than could be kept: then some of them may be there.
 bool Directed_finder::Find_around(std::size_t most_bytes, Set_list& cliques) {
-    bool const circles = around_.May_have_circles();
+    acyclic_ = !around_.May_have_circles();
     bool const all_found =
-        circles ? kernel_.Find(around_, &pace_, most_bytes) : Find_without_circles(most_bytes);
+        acyclic_ ? Find_without_circles(most_bytes) : kernel_.Find(around_, &pace_, most_bytes);
     if (!all_found) {
         return false;
     }
-    Set_list const& sets = circles ? kernel_.Found() : sets_;
+    Set_list const& sets = acyclic_ ? sets_ : kernel_.Found();
     Check_n_cliques(sets.size()); // they are numbered to be sorted
     std::vector<std::uint32_t> const* order = nullptr;
     if (around_.One_way()) { // else every gap is open to every node: the order is lexicographic

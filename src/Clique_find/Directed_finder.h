@@ -47,6 +47,7 @@ private:
     Dir_kernel kernel_;
     Dir_order order_;
     Gap_walk walk_;
+    bool acyclic_ = false;     ///< the one-way links around the node
     std::vector<Node> places_; ///< 0, 1, 2, ...
     Set_list sets_;
     std::vector<Node> clique_;

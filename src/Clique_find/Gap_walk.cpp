@@ -48,12 +48,12 @@ template <class Visit> void Gap_walk::For_each_bit(Words const& set, Visit const
     }
 }
 
-bool Gap_walk::List(Dir_surroundings const& around, Dir_first_check const& check, std::size_t most,
-                    Pace& pace) {
+bool Gap_walk::List(Dir_surroundings const& around, Dir_first_check& check, bool acyclic,
+                    std::size_t most, Pace& pace) {
     around_ = &around;
     check_ = &check;
     most_ = most;
-    circles_ = around.May_have_circles();
+    circles_ = !acyclic;
     found_.clear();
     numbers_.clear();
     numbers_.Resize(around.N_places(), 0);
@@ -78,7 +78,7 @@ bool Gap_walk::List(Dir_surroundings const& around, Dir_first_check const& check
 // Sets up the problem of the sets with the centre and one candidate.
 bool Gap_walk::Gather(Place first, Pace& pace) {
     Place const centre = around_->Centre();
-    auto const neighbours = check_->Neighbours(first);
+    auto const neighbours = check_->Neighbours(first, pace);
     places_.clear();
     for (auto const& neighbour : neighbours) {
         if (neighbour.place < centre) {
@@ -114,7 +114,7 @@ bool Gap_walk::Gather(Place first, Pace& pace) {
         }
     }
     for (Number i = 0; i < n_candidates_; ++i) {
-        auto const all = check_->Neighbours(places_[i]);
+        auto const all = check_->Neighbours(places_[i], pace);
         for (auto const& neighbour : all) {
             Number const other = numbers_[neighbour.place];
             if (other != 0) {

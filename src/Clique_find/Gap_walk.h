@@ -20,9 +20,10 @@ public:
     /// Lists the sets of the centre and two candidates or more that can be lined up, and that no
     /// other candidate and no excluded node can join, in the order of Dir_order, until all are
     /// there, or `most` of them, or the pace says that the time is up. `check` has just looked at
-    /// the surroundings. False when the walk did not get as far as the check did.
-    bool List(Dir_surroundings const& around, Dir_first_check const& check, std::size_t most,
-              Pace& pace);
+    /// the surroundings, of which the links have not been gathered; with `acyclic` their one-way
+    /// links close no circle. False when the walk did not get as far as the check did.
+    bool List(Dir_surroundings const& around, Dir_first_check& check, bool acyclic,
+              std::size_t most, Pace& pace);
     /// The sets, each by ascending places with the centre last.
     Set_list const& Found() const { return found_; }
     void Forget() { found_ = {}; }
@@ -71,7 +72,7 @@ private:
     }
 
     Dir_surroundings const* around_ = nullptr;
-    Dir_first_check const* check_ = nullptr;
+    Dir_first_check* check_ = nullptr;
     std::size_t most_ = 0;
     bool caught_up_ = false; ///< with the check
     bool circles_ = false;   ///< one-way links around the centre may close a circle

@@ -17,6 +17,7 @@
 #include <algorithm>
 #include <bit>
 #include <cassert>
+#include <limits>
 #include <numeric>
 
 namespace cpm {
@@ -164,23 +165,30 @@ bool Search_words(Word_problem& problem, Word all, Pace* pace) {
     }
 }
 
-// The row with the most of the given candidates; `links` says how many.
-PLEXOR_COUNTS_BITS
-Word const* Most_linked(std::span<Word const* const> rows, Word const* candidates, std::size_t n,
-                        std::size_t& links) {
+// Of some rows, how many of the given candidates the one with the most and the one with the fewest
+// of them have.
+struct Linked_rows {
     Word const* best = nullptr;
+    std::size_t most = 0;
+    std::size_t fewest = std::numeric_limits<std::size_t>::max();
+};
+
+PLEXOR_COUNTS_BITS
+void Look_at_rows(std::span<Word const* const> rows, Word const* candidates, std::size_t n,
+                  Linked_rows& linked) {
     for (Word const* const row : rows) {
         std::size_t common = 0;
         for (std::size_t w = 0; w < n; ++w) {
             common += static_cast<std::size_t>(std::popcount(row[w] & candidates[w]));
         }
-        if (best == nullptr || common > links) {
-            best = row;
-            links = common;
+        if (linked.best == nullptr || common > linked.most) {
+            linked.best = row;
+            linked.most = common;
         }
+        linked.fewest = std::min(linked.fewest, common);
     }
-    return best;
 }
+
 } // namespace
 
 std::uint64_t Local_cliques_sub::First_candidates(std::span<std::uint32_t const> list) {
@@ -373,7 +381,7 @@ bool Local_cliques::Search_wide(Pace* pace) {
                     level_excluded_.begin() + static_cast<std::ptrdiff_t>(level.excluded_end),
                     linked_with_next)) {
                 narrow_.assign(1, static_cast<std::uint32_t>(next));
-                Add_wide(Bit(0));
+                Add_narrow(Bit(0));
             }
         } else if (size <= word_bits) {
             finished = Narrow_to_words(next_candidates, size, depth, next, pace);
@@ -397,30 +405,37 @@ bool Local_cliques::Search_wide(Pace* pace) {
 }
 
 // Chooses the pivot of a level and with it the candidates to try: none of them when an excluded
-// node is linked with all candidates.
+// node is linked with all candidates, or when these are one clique, which is added at once.
 void Local_cliques::Open_level(std::size_t depth) {
     std::size_t const n = n_words_;
     Word* const candidates = level_words_.data() + 3 * n * depth;
     Word* const tried = candidates + n;
     Word* const to_try = tried + n;
+    auto const add_rows = [this](Word const* set) {
+        For_each_candidate(set, [this](std::size_t i) { pivots_.push_back(Row(i)); });
+    };
     pivots_.clear();
-    std::size_t size = 0;
-    for (std::size_t w = 0; w < n; ++w) {
-        size += static_cast<std::size_t>(std::popcount(candidates[w]));
-        for (Word rest = candidates[w] | tried[w]; rest != 0;) {
-            auto const i = static_cast<std::size_t>(std::countl_zero(rest));
-            rest &= ~Bit(i);
-            pivots_.push_back(Row(w * word_bits + i));
-        }
-    }
+    add_rows(candidates);
+    std::size_t const size = pivots_.size();
+    add_rows(tried);
     for (std::size_t e = levels_[depth].excluded_begin; e < levels_[depth].excluded_end; ++e) {
         pivots_.push_back(excluded_.data() + level_excluded_[e] * n);
     }
-    std::size_t links = 0;
-    Word const* const pivot = Most_linked(pivots_, candidates, n, links);
+    Linked_rows linked;
+    std::span<Word const* const> const rows = pivots_;
+    Look_at_rows(rows.first(size), candidates, n, linked);
+    bool const one_clique = linked.fewest == size - 1;
+    Look_at_rows(rows.subspan(size), candidates, n, linked);
     // A candidate is not linked with itself: only a node outside can be linked with all of them.
+    bool const hopeless = linked.most == size;
+    if (one_clique && !hopeless) {
+        clique_.assign(path_.begin(), path_.end());
+        For_each_candidate(candidates,
+                           [this](std::size_t i) { clique_.push_back(static_cast<Node>(i)); });
+        Add_wide();
+    }
     for (std::size_t w = 0; w < n; ++w) {
-        to_try[w] = links == size ? 0 : candidates[w] & ~pivot[w];
+        to_try[w] = hopeless || one_clique ? 0 : candidates[w] & ~linked.best[w];
     }
 }
 
@@ -435,14 +450,10 @@ bool Local_cliques::Narrow_to_words(Word const* set, std::size_t size, std::size
     }
     narrow_.clear();
     narrow_place_.resize(n * word_bits);
-    for (std::size_t w = 0; w < n; ++w) {
-        for (Word rest = set[w]; rest != 0;) {
-            std::size_t const i = w * word_bits + static_cast<std::size_t>(std::countl_zero(rest));
-            rest &= ~Bit(i);
-            narrow_place_[i] = static_cast<std::uint8_t>(narrow_.size());
-            narrow_.push_back(static_cast<std::uint32_t>(i));
-        }
-    }
+    For_each_candidate(set, [this](std::size_t i) {
+        narrow_place_[i] = static_cast<std::uint8_t>(narrow_.size());
+        narrow_.push_back(static_cast<std::uint32_t>(i));
+    });
     Word const all = ~Word{0} << (word_bits - size);
     words_.excluded.clear();
     auto const exclude = [&](Word const* row) {
@@ -475,7 +486,7 @@ bool Local_cliques::Narrow_to_words(Word const* set, std::size_t size, std::size
     bool const finished = Search_words(words_, all, pace);
     path_.push_back(static_cast<std::uint32_t>(next));
     for (Word const found : words_.found) {
-        Add_wide(found);
+        Add_narrow(found);
     }
     path_.pop_back();
     words_.found.clear();
@@ -495,15 +506,20 @@ Local_cliques::Word Local_cliques::Narrowed(Word const* row, Word const* set) co
     return narrow;
 }
 
-// Records the path and a set of the narrow problem as a list of candidates.
-void Local_cliques::Add_wide(Word narrow_set) {
+// Records the path and a set of the narrow problem.
+void Local_cliques::Add_narrow(Word narrow_set) {
     clique_.assign(path_.begin(), path_.end());
     for (Word rest = narrow_set; rest != 0;) {
         auto const i = static_cast<std::size_t>(std::countl_zero(rest));
         rest &= ~Bit(i);
         clique_.push_back(narrow_[i]);
     }
-    // The word of the narrow problem has been counted already.
+    Add_wide();
+}
+
+// Records the candidates in clique_.
+void Local_cliques::Add_wide() {
+    // The word of a narrow problem has been counted already.
     std::size_t const bytes = clique_.size() * sizeof(clique_.front()) + sizeof(std::uint64_t);
     if (words_.room < bytes) {
         words_.all_kept = false;

@@ -9,6 +9,7 @@
 #include "graph/Types.h"
 
 #include <array>
+#include <bit>
 #include <cassert>
 #include <limits>
 #include <vector>
@@ -98,7 +99,17 @@ private:
     bool Narrow_to_words(Word const* set, std::size_t size, std::size_t depth, std::size_t next,
                          Pace* pace);
     Word Narrowed(Word const* row, Word const* set) const;
-    void Add_wide(Word narrow_set);
+    void Add_narrow(Word narrow_set);
+    void Add_wide();
+    template <class Visit> void For_each_candidate(Word const* set, Visit const& visit) const {
+        for (std::size_t w = 0; w < n_words_; ++w) {
+            for (Word rest = set[w]; rest != 0;) {
+                auto const i = static_cast<std::size_t>(std::countl_zero(rest));
+                rest &= ~Bit(i);
+                visit(w * word_bits + i);
+            }
+        }
+    }
     bool Order_wide(Pace* pace);
 
     std::size_t n_candidates_ = 0;

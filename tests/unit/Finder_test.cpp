@@ -3,11 +3,13 @@
 
 #include "Clique_find/Search_driver.h"
 #include "support/Graph_makers.h"
+#include "support/Test_clocks.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <memory>
+#include <optional>
 #include <set>
 #include <vector>
 
@@ -81,6 +83,47 @@ TEST(Finder, Start_nodes_can_be_shared_out_among_finders) {
         n_cliques += joined.size();
     }
     EXPECT_GT(n_cliques, 2000U);
+}
+
+// How often a search looks at those who wait: once for about a hundred thousand steps.
+class Counting_progress : public Progress {
+public:
+    void Tick() override { ++n_ticks; }
+    std::size_t n_ticks = 0;
+};
+
+// The links of one clique of n nodes, each one way and none of them in a cycle if directed.
+std::size_t Ticks_for_a_clique(Node n, bool directed, std::optional<double> max_time) {
+    Index_links links;
+    for (Node a = 1; a <= n; ++a) {
+        for (Node b = a + 1; b <= n; ++b) {
+            links.pairs.push_back({a, b});
+        }
+    }
+    Graph const graph(links, directed);
+    Counting_progress counting;
+    Clock_of clock([seconds = 0.0]() mutable { return ++seconds; }); // at each reading
+    std::optional<Time_limit> limit;
+    if (max_time) {
+        limit.emplace(Time_limit{*max_time, clock});
+    }
+    Set_list cliques;
+    std::vector<Node> core;
+    Search_graph(cliques, graph, limit, core, counting);
+    EXPECT_EQ(core.size(), max_time == 0 ? n : 0);
+    EXPECT_EQ(cliques.size(), max_time == 0 ? 0U : 1U);
+    return counting.n_ticks;
+}
+
+TEST(Finder, One_large_clique_takes_steps_by_the_square_of_its_nodes) {
+    for (bool const directed : {false, true}) {
+        for (std::optional<double> const max_time :
+             {std::optional<double>(), std::optional(1e9), std::optional(0.0)}) {
+            std::size_t const small = Ticks_for_a_clique(500, directed, max_time);
+            std::size_t const large = Ticks_for_a_clique(2000, directed, max_time);
+            EXPECT_LE(large, 17 * (small + 1)) << directed << ' ' << max_time.value_or(-1);
+        }
+    }
 }
 
 } // namespace
