@@ -52,7 +52,7 @@ void Directed_finder::Main_inc_dir_inv_time(Node node, Time_budget& budget, Set_
     std::swap(found, before_first_look_);
     found.clear();
     if (reads_clock) {
-        pace_.Go_on_within(budget);
+        budget.Bound(pace_);
     }
     acyclic_ = false;
     if (around_.Gather_links(pace_)) {
@@ -69,7 +69,7 @@ void Directed_finder::Main_inc_dir_inv_time(Node node, Time_budget& budget, Set_
     found = {}; // may be large
     local_.Forget();
     kernel_.Forget();
-    pace_.List_within(budget);
+    budget.Bound_listing(pace_);
     around_.Look_around(node); // the places as they were for the check
     if (walk_.List(around_, first_check_, acyclic_,
                    before_first_look_.size() + budget.Most_listed(), pace_)) {

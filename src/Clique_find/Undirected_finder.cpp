@@ -74,7 +74,7 @@ void Undirected_finder::Clique_find_main_time_part(Node node, Time_budget& budge
     // The cliques found so far are among all of them, in their places.
     std::swap(found, timed.before_first_look);
     found.clear();
-    pace_.Go_on_within(budget);
+    budget.Bound(pace_);
     bool const all_found = Find_all(node, found);
     Unmark(timed.candidates.Nodes());
     Unmark(timed.excluded.Nodes());
@@ -85,7 +85,7 @@ void Undirected_finder::Clique_find_main_time_part(Node node, Time_budget& budge
     std::swap(found, timed.before_first_look);
     timed.before_first_look = {}; // may be large
     local_.Forget();
-    pace_.List_within(budget);
+    budget.Bound_listing(pace_);
     timed.walk.List({node, timed.candidates, timed.excluded}, timed.first_check.Reached_at(),
                     found.size() + budget.Most_listed(), pace_, found);
 }

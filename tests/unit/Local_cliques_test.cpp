@@ -340,7 +340,7 @@ TEST(Local_cliques, A_search_ends_with_its_time) {
             Time_budget budget(clock, most - 0.5, 1000);
             Progress nobody;
             Pace pace(nobody);
-            pace.Go_on_within(budget);
+            budget.Bound(pace);
             EXPECT_EQ(local.Find(&pace), most == 1000000);
             EXPECT_EQ(budget.Too_slow(), most < 1000000);
             EXPECT_TRUE(most == 1000000 || readings == most + 1);
