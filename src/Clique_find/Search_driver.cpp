@@ -28,9 +28,10 @@ std::uint32_t Count(std::size_t size) {
 // The nodes that are not done: first in their order, then those tried in vain, as they were tried.
 class Node_queue {
 public:
-    explicit Node_queue(std::vector<Node> const& order) : order_(order) {}
-    std::size_t size() const { return order_.size() - n_taken_ + again_.size(); }
+    explicit Node_queue(std::vector<Node> const& order) : order_(order), size_(order.size()) {}
+    std::size_t size() const { return size_; }
     Node Take() {
+        --size_;
         if (n_taken_ < order_.size()) {
             return order_[n_taken_++];
         }
@@ -38,10 +39,14 @@ public:
         again_.pop_front();
         return node;
     }
-    void Put_back(Node node) { again_.push_back(node); }
+    void Put_back(Node node) {
+        ++size_;
+        again_.push_back(node);
+    }
 
 private:
     std::vector<Node> const& order_;
+    std::size_t size_;
     std::size_t n_taken_ = 0;
     std::deque<Node> again_;
 };
