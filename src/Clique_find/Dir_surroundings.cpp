@@ -7,7 +7,7 @@
 // Tested   Clique_find_dir_test.cpp
 #include "Clique_find/Dir_surroundings.h"
 
-#include "Clique_find/Circles.h"
+#include "Clique_find/Cycles.h"
 
 #include <algorithm>
 #include <cassert>
@@ -170,10 +170,10 @@ void Dir_surroundings::Renumber(Flat_array<Local_link>& links) const {
     links.Resize_uninitialised(n_kept);
 }
 
-// A circle here may run through several excluded nodes.
-bool Dir_surroundings::May_have_circles() const {
+// A cycle here may run through several excluded nodes.
+bool Dir_surroundings::May_have_cycles() const {
     if (!one_way_) {
-        return false; // a circle with one excluded node has a link within the others
+        return false; // a cycle with one excluded node has a link within the others
     }
     std::vector<One_way_link> one_way;
     auto const add = [&one_way](Place a, Place b, Arcs seen_from_a) {
@@ -191,7 +191,7 @@ bool Dir_surroundings::May_have_circles() const {
             add(link.candidate, link.other, link.arcs);
         }
     }
-    return Close_a_circle(one_way, N_places());
+    return Has_cycle(one_way, N_places());
 }
 
 } // namespace cpm

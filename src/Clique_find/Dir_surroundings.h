@@ -64,8 +64,8 @@ public:
     /// Whether some link among the node and its candidates has no reverse.
     bool One_way() const { return one_way_; }
     /// False when no one-way links among the node, its candidates and one excluded node close a
-    /// circle. (True says nothing.)
-    bool May_have_circles() const;
+    /// cycle. (True says nothing.)
+    bool May_have_cycles() const;
 
 private:
     void Forget();

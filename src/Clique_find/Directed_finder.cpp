@@ -3,7 +3,7 @@
 // Leaves   each maximal set of three nodes or more that can be lined up once, found at the first of
 //          its nodes.
 // Order    see Dir_order.
-// Cost     where all links have their reverse, or one-way links close no circle, that of the
+// Cost     where all links have their reverse, or one-way links close no cycle, that of the
 //          undirected search, and the sorting. Memory: that of one node, and Known_cliques.
 // Tested   Clique_find_dir_test.cpp
 #include "Clique_find/Directed_finder.h"
@@ -45,7 +45,7 @@ void Directed_finder::Main_inc_dir_inv_time(Node node, Time_budget& budget, Set_
     if (!around_.Look_around(node)) {
         return;
     }
-    bool const reads_clock = first_check_.Reached(around_, pace_, found);
+    bool const reads_clock = before_clock_.Reads_clock(around_, pace_, found);
     if (reads_clock && budget.Overrun()) {
         return;
     }
@@ -56,7 +56,7 @@ void Directed_finder::Main_inc_dir_inv_time(Node node, Time_budget& budget, Set_
     }
     acyclic_ = false;
     if (around_.Gather_links(pace_)) {
-        bool all_found = Find_around(reads_clock ? most_bytes_of_an_attempt : no_bound, found);
+        bool all_found = Find_around(reads_clock ? max_bytes_of_an_attempt : no_bound, found);
         if (!all_found && !pace_.Is_over()) { // there is time, but the sets need more than that
             all_found = Find_around(no_bound, found);
         }
@@ -71,7 +71,7 @@ void Directed_finder::Main_inc_dir_inv_time(Node node, Time_budget& budget, Set_
     kernel_.Forget();
     budget.Bound_listing(pace_);
     around_.Look_around(node); // the places as they were for the check
-    if (walk_.List(around_, first_check_, acyclic_,
+    if (walk_.List(around_, before_clock_, acyclic_,
                    before_first_look_.size() + budget.Most_listed(), pace_)) {
         for (std::size_t i = 0; i < walk_.Found().size(); ++i) {
             Append_clique(walk_.Found()[i], found);
@@ -84,10 +84,10 @@ void Directed_finder::Main_inc_dir_inv_time(Node node, Time_budget& budget, Set_
 
 // Appends the cliques around the node. False when the time was up before, or when there were more
 // than could be kept: then some of them may be there.
-bool Directed_finder::Find_around(std::size_t most_bytes, Set_list& cliques) {
-    acyclic_ = !around_.May_have_circles();
+bool Directed_finder::Find_around(std::size_t max_bytes, Set_list& cliques) {
+    acyclic_ = !around_.May_have_cycles();
     bool const all_found =
-        acyclic_ ? Find_without_circles(most_bytes) : kernel_.Find(around_, &pace_, most_bytes);
+        acyclic_ ? Find_acyclic(max_bytes) : kernel_.Find(around_, &pace_, max_bytes);
     if (!all_found) {
         return false;
     }
@@ -110,8 +110,8 @@ bool Directed_finder::Find_around(std::size_t most_bytes, Set_list& cliques) {
     return true;
 }
 
-// Where one-way links close no circle, nodes two by two linked can always be lined up.
-bool Directed_finder::Find_without_circles(std::size_t most_bytes) {
+// Where one-way links close no cycle, nodes two by two linked can always be lined up.
+bool Directed_finder::Find_acyclic(std::size_t max_bytes) {
     constexpr std::size_t steps_a_link = 4;
     if (!local_.Start(around_.Centre(), pace_.Is_bounded() ? &pace_ : nullptr)) {
         return false;
@@ -135,7 +135,7 @@ bool Directed_finder::Find_without_circles(std::size_t most_bytes) {
             return false;
         }
     }
-    if (!local_.Drop_excluded(min_others, pace_) || !local_.Find(&pace_, most_bytes)) {
+    if (!local_.Drop_excluded(min_others, pace_) || !local_.Find(&pace_, max_bytes)) {
         return false;
     }
     while (places_.size() < around_.Centre()) {

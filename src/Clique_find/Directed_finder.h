@@ -4,14 +4,14 @@
 #ifndef PLEXOR_DIRECTED_FINDER_H
 #define PLEXOR_DIRECTED_FINDER_H
 
-#include "Clique_find/Dir_first_check.h"
-#include "Clique_find/Dir_kernel.h"
+#include "Clique_find/Bron_kerbosch.h"
+#include "Clique_find/Dir_before_first_clock.h"
 #include "Clique_find/Dir_order.h"
 #include "Clique_find/Dir_surroundings.h"
+#include "Clique_find/Directed_bron_kerbosch.h"
 #include "Clique_find/Finder.h"
 #include "Clique_find/Gap_walk.h"
 #include "Clique_find/Known_cliques.h"
-#include "Clique_find/Local_cliques.h"
 #include "graph/Graph.h"
 #include "graph/Types.h"
 #include "support/Progress.h"
@@ -35,16 +35,16 @@ private:
 
     void Main_inc_dir_investigator(Node node, Set_list& cliques);
     void Main_inc_dir_inv_time(Node node, Time_budget& budget, Set_list& found);
-    bool Find_around(std::size_t most_bytes, Set_list& cliques);
-    bool Find_without_circles(std::size_t most_bytes);
+    bool Find_around(std::size_t max_bytes, Set_list& cliques);
+    bool Find_acyclic(std::size_t max_bytes);
     void Append_clique(Node_set places, Set_list& cliques);
 
     Pace pace_;
     Known_cliques known_;
     Dir_surroundings around_;
-    Dir_first_check first_check_;
-    Local_cliques local_;
-    Dir_kernel kernel_;
+    Dir_before_first_clock before_clock_;
+    Bron_kerbosch local_;
+    Directed_bron_kerbosch kernel_;
     Dir_order order_;
     Gap_walk walk_;
     bool acyclic_ = false;     ///< the one-way links around the node

@@ -8,7 +8,7 @@
 // Tested   Pending_sets_test.cpp, Search_driver_test.cpp
 #include "Clique_find/Pending_sets.h"
 
-#include "Clique_find/Subset_index.h"
+#include "Clique_find/Superset_index.h"
 #include "Clique_find/Time_budget.h"
 
 #include <algorithm>
@@ -116,15 +116,15 @@ void Pending_sets::Register(Set_list& cliques, Progress& progress) {
             place_of[order[place]] = place;
         }
         std::vector<bool> const asked = Nodes_of(sets_, triples, done_.size());
-        Subset_index const in_cliques(cliques, &asked);
-        Subset_index const in_pending(sets_, &asked);
+        Superset_index const in_cliques(cliques, &asked);
+        Superset_index const in_pending(sets_, &asked);
         for (std::uint32_t const triple : triples) {
             // An earlier set that is dropped lies in a clique itself, which so holds this one, too.
             auto const comes_first = [&](std::uint32_t other) {
                 return place_of[other] < place_of[triple];
             };
-            keep[triple] = !in_cliques.Any_holder(sets_[triple]) &&
-                           !in_pending.Any_holder(sets_[triple], comes_first);
+            keep[triple] = !in_cliques.Any_superset(sets_[triple]) &&
+                           !in_pending.Any_superset(sets_[triple], comes_first);
             pace.Spend(steps_a_comparison);
         }
     }

@@ -17,7 +17,7 @@
 namespace cpm {
 
 /// What a search may keep of one node's cliques before it is known whether the node will be done.
-constexpr std::size_t most_bytes_of_an_attempt = std::size_t{1} << 28;
+constexpr std::size_t max_bytes_of_an_attempt = std::size_t{1} << 28;
 
 /// The time that one attempt at a node may take, from the making of the budget on.
 class Time_budget {

@@ -7,7 +7,8 @@
 // Cost     a node's candidates and excluded nodes are found by walking the later neighbours of its
 //          neighbours, never all neighbours of a hub: no more than sqrt(2 * links) a link, and on
 //          real networks a few. Memory: that of one node. A node whose time is up at the first look
-//          at the clock costs what First_check does, and an attempt never more than twice its time.
+//          at the clock costs what Before_first_clock does, and an attempt never more than twice
+//          its time.
 // Tested   Clique_find_test.cpp, Clique_find_time_test.cpp with clocks that count, the runs against
 //          the plain model.
 #include "Clique_find/Undirected_finder.h"
@@ -67,7 +68,7 @@ void Undirected_finder::Clique_find_main_time_part(Node node, Time_budget& budge
         return;
     }
     bool const third_step =
-        timed.first_check.Reached(node, timed.candidates, timed.excluded, pace_, found);
+        timed.before_clock.Reads_clock(node, timed.candidates, timed.excluded, pace_, found);
     if (!third_step || budget.Overrun()) {
         return;
     }
@@ -86,7 +87,7 @@ void Undirected_finder::Clique_find_main_time_part(Node node, Time_budget& budge
     timed.before_first_look = {}; // may be large
     local_.Forget();
     budget.Bound_listing(pace_);
-    timed.walk.List({node, timed.candidates, timed.excluded}, timed.first_check.Reached_at(),
+    timed.walk.List({node, timed.candidates, timed.excluded}, timed.before_clock.Reached_at(),
                     found.size() + budget.Most_listed(), pace_, found);
 }
 
@@ -98,7 +99,7 @@ bool Undirected_finder::Find_all(Node node, Set_list& found) {
     if (Gather<false>(candidates, timed_->excluded.Nodes()) == Outcome::time_is_up) {
         return false;
     }
-    if (!local_.Find(&pace_, most_bytes_of_an_attempt)) {
+    if (!local_.Find(&pace_, max_bytes_of_an_attempt)) {
         bool const once_more = !pace_.Is_over() && !local_.All_kept();
         if (!once_more || !local_.Find(&pace_)) {
             return false;

@@ -4,10 +4,10 @@
 #define PLEXOR_UNDIRECTED_FINDER_H
 
 #include "Clique_find/Ascending_walk.h"
+#include "Clique_find/Before_first_clock.h"
+#include "Clique_find/Bron_kerbosch.h"
 #include "Clique_find/Finder.h"
-#include "Clique_find/First_check.h"
 #include "Clique_find/Known_cliques.h"
-#include "Clique_find/Local_cliques.h"
 #include "graph/Graph.h"
 #include "graph/Types.h"
 #include "support/Progress.h"
@@ -36,7 +36,7 @@ private:
         Known_cliques known;
         Placed_nodes candidates;
         Placed_nodes excluded;
-        First_check first_check;
+        Before_first_clock before_clock;
         Ascending_walk walk;
         Set_list before_first_look;
     };
@@ -54,7 +54,7 @@ private:
 
     Graph const& graph_;
     Pace pace_;
-    Local_cliques local_;
+    Bron_kerbosch local_;
     Flat_array<std::uint32_t> place_;   ///< node -> 1 + its place in the problem, or 0
     std::vector<std::uint32_t> marked_; ///< the places of the nodes looked at
     std::size_t steps_ = 0;             ///< of gathering at this node

@@ -215,7 +215,7 @@ TEST(Hard_cores, Parts_are_given_up_as_soon_as_the_time_is_up) {
     }
 }
 
-TEST(Hard_cores, Parts_with_circles_are_given_up_as_soon_as_the_time_is_up) {
+TEST(Hard_cores, Parts_with_may_have_cycles_are_given_up_as_soon_as_the_time_is_up) {
     for (unsigned const max_time : {1U, 4U}) {
         std::size_t const readings = n_of_parts * Readings_of_an_attempt(max_time);
         Result const result = Search_directed(Parts(Ways::any), max_time, readings);

@@ -24,12 +24,12 @@ Set_list Sets_of_four(Node last) {
 
 TEST(Pending_sets, When_they_are_full_what_comes_first_of_an_attempt_stays) {
     Set_list const sets = Sets_of_four(30);
-    constexpr std::size_t most_bytes = 40000;
-    Pending_sets pending(30, most_bytes);
+    constexpr std::size_t max_bytes = 40000;
+    Pending_sets pending(30, max_bytes);
     pending.Add(sets);
     std::size_t const n = pending.Sets().size();
-    EXPECT_LE(pending.Bytes(), most_bytes);
-    EXPECT_GT(pending.Bytes(), most_bytes - 100);
+    EXPECT_LE(pending.Bytes(), max_bytes);
+    EXPECT_GT(pending.Bytes(), max_bytes - 100);
     for (std::size_t i = 0; i < n; ++i) {
         ASSERT_TRUE(std::ranges::equal(pending.Sets()[i], sets[i]));
     }

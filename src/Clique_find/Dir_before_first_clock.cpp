@@ -13,7 +13,7 @@
 // What is found here counts only when the time is up at the first look; so the fast search that
 // follows need not find the same sets on its way, and a set here may be such that in another line
 // one more node could join it.
-#include "Clique_find/Dir_first_check.h"
+#include "Clique_find/Dir_before_first_clock.h"
 
 #include <algorithm>
 #include <array>
@@ -26,7 +26,8 @@ constexpr std::uint8_t n_gaps = 3;
 
 } // namespace
 
-bool Dir_first_check::Reached(Dir_surroundings const& around, Pace& pace, Set_list& found) {
+bool Dir_before_first_clock::Reads_clock(Dir_surroundings const& around, Pace& pace,
+                                         Set_list& found) {
     around_ = &around;
     pace_ = &pace; // only for those who wait: nothing stops here
     neighbours_.resize(std::max<std::size_t>(neighbours_.size(), around.Centre()));
@@ -55,8 +56,8 @@ bool Dir_first_check::Reached(Dir_surroundings const& around, Pace& pace, Set_li
     return false;
 }
 
-std::span<Dir_first_check::Neighbour const> Dir_first_check::Neighbours(Place candidate,
-                                                                        Pace& pace) {
+std::span<Dir_before_first_clock::Neighbour const>
+Dir_before_first_clock::Neighbours(Place candidate, Pace& pace) {
     std::vector<Neighbour>& neighbours = neighbours_[candidate];
     if (!looked_at_[candidate]) {
         looked_at_[candidate] = true;
@@ -69,7 +70,7 @@ std::span<Dir_first_check::Neighbour const> Dir_first_check::Neighbours(Place ca
 }
 
 // As seen from the candidate; 0 when there is no link.
-Arcs Dir_first_check::Arcs_between(Place candidate, Place other) {
+Arcs Dir_before_first_clock::Arcs_between(Place candidate, Place other) {
     auto const neighbours = Neighbours(candidate, *pace_);
     auto const place = std::ranges::lower_bound(neighbours, other, {}, &Neighbour::place);
     return place == neighbours.end() || place->place != other ? Arcs{0} : place->arcs;
@@ -78,7 +79,7 @@ Arcs Dir_first_check::Arcs_between(Place candidate, Place other) {
 // The line of the centre and `first`: gathers who may join it, and where. Smaller candidates have
 // been tried in the gap into which `first` has gone; the front gap is used up when it has gone
 // behind the centre.
-void Dir_first_check::Tighten_dir(Place first, bool in_front) {
+void Dir_before_first_clock::Tighten_dir(Place first, bool in_front) {
     constexpr Gaps front = 1;
     constexpr Gaps middle = 2;
     constexpr Gaps back = 4;
@@ -110,7 +111,7 @@ void Dir_first_check::Tighten_dir(Place first, bool in_front) {
 }
 
 // The same once `second` has gone into a gap, when the gaps before are used up.
-void Dir_first_check::Tighten_dir(Gaps gap, Place second) {
+void Dir_before_first_clock::Tighten_dir(Gaps gap, Place second) {
     constexpr std::size_t steps_of_a_search = 8;
     joining_three_.clear();
     auto const consider = [&](Place place, Arcs from_second) {
@@ -135,7 +136,7 @@ void Dir_first_check::Tighten_dir(Gaps gap, Place second) {
     }
 }
 
-bool Dir_first_check::Try_second(Place first, Set_list& found) {
+bool Dir_before_first_clock::Try_second(Place first, Set_list& found) {
     for (std::uint8_t i = 0; i < n_gaps; ++i) {
         auto const gap = static_cast<Gaps>(1 << i);
         for (Place const second : joining_) {
@@ -158,15 +159,15 @@ bool Dir_first_check::Try_second(Place first, Set_list& found) {
     return false;
 }
 
-void Dir_first_check::Merge_already_full_and_possibs(std::initializer_list<Place> placed,
-                                                     std::vector<Place> const& joining) {
+void Dir_before_first_clock::Merge_already_full_and_possibs(std::initializer_list<Place> placed,
+                                                            std::vector<Place> const& joining) {
     merged_.assign(placed);
     merged_.insert(merged_.end(), joining.begin(), joining.end());
 }
 
 // Whether a line may still grow into something new: not when all that it may become is known.
 // Sets often follow each other that lie in the same known set; such a set is not looked for again.
-bool Dir_first_check::Mehet_tovabb() {
+bool Dir_before_first_clock::Mehet_tovabb() {
     std::uint32_t const number = known_with_[merged_.front()];
     if (number != 0 &&
         std::ranges::all_of(merged_, [&](Place place) { return known_with_[place] == number; })) {
@@ -188,7 +189,7 @@ bool Dir_first_check::Mehet_tovabb() {
 // Buys:      no clique is looked at, however many there are.
 // Breaks if: a node becomes done before its search has come to its end.
 // Pinned by: Clique_find_dir_test
-bool Dir_first_check::Known() {
+bool Dir_before_first_clock::Known() {
     auto const centre = static_cast<std::uint32_t>(merged_.size());
     auto const excluded = centre + 1;
     one_way_.clear();
@@ -235,12 +236,12 @@ bool Dir_first_check::Known() {
             }
             add(i, excluded, arcs);
         }
-        return !Close_a_circle(one_way_, std::size_t{excluded} + 1);
+        return !Has_cycle(one_way_, std::size_t{excluded} + 1);
     });
 }
 
 // A set of three nodes. It may have been met before in another line.
-void Dir_first_check::Iktatjuk_az_uj_vert_clt(Place first, Place second, Set_list& found) {
+void Dir_before_first_clock::Iktatjuk_az_uj_vert_clt(Place first, Place second, Set_list& found) {
     std::uint64_t const pair =
         std::uint64_t{std::min(first, second)} << 32 | std::max(first, second);
     if (!found_pairs_.insert(pair).second) {

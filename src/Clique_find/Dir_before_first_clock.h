@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Dir_first_check: how far the directed search of a node gets before it has to look at the clock.
-#ifndef PLEXOR_DIR_FIRST_CHECK_H
-#define PLEXOR_DIR_FIRST_CHECK_H
+// Dir_before_first_clock: how far the directed search of a node gets before it has to look at the
+// clock.
+#ifndef PLEXOR_DIR_BEFORE_FIRST_CLOCK_H
+#define PLEXOR_DIR_BEFORE_FIRST_CLOCK_H
 
-#include "Clique_find/Circles.h"
+#include "Clique_find/Cycles.h"
 #include "Clique_find/Dir_surroundings.h"
 #include "Clique_find/Time_budget.h"
 #include "graph/Types.h"
@@ -15,7 +16,7 @@
 
 namespace cpm {
 
-class Dir_first_check {
+class Dir_before_first_clock {
 public:
     /// Walks the lines of the centre and two candidates in the order of the search, up to the first
     /// one that a further candidate may join and that, with all that may, is not known yet. False
@@ -23,14 +24,14 @@ public:
     /// sets of three nodes met by then that no candidate may join as they stand and that are not
     /// known.
     /// The surroundings have been looked at, the links among them not.
-    bool Reached(Dir_surroundings const& around, Pace& pace, Set_list& found);
+    bool Reads_clock(Dir_surroundings const& around, Pace& pace, Set_list& found);
 
     struct Neighbour {
         Place place = 0;
         Arcs arcs = 0; ///< seen from the node whose neighbour this is
     };
     /// The candidates and excluded nodes that a candidate is linked with, ascending; found when
-    /// they are first asked for. They stay until the next call of Reached().
+    /// they are first asked for. They stay until the next call of Reads_clock().
     std::span<Neighbour const> Neighbours(Place candidate, Pace& pace);
     /// The line at which the clock is looked at: the gap of the line of the centre alone that its
     /// first candidate went into, and the gap of that line that its second one went into.
