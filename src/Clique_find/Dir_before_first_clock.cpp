@@ -26,8 +26,7 @@ constexpr std::uint8_t n_gaps = 3;
 
 } // namespace
 
-bool Dir_before_first_clock::Reads_clock(Dir_surroundings const& around, Pace& pace,
-                                         Set_list& found) {
+bool Dir_before_first_clock::Reads_clock(Dir_surroundings& around, Pace& pace, Set_list& found) {
     around_ = &around;
     pace_ = &pace; // only for those who wait: nothing stops here
     neighbours_.resize(std::max<std::size_t>(neighbours_.size(), around.Centre()));
@@ -56,15 +55,11 @@ bool Dir_before_first_clock::Reads_clock(Dir_surroundings const& around, Pace& p
     return false;
 }
 
-std::span<Dir_before_first_clock::Neighbour const>
-Dir_before_first_clock::Neighbours(Place candidate, Pace& pace) {
-    std::vector<Neighbour>& neighbours = neighbours_[candidate];
+std::span<Local_neighbour const> Dir_before_first_clock::Neighbours(Place candidate, Pace& pace) {
+    std::vector<Local_neighbour>& neighbours = neighbours_[candidate];
     if (!looked_at_[candidate]) {
         looked_at_[candidate] = true;
-        neighbours.clear();
-        pace.Spend(around_->For_each_neighbour_of(candidate, [&](Place other, Arcs arcs) {
-            neighbours.push_back({other, arcs});
-        }));
+        pace.Spend(around_->List_neighbours(candidate, neighbours));
     }
     return neighbours;
 }
@@ -72,7 +67,7 @@ Dir_before_first_clock::Neighbours(Place candidate, Pace& pace) {
 // As seen from the candidate; 0 when there is no link.
 Arcs Dir_before_first_clock::Arcs_between(Place candidate, Place other) {
     auto const neighbours = Neighbours(candidate, *pace_);
-    auto const place = std::ranges::lower_bound(neighbours, other, {}, &Neighbour::place);
+    auto const place = std::ranges::lower_bound(neighbours, other, {}, &Local_neighbour::place);
     return place == neighbours.end() || place->place != other ? Arcs{0} : place->arcs;
 }
 
@@ -84,7 +79,7 @@ void Dir_before_first_clock::Tighten_dir(Place first, bool in_front) {
     constexpr Gaps middle = 2;
     constexpr Gaps back = 4;
     joining_.clear();
-    for (Neighbour const neighbour : Neighbours(first, *pace_)) {
+    for (Local_neighbour const neighbour : Neighbours(first, *pace_)) {
         if (neighbour.place >= around_->Centre()) {
             break;
         }
@@ -128,7 +123,7 @@ void Dir_before_first_clock::Tighten_dir(Gaps gap, Place second) {
         }
         return;
     }
-    for (Neighbour const neighbour : neighbours) {
+    for (Local_neighbour const neighbour : neighbours) {
         if (neighbour.place >= around_->Centre()) {
             break;
         }
@@ -225,8 +220,8 @@ bool Dir_before_first_clock::Known() {
     std::size_t const n_inside = one_way_.size();
     auto const all = Neighbours(rarest, *pace_);
     auto const first_excluded = std::ranges::partition_point(
-        all, [this](Neighbour neighbour) { return neighbour.place < around_->Centre(); });
-    return std::any_of(first_excluded, all.end(), [&](Neighbour neighbour) {
+        all, [this](Local_neighbour neighbour) { return neighbour.place < around_->Centre(); });
+    return std::any_of(first_excluded, all.end(), [&](Local_neighbour neighbour) {
         one_way_.resize(n_inside);
         add(centre, excluded, around_->Arcs_with(neighbour.place));
         for (std::uint32_t i = 0; i < centre; ++i) {

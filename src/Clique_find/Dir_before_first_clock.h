@@ -24,15 +24,11 @@ public:
     /// sets of three nodes met by then that no candidate may join as they stand and that are not
     /// known.
     /// The surroundings have been looked at, the links among them not.
-    bool Reads_clock(Dir_surroundings const& around, Pace& pace, Set_list& found);
+    bool Reads_clock(Dir_surroundings& around, Pace& pace, Set_list& found);
 
-    struct Neighbour {
-        Place place = 0;
-        Arcs arcs = 0; ///< seen from the node whose neighbour this is
-    };
     /// The candidates and excluded nodes that a candidate is linked with, ascending; found when
     /// they are first asked for. They stay until the next call of Reads_clock().
-    std::span<Neighbour const> Neighbours(Place candidate, Pace& pace);
+    std::span<Local_neighbour const> Neighbours(Place candidate, Pace& pace);
     /// The line at which the clock is looked at: the gap of the line of the centre alone that its
     /// first candidate went into, and the gap of that line that its second one went into.
     struct Line {
@@ -56,10 +52,11 @@ private:
     bool Known();
     void Iktatjuk_az_uj_vert_clt(Place first, Place second, Set_list& found);
 
-    Dir_surroundings const* around_ = nullptr;
+    Dir_surroundings* around_ = nullptr;
     Line reached_at_;
     Pace* pace_ = nullptr;
-    std::vector<std::vector<Neighbour>> neighbours_; ///< of each candidate that has been looked at
+    std::vector<std::vector<Local_neighbour>>
+        neighbours_; ///< of each candidate that has been looked at
     std::vector<bool> looked_at_;
     std::vector<Place> joining_; ///< candidates that may join the line of the centre and one more
     std::vector<Gaps> gaps_;     ///< and into which gaps each may go; of all others 0

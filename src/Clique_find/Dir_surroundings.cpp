@@ -72,6 +72,34 @@ bool Dir_surroundings::Look_at(Node node) {
     return true;
 }
 
+// Walks the shorter side: the node's neighbours, or those of the centre.
+std::size_t Dir_surroundings::List_neighbours(Place candidate,
+                                              std::vector<Local_neighbour>& neighbours) {
+    assert(marked_ && candidate < centre_);
+    constexpr std::size_t steps_of_a_search = 16;
+    neighbours.clear();
+    Node const node = names_[candidate];
+    std::size_t const degree = graph_.Degree(node);
+    if (degree / steps_of_a_search > names_.size()) {
+        for (Place other = 0; other < names_.size(); ++other) {
+            Arcs const arcs = other == centre_ ? Arcs{0} : graph_.Arcs_between(node, names_[other]);
+            if (arcs != 0) {
+                neighbours.push_back({other, arcs});
+            }
+        }
+        return steps_of_a_search * names_.size();
+    }
+    excluded_neighbours_.clear();
+    graph_.For_each_arc(node, [&](Node neighbour, Arcs arcs) {
+        if (place_[neighbour] != 0) {
+            Place const place = place_[neighbour] - 1;
+            (place < centre_ ? neighbours : excluded_neighbours_).push_back({place, arcs});
+        }
+    });
+    neighbours.insert(neighbours.end(), excluded_neighbours_.begin(), excluded_neighbours_.end());
+    return 2 * degree;
+}
+
 bool Dir_surroundings::Gather_links(Pace& pace) {
     bool const in_time = Walk_links(pace);
     for (Node const name : names_) {

@@ -9,7 +9,6 @@
 #include "graph/Graph.h"
 #include "graph/Types.h"
 
-#include <cassert>
 #include <cstdint>
 #include <vector>
 
@@ -26,6 +25,12 @@ struct Local_link {
     Arcs arcs = 0; ///< seen from the candidate
 };
 
+/// One of a candidate's neighbours there.
+struct Local_neighbour {
+    Place place = 0;
+    Arcs arcs = 0; ///< seen from the candidate
+};
+
 class Dir_surroundings {
 public:
     /// No node is done yet. The graph, which is directed, and what is known must outlive this.
@@ -38,10 +43,9 @@ public:
     bool Look_around(Node node);
     /// The same where just the nodes are done that come earlier in the order of the graph.
     bool Look_around_by_order(Node node);
-    /// After that: calls visit(place, arcs) for the candidates, and then for the excluded nodes,
-    /// that a candidate is linked with, in each case ascending; the arcs are seen from the
-    /// candidate. Returns the steps that this took.
-    template <class Visit> std::size_t For_each_neighbour_of(Place place, Visit const& visit) const;
+    /// After that: lists the candidates, and then the excluded nodes, that a candidate is linked
+    /// with, in each case ascending. Returns the steps that this took.
+    std::size_t List_neighbours(Place candidate, std::vector<Local_neighbour>& neighbours);
 
     /// Gathers the links. Candidates without a link to another candidate and excluded nodes with
     /// less than two links are left out: a clique has three nodes or more. The others change their
@@ -87,35 +91,11 @@ private:
     Flat_array<Local_link> links_;
     Flat_array<Local_link> excluded_links_;
     // Within one step:
+    std::vector<Local_neighbour> excluded_neighbours_;
     Flat_array<Node> excluded_names_;
     Flat_array<Arcs> excluded_arcs_;
     Flat_array<Place> kept_; ///< place -> 1 + its place without the idle nodes, or 0
 };
-
-template <class Visit>
-std::size_t Dir_surroundings::For_each_neighbour_of(Place place, Visit const& visit) const {
-    assert(marked_ && place < centre_);
-    constexpr std::size_t steps_of_a_search = 16;
-    Node const node = names_[place];
-    std::size_t const degree = graph_.Degree(node);
-    if (degree / steps_of_a_search > names_.size()) {
-        for (Place other = 0; other < names_.size(); ++other) {
-            Arcs const arcs = other == centre_ ? 0 : graph_.Arcs_between(node, names_[other]);
-            if (arcs != 0) {
-                visit(other, arcs);
-            }
-        }
-        return steps_of_a_search * names_.size();
-    }
-    for (bool const excluded : {false, true}) {
-        graph_.For_each_arc(node, [&](Node neighbour, Arcs arcs) {
-            if (place_[neighbour] != 0 && (place_[neighbour] > centre_) == excluded) {
-                visit(place_[neighbour] - 1, arcs);
-            }
-        });
-    }
-    return 2 * degree;
-}
 
 } // namespace cpm
 

@@ -188,7 +188,8 @@ void Search<fixed_words>::Follow(Kind kind, Word const* within, Word const* begi
 // those that can join it, too. A node that could join before closes a cycle with the placed one
 // when it has a one-way link to it or to one that leads to it, and one from it or from one that it
 // leads to.
-template <std::size_t fixed_words> void Search<fixed_words>::Tighten_dir(Place placed) {
+template <std::size_t fixed_words>
+[[gnu::always_inline]] inline void Search<fixed_words>::Tighten_dir(Place placed) {
     Memory::Level const level = memory_.levels.back();
     std::size_t const depth = Depth();
     Word const* const lined_up = memory_.lined_up.data();
@@ -328,7 +329,8 @@ std::size_t Search<fixed_words>::Cycle_breakers(Place pivot, Word* breakers) {
 // Relies on: the pivot can join the set lined up; it could join the maximal set otherwise.
 // Buys:      only the pivot (if it is a candidate) and those candidates are tried.
 // Pinned by: Clique_find_dir_test
-template <std::size_t fixed_words> bool Search<fixed_words>::Mehet_tovabb() {
+template <std::size_t fixed_words>
+[[gnu::always_inline]] inline bool Search<fixed_words>::Mehet_tovabb() {
     std::size_t const depth = Depth();
     Memory::Level const& level = memory_.levels.back();
     Word const* const set = Set_of(depth, candidates);
