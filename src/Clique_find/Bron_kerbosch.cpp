@@ -25,6 +25,7 @@ namespace cpm {
 namespace {
 
 constexpr std::size_t steps_a_branch = 16; // beside those for each word looked at
+constexpr std::size_t steps_a_member = 16; // of a clique that is recorded
 
 using namespace Bron_kerbosch_sub;
 using Word = std::uint64_t;
@@ -161,21 +162,16 @@ bool Bron_kerbosch::Append_cliques(Node always, Node_set names, std::size_t leas
         }
         return pace == nullptr || !pace->Spend(clique_.size());
     };
-    for (Word const set : words_.found) {
-        bool const go_on = append([set](auto const& take) { For_each_from_first(set, take); });
-        if (!go_on) {
-            return false;
-        }
-    }
-    for (Wide_place const& place : wide_order_) {
-        bool const go_on = append([set = wide_found_[place.number]](auto const& take) {
-            std::for_each(set.begin(), set.end(), take);
-        });
-        if (!go_on) {
-            return false;
-        }
-    }
-    return true;
+    return std::ranges::all_of(words_.found,
+                               [&](Word set) {
+                                   return append(
+                                       [set](auto const& take) { For_each_from_first(set, take); });
+                               }) &&
+           std::ranges::all_of(wide_order_, [&](Wide_place const& place) {
+               return append([set = wide_found_[place.number]](auto const& take) {
+                   std::for_each(set.begin(), set.end(), take);
+               });
+           });
 }
 
 // The same search over rows of several words, until a branch has at most 64 candidates left: what
@@ -337,14 +333,19 @@ bool Bron_kerbosch::Narrow_to_words(Word const* set, std::size_t size, std::size
         words_.rows[i] = Narrowed(Row(narrow_[i]), set);
     }
     words_.found.clear();
-    bool const finished = Search_words(words_, all, pace);
+    if (!Search_words(words_, all, pace)) {
+        return false;
+    }
     path_.push_back(static_cast<std::uint32_t>(next));
     for (Word const found : words_.found) {
         Add_narrow(found);
+        if (pace != nullptr && pace->Spend(steps_a_member * clique_.size())) {
+            return false;
+        }
     }
     path_.pop_back();
     words_.found.clear();
-    return finished;
+    return true;
 }
 
 // A wide row, cut down to the candidates of the narrow problem.

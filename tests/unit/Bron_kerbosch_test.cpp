@@ -386,5 +386,40 @@ TEST(Bron_kerbosch, Keys_of_large_candidates_leave_the_order_to_the_lists) {
     EXPECT_GT(told_apart, 1000);
 }
 
+class Counting_progress : public Progress {
+public:
+    void Tick() override { ++n_ticks; }
+    std::size_t n_ticks = 0;
+};
+
+// Recording the cliques found takes longer than finding them: it must not pass unnoticed.
+TEST(Bron_kerbosch, Recording_cliques_counts_as_work) {
+    Random_numbers random(77);
+    Problem problem;
+    problem.n = 90;
+    for (Candidate a = 0; a < problem.n; ++a) {
+        for (Candidate b = a + 1; b < problem.n; ++b) {
+            if (random.Percent(85)) {
+                problem.links.insert({a, b});
+            }
+        }
+    }
+    Bron_kerbosch local;
+    Set_up(local, problem, 2);
+    constexpr std::size_t steps = 10000;
+    Counting_progress counting;
+    Pace pace(&counting, steps);
+    ASSERT_TRUE(local.Find(&pace));
+    std::vector<Node> names;
+    for (Candidate c = 0; c < problem.n; ++c) {
+        names.push_back(c + 1);
+    }
+    Set_list cliques;
+    local.Append_cliques(problem.n + 1, names, 2, cliques);
+    ASSERT_GT(cliques.size(), 1000U);
+    constexpr std::size_t steps_a_member = 16;
+    EXPECT_GT(counting.n_ticks * steps, steps_a_member * cliques.Total());
+}
+
 } // namespace
 } // namespace cpm::test
