@@ -396,10 +396,10 @@ public:
 TEST(Bron_kerbosch, Recording_cliques_counts_as_work) {
     Random_numbers random(77);
     Problem problem;
-    problem.n = 90;
+    problem.n = 70;
     for (Candidate a = 0; a < problem.n; ++a) {
         for (Candidate b = a + 1; b < problem.n; ++b) {
-            if (random.Percent(85)) {
+            if (random.Percent(75)) {
                 problem.links.insert({a, b});
             }
         }
