@@ -10,7 +10,7 @@
 // Tested   Appr_core_cliques_test.cpp
 #include "Clique_find/Appr_core_cliques.h"
 
-#include "Clique_find/Subset_index.h"
+#include "Clique_find/Superset_index.h"
 
 #include <algorithm>
 
@@ -62,8 +62,8 @@ Core Core_of_nodes(std::vector<Node> const& nodes, Graph const& graph) {
 void Appr_core_cliques(Core const& core, Set_list const& exact, Set_list& approx) {
     Set_list const& candidates = core.neighs;
     std::vector<bool> const asked = Nodes_in(candidates);
-    Subset_index const in_candidates(candidates);
-    Subset_index const in_exact(exact, &asked);
+    Superset_index const in_candidates(candidates);
+    Superset_index const in_exact(exact, &asked);
     Set_list kept;
     std::vector<std::uint32_t> near(asked.size(), 0); // node -> 1 + its last neighbour looked at
     for (std::uint32_t i = 0; i < candidates.size(); ++i) {
@@ -77,12 +77,12 @@ void Appr_core_cliques(Core const& core, Set_list const& exact, Set_list& approx
         // A neighbour is in this neighbourhood and not in its own, which so does not hold this one.
         bool const covered =
             candidate.empty()
-                ? in_candidates.Any_holder(candidate, comes_first)
-                : in_candidates.Any_holder_among(candidate, [&](std::uint32_t other) {
+                ? in_candidates.Any_superset(candidate, comes_first)
+                : in_candidates.Any_superset_among(candidate, [&](std::uint32_t other) {
                       Node const node = core.nodes[other];
                       return comes_first(other) && (node >= near.size() || near[node] != i + 1);
                   });
-        if (!covered && !in_exact.Any_holder(candidate)) {
+        if (!covered && !in_exact.Any_superset(candidate)) {
             kept.Add(candidate);
         }
     }
@@ -101,20 +101,20 @@ bool Extend_clique_vec(Set_list& cliques, std::size_t& n_exact, Set_list& approx
     Set_list kept;
     if (!approx.empty()) {
         std::vector<bool> const asked = Nodes_in(approx);
-        Subset_index const in_cliques(cliques, &asked);
+        Superset_index const in_cliques(cliques, &asked);
         for (std::size_t i = 0; i < approx.size(); ++i) {
-            if (!in_cliques.Any_holder(approx[i])) {
+            if (!in_cliques.Any_superset(approx[i])) {
                 kept.Add(approx[i]);
             }
         }
     }
     approx = std::move(kept);
 
-    Subset_index const in_approx(approx);
+    Superset_index const in_approx(approx);
     std::vector<bool> keep(cliques.size());
     for (std::size_t i = 0; i < cliques.size(); ++i) {
         bool const may_lie_inside = directed || cliques[i].size() <= 3;
-        keep[i] = !may_lie_inside || !in_approx.Any_holder(cliques[i]);
+        keep[i] = !may_lie_inside || !in_approx.Any_superset(cliques[i]);
     }
     bool const dropped = std::ranges::find(keep, false) != keep.end();
     if (dropped) {

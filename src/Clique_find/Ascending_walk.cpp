@@ -4,7 +4,7 @@
 // Takes    a node, its candidates and excluded nodes, the pair from which on cliques are wanted.
 // Leaves   the cliques in their order, up to where the walk was stopped.
 // Order    lexicographic by candidates: each level takes its candidates ascending.
-// Cost     no pivot, so more branches than Local_cliques has; each costs a row of bits for each
+// Cost     no pivot, so more branches than Bron_kerbosch has; each costs a row of bits for each
 //          node that may extend the clique. Rows are gathered for one first candidate at a time: a
 //          hub need not be looked at whole. Memory: these rows.
 // Tested   Ascending_walk_test.cpp
@@ -18,6 +18,8 @@
 // Pinned by: Ascending_walk_test, timed_prefix
 #include "Clique_find/Ascending_walk.h"
 
+#include "support/Bits.h"
+
 #include <algorithm>
 #include <bit>
 #include <numeric>
@@ -26,12 +28,7 @@ namespace cpm {
 
 namespace {
 
-constexpr std::size_t word_bits = 64;
 constexpr std::size_t steps_a_branch = 32; // beside those for each word looked at
-
-constexpr std::uint64_t Bit(std::size_t i) {
-    return std::uint64_t{1} << (i % word_bits);
-}
 
 } // namespace
 
@@ -40,13 +37,11 @@ Ascending_walk::Ascending_walk(Graph const& order) : order_(order) {}
 template <class Visit>
 void Ascending_walk::For_each_bit(Word const* set, Visit const& visit) const {
     for (std::size_t w = 0; w < n_words_; ++w) {
-        for (Word rest = set[w]; rest != 0; rest &= rest - 1) {
-            visit(w * word_bits + static_cast<std::size_t>(std::countr_zero(rest)));
-        }
+        cpm::For_each_bit(set[w], [&](std::size_t bit) { visit(w * word_bits + bit); });
     }
 }
 
-void Ascending_walk::List(Problem const& problem, First_check::Pair begin, std::size_t most,
+void Ascending_walk::List(Problem const& problem, Before_first_clock::Pair begin, std::size_t most,
                           Pace& pace, Set_list& found) {
     if (number_.empty()) {
         number_.Resize(order_.size() + 1, 0);
@@ -114,12 +109,10 @@ bool Ascending_walk::Gather(Problem const& problem, Place first, Place second, P
             }
             std::uint32_t const j = other - 1;
             if (i < n && j < n) {
-                rows_[i * n_words_ + j / word_bits] |= Bit(j);
-                rows_[j * n_words_ + i / word_bits] |= Bit(i);
+                Set_bit(rows_.data() + i * n_words_, j);
+                Set_bit(rows_.data() + j * n_words_, i);
             } else {
-                std::uint32_t const candidate = std::min(i, j);
-                excluded_[(std::max(i, j) - n) * n_words_ + candidate / word_bits] |=
-                    Bit(candidate);
+                Set_bit(excluded_.data() + (std::max(i, j) - n) * n_words_, std::min(i, j));
             }
         }
         if (pace.Spend(2 * later.size() + 1)) {
@@ -147,7 +140,7 @@ bool Ascending_walk::Hopeless(Word const* left, Word const* tried,
     }
     for (std::size_t w = 0; w < n_words_; ++w) {
         for (Word rest = tried[w]; rest != 0; rest &= rest - 1) {
-            if (holds_all(Row(w * word_bits + static_cast<std::size_t>(std::countr_zero(rest))))) {
+            if (holds_all(Row(w * word_bits + Lowest_bit(rest)))) {
                 return true;
             }
         }
@@ -158,7 +151,7 @@ bool Ascending_walk::Hopeless(Word const* left, Word const* tried,
 bool Ascending_walk::Is_clique(Word const* set) const {
     for (std::size_t w = 0; w < n_words_; ++w) {
         for (Word rest = set[w]; rest != 0; rest &= rest - 1) {
-            std::size_t const i = w * word_bits + static_cast<std::size_t>(std::countr_zero(rest));
+            std::size_t const i = w * word_bits + Lowest_bit(rest);
             Word const* const row = Row(i);
             for (std::size_t v = 0; v < n_words_; ++v) {
                 if ((set[v] & ~row[v]) != (v == w ? Bit(i) : 0)) {
@@ -191,7 +184,7 @@ bool Ascending_walk::Walk(Problem const& problem, Place first, std::size_t most,
     level_words_.clear();
     level_words_.Resize(2 * n, 0);
     for (std::size_t i = 0; i < behind_.size(); ++i) {
-        level_words_[(i < n_tried_ ? n : 0) + i / word_bits] |= Bit(i);
+        Set_bit(level_words_.data() + (i < n_tried_ ? n : 0), i);
     }
     std::size_t w = 0; // no word of the level before this one has a candidate left
     while (true) {
@@ -211,8 +204,7 @@ bool Ascending_walk::Walk(Problem const& problem, Place first, std::size_t most,
             levels_.pop_back();
             continue;
         }
-        std::size_t const next =
-            w * word_bits + static_cast<std::size_t>(std::countr_zero(left[w]));
+        std::size_t const next = w * word_bits + Lowest_bit(left[w]);
         left[w] &= ~Bit(next);
         Word* const next_left = tried + n;
         Word* const next_tried = next_left + n;
@@ -234,7 +226,7 @@ bool Ascending_walk::Walk(Problem const& problem, Place first, std::size_t most,
         std::size_t const excluded_begin = levels_.back().excluded_begin;
         std::size_t const excluded_end = active_.size();
         for (std::size_t e = excluded_begin; e < excluded_end; ++e) {
-            if ((Excluded_row(active_[e])[w] & Bit(next)) != 0) {
+            if (Has_bit(Excluded_row(active_[e]), next)) {
                 active_.push_back(active_[e]);
             }
         }

@@ -4,7 +4,7 @@
 #ifndef PLEXOR_ASCENDING_WALK_H
 #define PLEXOR_ASCENDING_WALK_H
 
-#include "Clique_find/First_check.h"
+#include "Clique_find/Before_first_clock.h"
 #include "Clique_find/Time_budget.h"
 #include "graph/Graph.h"
 #include "graph/Types.h"
@@ -30,7 +30,7 @@ public:
     /// Appends the cliques in lexicographic order of their candidates, from those with the pair of
     /// candidates `begin` on, until all are there, or `found` has `most` sets, or the pace says
     /// that the time is up.
-    void List(Problem const& problem, First_check::Pair begin, std::size_t most, Pace& pace,
+    void List(Problem const& problem, Before_first_clock::Pair begin, std::size_t most, Pace& pace,
               Set_list& found);
 
 private:

@@ -18,7 +18,7 @@
 //
 // Invariant: the first gap in which a node can be completed is the one behind the last node of the
 //            line that leads to it by one-way links within the set, or the gap at the front.
-// Relies on: a line can be completed when its order and the one-way links close no circle.
+// Relies on: a line can be completed when its order and the one-way links close no cycle.
 // Buys:      the whole line in one walk. A node not yet placed belongs to the group of the last
 //            node of the line that leads to it, or of the front. From the front on, each group is
 //            put into the gap behind its node, the smallest one first; a node placed takes from the

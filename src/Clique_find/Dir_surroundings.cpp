@@ -7,7 +7,7 @@
 // Tested   Clique_find_dir_test.cpp
 #include "Clique_find/Dir_surroundings.h"
 
-#include "Clique_find/Circles.h"
+#include "Clique_find/Cycles.h"
 
 #include <algorithm>
 #include <cassert>
@@ -15,16 +15,100 @@
 namespace cpm {
 
 Dir_surroundings::Dir_surroundings(Graph const& graph, Known_cliques const& known)
-    : graph_(graph), known_(known), done_(graph.size() + 1, false), place_(graph.size() + 1, 0) {
+    : graph_(graph), known_(known), place_(graph.size() + 1, 0) {
     assert(graph.Directed());
 }
 
-bool Dir_surroundings::Gather(Node node) {
-    Walk_neighbours(node);
+void Dir_surroundings::Done(Node node) {
+    done_.resize(graph_.size() + 1, false);
+    done_[node] = true;
+}
+
+void Dir_surroundings::Forget() {
+    if (marked_) {
+        for (Node const name : names_) {
+            place_[name] = 0;
+        }
+        marked_ = false;
+    }
+    names_.clear();
+    arcs_.clear();
+    excluded_names_.clear();
+    excluded_arcs_.clear();
+}
+
+bool Dir_surroundings::Look_around(Node node) {
+    Forget();
+    graph_.For_each_arc(node, [this](Node neighbour, Arcs arcs) {
+        bool const is_done = !done_.empty() && done_[neighbour];
+        (is_done ? excluded_names_ : names_).push_back(neighbour);
+        (is_done ? excluded_arcs_ : arcs_).push_back(arcs);
+    });
+    return Look_at(node);
+}
+
+bool Dir_surroundings::Look_around_by_order(Node node) {
+    Forget();
+    names_.Append(graph_.Later(node));
+    arcs_.Append(graph_.Later_arcs(node));
+    excluded_names_.Append(graph_.Earlier(node));
+    excluded_arcs_.Append(graph_.Earlier_arcs(node));
+    return Look_at(node);
+}
+
+bool Dir_surroundings::Look_at(Node node) {
+    centre_ = N_places();
     if (centre_ < 2 || known_.One_holds_all(node, {names_.data(), centre_})) {
         return false;
     }
-    Walk_links();
+    names_.push_back(node);
+    arcs_.push_back(0);
+    names_.Append(excluded_names_);
+    arcs_.Append(excluded_arcs_);
+    for (Place i = 0; i < N_places(); ++i) {
+        place_[names_[i]] = i == centre_ ? 0 : i + 1;
+    }
+    marked_ = true;
+    return true;
+}
+
+// Walks the shorter side: the node's neighbours, or those of the centre.
+std::size_t Dir_surroundings::List_neighbours(Place candidate,
+                                              std::vector<Local_neighbour>& neighbours) {
+    assert(marked_ && candidate < centre_);
+    constexpr std::size_t steps_of_a_search = 16;
+    neighbours.clear();
+    Node const node = names_[candidate];
+    std::size_t const degree = graph_.Degree(node);
+    if (degree / steps_of_a_search > names_.size()) {
+        for (Place other = 0; other < names_.size(); ++other) {
+            Arcs const arcs = other == centre_ ? Arcs{0} : graph_.Arcs_between(node, names_[other]);
+            if (arcs != 0) {
+                neighbours.push_back({other, arcs});
+            }
+        }
+        return steps_of_a_search * names_.size();
+    }
+    excluded_neighbours_.clear();
+    graph_.For_each_arc(node, [&](Node neighbour, Arcs arcs) {
+        if (place_[neighbour] != 0) {
+            Place const place = place_[neighbour] - 1;
+            (place < centre_ ? neighbours : excluded_neighbours_).push_back({place, arcs});
+        }
+    });
+    neighbours.insert(neighbours.end(), excluded_neighbours_.begin(), excluded_neighbours_.end());
+    return 2 * degree;
+}
+
+bool Dir_surroundings::Gather_links(Pace& pace) {
+    bool const in_time = Walk_links(pace);
+    for (Node const name : names_) {
+        place_[name] = 0;
+    }
+    marked_ = false;
+    if (!in_time) {
+        return false;
+    }
     Leave_out_idle_nodes();
     one_way_ =
         std::any_of(arcs_.begin(), arcs_.begin() + centre_,
@@ -33,30 +117,11 @@ bool Dir_surroundings::Gather(Node node) {
     return centre_ > 0;
 }
 
-void Dir_surroundings::Walk_neighbours(Node node) {
-    names_.clear();
-    arcs_.clear();
-    excluded_names_.clear();
-    excluded_arcs_.clear();
-    graph_.For_each_arc(node, [this](Node neighbour, Arcs arcs) {
-        (done_[neighbour] ? excluded_names_ : names_).push_back(neighbour);
-        (done_[neighbour] ? excluded_arcs_ : arcs_).push_back(arcs);
-    });
-    centre_ = N_places();
-    names_.push_back(node);
-    arcs_.push_back(0);
-    names_.Append(excluded_names_);
-    arcs_.Append(excluded_arcs_);
-}
-
 // A link stands with that of its two ends which comes first in the order of the nodes. Nodes are
 // not done in just this order when there is a time limit, so either end may be the candidate.
-void Dir_surroundings::Walk_links() {
+bool Dir_surroundings::Walk_links(Pace& pace) {
     links_.clear();
     excluded_links_.clear();
-    for (Place i = 0; i < N_places(); ++i) {
-        place_[names_[i]] = i == centre_ ? 0 : i + 1;
-    }
     for (Place i = 0; i < N_places(); ++i) {
         if (i == centre_) {
             continue;
@@ -76,16 +141,15 @@ void Dir_surroundings::Walk_links() {
                 excluded_links_.push_back({other, i, Reversed(arcs[k])});
             }
         }
-    }
-    for (Node const name : names_) {
-        place_[name] = 0;
+        if (pace.Spend(2 * later.size() + 1)) {
+            return false;
+        }
     }
     auto const excluded_first = [](Local_link const& a, Local_link const& b) {
         return a.other < b.other;
     };
-    if (!std::ranges::is_sorted(excluded_links_, excluded_first)) {
-        std::ranges::sort(excluded_links_, excluded_first);
-    }
+    return std::ranges::is_sorted(excluded_links_, excluded_first) ||
+           Sort_within(excluded_links_.begin(), excluded_links_.end(), excluded_first, &pace);
 }
 
 void Dir_surroundings::Leave_out_idle_nodes() {
@@ -134,10 +198,10 @@ void Dir_surroundings::Renumber(Flat_array<Local_link>& links) const {
     links.Resize_uninitialised(n_kept);
 }
 
-// A circle here may run through several excluded nodes.
-bool Dir_surroundings::May_have_circles() const {
+// A cycle here may run through several excluded nodes.
+bool Dir_surroundings::May_have_cycles() const {
     if (!one_way_) {
-        return false; // a circle with one excluded node has a link within the others
+        return false; // a cycle with one excluded node has a link within the others
     }
     std::vector<One_way_link> one_way;
     auto const add = [&one_way](Place a, Place b, Arcs seen_from_a) {
@@ -155,7 +219,7 @@ bool Dir_surroundings::May_have_circles() const {
             add(link.candidate, link.other, link.arcs);
         }
     }
-    return Close_a_circle(one_way, N_places());
+    return Has_cycle(one_way, N_places());
 }
 
 } // namespace cpm

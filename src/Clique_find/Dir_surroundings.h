@@ -5,6 +5,7 @@
 #define PLEXOR_DIR_SURROUNDINGS_H
 
 #include "Clique_find/Known_cliques.h"
+#include "Clique_find/Time_budget.h"
 #include "graph/Graph.h"
 #include "graph/Types.h"
 
@@ -24,17 +25,32 @@ struct Local_link {
     Arcs arcs = 0; ///< seen from the candidate
 };
 
+/// One of a candidate's neighbours there.
+struct Local_neighbour {
+    Place place = 0;
+    Arcs arcs = 0; ///< seen from the candidate
+};
+
 class Dir_surroundings {
 public:
     /// No node is done yet. The graph, which is directed, and what is known must outlive this.
     Dir_surroundings(Graph const& graph, Known_cliques const& known);
 
-    void Done(Node node) { done_[node] = true; }
+    void Done(Node node);
 
-    /// Looks at the surroundings of a node that is not done. Candidates without a link to another
-    /// candidate and excluded nodes with less than two links are left out: a clique has three nodes
-    /// or more. False when no candidates are left then, or one known clique holds all.
-    bool Gather(Node node);
+    /// Looks at the neighbours of a node that is not done, and not yet at the links among them.
+    /// False when there are fewer than two candidates, or one known clique holds all.
+    bool Look_around(Node node);
+    /// The same where just the nodes are done that come earlier in the order of the graph.
+    bool Look_around_by_order(Node node);
+    /// After that: lists the candidates, and then the excluded nodes, that a candidate is linked
+    /// with, in each case ascending. Returns the steps that this took.
+    std::size_t List_neighbours(Place candidate, std::vector<Local_neighbour>& neighbours);
+
+    /// Gathers the links. Candidates without a link to another candidate and excluded nodes with
+    /// less than two links are left out: a clique has three nodes or more. The others change their
+    /// places. False when no candidates are left then, or the pace ended it.
+    bool Gather_links(Pace& pace);
 
     Place N_places() const { return static_cast<Place>(names_.size()); }
     /// The place of the node itself, which is also the number of the candidates.
@@ -52,19 +68,21 @@ public:
     /// Whether some link among the node and its candidates has no reverse.
     bool One_way() const { return one_way_; }
     /// False when no one-way links among the node, its candidates and one excluded node close a
-    /// circle. (True says nothing.)
-    bool May_have_circles() const;
+    /// cycle. (True says nothing.)
+    bool May_have_cycles() const;
 
 private:
-    void Walk_neighbours(Node node);
-    void Walk_links();
+    void Forget();
+    bool Look_at(Node node);
+    bool Walk_links(Pace& pace);
     void Leave_out_idle_nodes();
     void Renumber(Flat_array<Local_link>& links) const;
 
     Graph const& graph_;
     Known_cliques const& known_;
-    std::vector<bool> done_;
-    Flat_array<Place> place_; ///< node -> 1 + its place, or 0
+    std::vector<bool> done_;  ///< empty as long as no node is done
+    Flat_array<Place> place_; ///< node -> 1 + its place (the centre has none), or 0
+    bool marked_ = false;     ///< place_ tells the places of the names
 
     Place centre_ = 0;
     bool one_way_ = false;
@@ -73,6 +91,7 @@ private:
     Flat_array<Local_link> links_;
     Flat_array<Local_link> excluded_links_;
     // Within one step:
+    std::vector<Local_neighbour> excluded_neighbours_;
     Flat_array<Node> excluded_names_;
     Flat_array<Arcs> excluded_arcs_;
     Flat_array<Place> kept_; ///< place -> 1 + its place without the idle nodes, or 0

@@ -2,9 +2,7 @@
 #include "Clique_find/Find_cliques.h"
 
 #include "Clique_find/Appr_core_cliques.h"
-#include "Clique_find/Clique_find.h"
-#include "Clique_find/Clique_find_dir.h"
-#include "Clique_find/Clique_find_time.h"
+#include "Clique_find/Search_driver.h"
 
 namespace cpm {
 
@@ -30,13 +28,11 @@ void Find_cliques(Found_cliques& found, Graph const& graph, std::optional<double
                   Clock& clock, Progress& progress, std::size_t max_cliques) {
     Set_list& cliques = found.cliques;
     std::vector<Node> core;
+    std::optional<Time_limit> limit;
     if (max_time_per_node) {
-        auto const search = graph.Directed() ? Clique_find_dir_time : Clique_find_part_time;
-        search(cliques, graph, core, *max_time_per_node, clock, progress, max_cliques);
-    } else {
-        auto const search = graph.Directed() ? Clique_find_dir : Clique_find;
-        search(cliques, graph, progress, max_cliques);
+        limit.emplace(Time_limit{*max_time_per_node, clock});
     }
+    Search_graph(cliques, graph, limit, core, progress, max_cliques);
     found.n_exact = cliques.size();
     if (!core.empty()) {
         // A directed search that was cut short can leave a set that it had yet to find inside

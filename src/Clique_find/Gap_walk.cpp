@@ -23,37 +23,31 @@
 // Pinned by: Gap_walk_test, timed_prefix
 #include "Clique_find/Gap_walk.h"
 
+#include "support/Bits.h"
+
 #include <algorithm>
-#include <bit>
 
 namespace cpm {
 
 namespace {
 
-constexpr std::size_t word_bits = 64;
 constexpr std::size_t steps_a_line = 64; // beside those for each word looked at
-
-constexpr std::uint64_t Bit(std::size_t i) {
-    return std::uint64_t{1} << (i % word_bits);
-}
 
 } // namespace
 
 template <class Visit> void Gap_walk::For_each_bit(Words const& set, Visit const& visit) const {
     for (std::size_t w = 0; w < n_words_; ++w) {
-        for (Word rest = set[w]; rest != 0; rest &= rest - 1) {
-            visit(static_cast<Number>(w * word_bits +
-                                      static_cast<std::size_t>(std::countr_zero(rest))));
-        }
+        cpm::For_each_bit(
+            set[w], [&](std::size_t bit) { visit(static_cast<Number>(w * word_bits + bit)); });
     }
 }
 
-bool Gap_walk::List(Dir_surroundings const& around, Dir_first_check const& check, std::size_t most,
-                    Pace& pace) {
+bool Gap_walk::List(Dir_surroundings const& around, Dir_before_first_clock& check, bool acyclic,
+                    std::size_t most, Pace& pace) {
     around_ = &around;
     check_ = &check;
     most_ = most;
-    circles_ = around.May_have_circles();
+    may_have_cycles_ = !acyclic;
     found_.clear();
     numbers_.clear();
     numbers_.Resize(around.N_places(), 0);
@@ -78,7 +72,7 @@ bool Gap_walk::List(Dir_surroundings const& around, Dir_first_check const& check
 // Sets up the problem of the sets with the centre and one candidate.
 bool Gap_walk::Gather(Place first, Pace& pace) {
     Place const centre = around_->Centre();
-    auto const neighbours = check_->Neighbours(first);
+    auto const neighbours = check_->Neighbours(first, pace);
     places_.clear();
     for (auto const& neighbour : neighbours) {
         if (neighbour.place < centre) {
@@ -114,7 +108,7 @@ bool Gap_walk::Gather(Place first, Pace& pace) {
         }
     }
     for (Number i = 0; i < n_candidates_; ++i) {
-        auto const all = check_->Neighbours(places_[i]);
+        auto const all = check_->Neighbours(places_[i], pace);
         for (auto const& neighbour : all) {
             Number const other = numbers_[neighbour.place];
             if (other != 0) {
@@ -129,9 +123,7 @@ bool Gap_walk::Gather(Place first, Pace& pace) {
 }
 
 void Gap_walk::Set_link(Number a, Number b, Arcs seen_from_a) {
-    auto const set = [&](Kind kind) {
-        rows_[(n_kinds * a + kind) * n_words_ + b / word_bits] |= Bit(b);
-    };
+    auto const set = [&](Kind kind) { Set_bit(rows_.data() + (n_kinds * a + kind) * n_words_, b); };
     set(linked);
     if (seen_from_a != Arc_both) {
         set(seen_from_a == Arc_to ? to : from);
@@ -151,14 +143,15 @@ bool Gap_walk::Walk(std::uint32_t gap, Place first, Pace& pace) {
     }
     levels_.assign(1, {0, 0, 0});
     Grow(gap, placed);
-    Dir_first_check::Line const reached = check_->Reached_at();
+    Dir_before_first_clock::Line const reached = check_->Reached_at();
     bool const reached_here = reached.first_gap == gap && reached.first == first;
     std::uint64_t const reached_step =
         reached_here ? First_line::Step(reached.second_gap, numbers_[reached.second] - 1) : 0;
     bool opened = true;
     while (levels_.size() > 1) {
         if (opened) {
-            std::size_t const rows = Joining_now().size() + (circles_ ? 4 : 1) * places_.size();
+            std::size_t const rows =
+                Joining_now().size() + (may_have_cycles_ ? 4 : 1) * places_.size();
             if (pace.Spend(steps_a_line + rows * (n_words_ + 2)) || found_.size() >= most_) {
                 return false;
             }
@@ -218,16 +211,16 @@ void Gap_walk::Grow(std::uint32_t gap, Number node) {
     for (std::size_t i = begin; i < end; ++i) {
         Joining joining = joining_[i];
         Number const other = joining.node;
-        if (other == node || (Row(node, linked)[other / word_bits] & Bit(other)) == 0) {
+        if (other == node || !Has_bit(Row(node, linked), other)) {
             continue;
         }
         joining.first_gap += joining.first_gap > gap ? 1U : 0U;
         joining.last_gap += joining.last_gap >= gap ? 1U : 0U;
         joining.untried += joining.untried > gap ? 1U : 0U;
         joining.untried = std::max(joining.untried, other < node ? gap + 2 : gap);
-        if ((Row(node, to)[other / word_bits] & Bit(other)) != 0) {
+        if (Has_bit(Row(node, to), other)) {
             joining.first_gap = std::max(joining.first_gap, gap + 1);
-        } else if ((Row(node, from)[other / word_bits] & Bit(other)) != 0) {
+        } else if (Has_bit(Row(node, from), other)) {
             joining.last_gap = std::min(joining.last_gap, gap);
         }
         if (std::max(joining.first_gap, joining.untried) <= joining.last_gap) {
@@ -251,10 +244,10 @@ void Gap_walk::Shrink() {
 bool Gap_walk::Leads_on() {
     all_.assign(n_words_, 0);
     for (Number const node : line_) {
-        all_[node / word_bits] |= Bit(node);
+        Set_bit(all_.data(), node);
     }
     for (Joining const& joining : Joining_now()) {
-        all_[joining.node / word_bits] |= Bit(joining.node);
+        Set_bit(all_.data(), joining.node);
     }
     if (Can_be_lined_up()) {
         if (line_.size() + Joining_now().size() > 2 && !Any_can_join(false) && Met_here()) {
@@ -269,32 +262,46 @@ bool Gap_walk::Leads_on() {
 // that is met here first; the way runs over nodes that join later.
 bool Gap_walk::Keeps_its_order() {
     auto const gap = static_cast<std::uint32_t>(steps_.back() >> 32);
-    auto const node = static_cast<Number>(steps_.back());
     if (gap == 0) {
         return true;
     }
-    work_.assign(n_words_, 0); // what may lie on the way
+    goal_.assign(n_words_, 0);
+    Set_bit(goal_.data(), static_cast<Number>(steps_.back()));
+    work_.assign(n_words_, 0);
     for (Joining const& joining : Joining_now()) {
-        work_[joining.node / word_bits] |= Bit(joining.node);
+        Set_bit(work_.data(), joining.node);
     }
-    reached_.assign(Row(line_[gap - 1], to), Row(line_[gap - 1], to) + n_words_);
-    bool more = true;
-    while (more && (reached_[node / word_bits] & Bit(node)) == 0) {
-        more = false;
+    return Leads_to_goal(line_[gap - 1]);
+}
+
+// Whether one-way links lead from the node to one of goal_ by way of nodes of work_, which is used
+// up.
+bool Gap_walk::Leads_to_goal(Number begin) {
+    reached_.assign(Row(begin, to), Row(begin, to) + n_words_);
+    while (true) {
+        Word met = 0;
+        for (std::size_t w = 0; w < n_words_; ++w) {
+            met |= reached_[w] & goal_[w];
+        }
+        if (met != 0) {
+            return true;
+        }
+        bool more = false;
         for (std::size_t w = 0; w < n_words_; ++w) {
             Word const next = reached_[w] & work_[w];
             work_[w] &= ~next;
-            for (Word rest = next; rest != 0; rest &= rest - 1) {
-                more = true;
-                auto const on_the_way = static_cast<Number>(
-                    w * word_bits + static_cast<std::size_t>(std::countr_zero(rest)));
+            more = more || next != 0;
+            cpm::For_each_bit(next, [&](std::size_t bit) {
+                Word const* const row = Row(static_cast<Number>(w * word_bits + bit), to);
                 for (std::size_t v = 0; v < n_words_; ++v) {
-                    reached_[v] |= Row(on_the_way, to)[v];
+                    reached_[v] |= row[v];
                 }
-            }
+            });
+        }
+        if (!more) {
+            return false;
         }
     }
-    return (reached_[node / word_bits] & Bit(node)) != 0;
 }
 
 bool Gap_walk::Can_be_lined_up() {
@@ -307,11 +314,11 @@ bool Gap_walk::Can_be_lined_up() {
             }
         }
     }
-    return !circles_ || !Has_circle(all_);
+    return !may_have_cycles_ || !Has_cycle(all_);
 }
 
-// What no link from the rest leads to is on no circle: it is taken away, again and again.
-bool Gap_walk::Has_circle(Words const& set) {
+// What no link from the rest leads to is on no cycle: it is taken away, again and again.
+bool Gap_walk::Has_cycle(Words const& set) {
     work_ = set;
     bool fewer = true;
     while (fewer) {
@@ -322,7 +329,7 @@ bool Gap_walk::Has_circle(Words const& set) {
                 incoming |= Row(node, from)[w] & work_[w];
             }
             if (incoming == 0) {
-                work_[node / word_bits] &= ~Bit(node);
+                Clear_bit(work_.data(), node);
                 fewer = true;
             }
         });
@@ -331,10 +338,10 @@ bool Gap_walk::Has_circle(Words const& set) {
 }
 
 // Whether some other node can join all of the set; or (`surely`) every part of it, even where the
-// set itself cannot be lined up: then the node must be on no circle.
+// set itself cannot be lined up: then the node must be on no cycle.
 bool Gap_walk::Any_can_join(bool surely) {
     for (Number node = 0; node < places_.size(); ++node) {
-        if (node <= n_candidates_ && (all_[node / word_bits] & Bit(node)) != 0) {
+        if (node <= n_candidates_ && Has_bit(all_.data(), node)) {
             continue;
         }
         Word unlinked = 0;
@@ -348,34 +355,19 @@ bool Gap_walk::Any_can_join(bool surely) {
         if (unlinked != 0) {
             continue;
         }
-        if (into == 0 || out_of == 0 || !circles_) {
+        if (into == 0 || out_of == 0 || !may_have_cycles_) {
             return true;
         }
         if (surely) {
             continue;
         }
-        // The set has no circle: one with the node leads from it through the set and back.
+        // The set has no cycle: one with the node leads from it through the set and back.
         work_ = all_;
-        reached_.assign(Row(node, to), Row(node, to) + n_words_);
-        bool back = false;
-        bool more = true;
-        while (more && !back) {
-            more = false;
-            for (std::size_t w = 0; w < n_words_; ++w) {
-                Word const next = reached_[w] & work_[w];
-                work_[w] &= ~next;
-                back = back || (next & Row(node, from)[w]) != 0;
-                for (Word rest = next; rest != 0; rest &= rest - 1) {
-                    more = true;
-                    auto const on_the_way = static_cast<Number>(
-                        w * word_bits + static_cast<std::size_t>(std::countr_zero(rest)));
-                    for (std::size_t v = 0; v < n_words_; ++v) {
-                        reached_[v] |= Row(on_the_way, to)[v];
-                    }
-                }
-            }
+        goal_.assign(n_words_, 0);
+        for (std::size_t w = 0; w < n_words_; ++w) {
+            goal_[w] = all_[w] & Row(node, from)[w];
         }
-        if (!back) {
+        if (!Leads_to_goal(node)) {
             return true;
         }
     }
@@ -385,7 +377,7 @@ bool Gap_walk::Any_can_join(bool surely) {
 // Whether the set is met first on the way that led here.
 bool Gap_walk::Met_here() {
     Words others = all_;
-    others[n_candidates_ / word_bits] &= ~Bit(n_candidates_);
+    Clear_bit(others.data(), n_candidates_);
     auto const& steps = first_line_.Find(n_candidates_, others, Row(0, to), n_kinds * n_words_);
     return std::equal(steps_.begin(), steps_.end(), steps.begin());
 }

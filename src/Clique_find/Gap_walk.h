@@ -4,7 +4,7 @@
 #ifndef PLEXOR_GAP_WALK_H
 #define PLEXOR_GAP_WALK_H
 
-#include "Clique_find/Dir_first_check.h"
+#include "Clique_find/Dir_before_first_clock.h"
 #include "Clique_find/Dir_order.h"
 #include "Clique_find/Dir_surroundings.h"
 #include "Clique_find/Time_budget.h"
@@ -20,9 +20,10 @@ public:
     /// Lists the sets of the centre and two candidates or more that can be lined up, and that no
     /// other candidate and no excluded node can join, in the order of Dir_order, until all are
     /// there, or `most` of them, or the pace says that the time is up. `check` has just looked at
-    /// the surroundings. False when the walk did not get as far as the check did.
-    bool List(Dir_surroundings const& around, Dir_first_check const& check, std::size_t most,
-              Pace& pace);
+    /// the surroundings, of which the links have not been gathered; with `acyclic` their one-way
+    /// links close no cycle. False when the walk did not get as far as the check did.
+    bool List(Dir_surroundings const& around, Dir_before_first_clock& check, bool acyclic,
+              std::size_t most, Pace& pace);
     /// The sets, each by ascending places with the centre last.
     Set_list const& Found() const { return found_; }
     void Forget() { found_ = {}; }
@@ -55,8 +56,9 @@ private:
     void Shrink();
     bool Leads_on();
     bool Keeps_its_order();
+    bool Leads_to_goal(Number begin);
     bool Can_be_lined_up();
-    bool Has_circle(Words const& set);
+    bool Has_cycle(Words const& set);
     bool Any_can_join(bool surely);
     bool Met_here();
     void Add();
@@ -71,10 +73,10 @@ private:
     }
 
     Dir_surroundings const* around_ = nullptr;
-    Dir_first_check const* check_ = nullptr;
+    Dir_before_first_clock* check_ = nullptr;
     std::size_t most_ = 0;
-    bool caught_up_ = false; ///< with the check
-    bool circles_ = false;   ///< one-way links around the centre may close a circle
+    bool caught_up_ = false;       ///< with the check
+    bool may_have_cycles_ = false; ///< one-way links around the centre may close a cycle
 
     // The problem of the sets with the centre and one candidate: the candidates linked with that
     // one, itself among them, by ascending places; the centre; the excluded nodes linked with it.
@@ -90,6 +92,7 @@ private:
     std::vector<Joining> joining_;
     Words all_; ///< the line and the nodes that may join it
     Words work_;
+    Words goal_;
     Words reached_;
     First_line first_line_;
     Set_list found_;

@@ -11,37 +11,42 @@ namespace cpm {
 
 class Known_cliques {
 public:
-    /// The list must outlive this. Nodes have indices up to `n_nodes`.
-    Known_cliques(Set_list const& cliques, std::size_t n_nodes)
-        : cliques_(cliques), largest_(n_nodes + 1, 0) {}
+    /// Nodes have indices up to `n_nodes`.
+    explicit Known_cliques(std::size_t n_nodes) : last_(n_nodes + 1, 0) {}
 
-    /// Cliques may have been appended to the list.
-    void Update() {
-        for (; n_seen_ < cliques_.size(); ++n_seen_) {
-            for (Node const member : cliques_[n_seen_]) {
-                std::uint32_t& largest = largest_[member];
-                if (largest == 0 || cliques_[largest - 1].size() < cliques_[n_seen_].size()) {
-                    largest = static_cast<std::uint32_t>(n_seen_ + 1);
+    /// Remembers those of the cliques from number `first` on that are at least twice as large as
+    /// what is remembered with some member: no more than four members for each link of the network
+    /// are kept in all.
+    void Add(Set_list const& cliques, std::size_t first) {
+        for (std::size_t i = first; i < cliques.size(); ++i) {
+            Node_set const clique = cliques[i];
+            if (std::ranges::any_of(
+                    clique, [&](Node member) { return 2 * Size_at(member) <= clique.size(); })) {
+                kept_.Add(clique);
+                for (Node const member : clique) {
+                    if (Size_at(member) < clique.size()) {
+                        last_[member] = static_cast<std::uint32_t>(kept_.size());
+                    }
                 }
             }
         }
     }
 
-    /// Whether the largest listed clique with the node holds all of `others`. Then every clique of
-    /// the node and some of these lies in it: comparing them with each other, which takes the
-    /// square of their number, would find nothing else.
+    /// Whether the clique remembered with the node holds all of `others`. Then every clique of the
+    /// node and some of these lies in it: comparing them with each other, which takes the square of
+    /// their number, would find nothing else.
     bool One_holds_all(Node node, Node_set others) const {
-        if (largest_[node] == 0) {
-            return false;
-        }
-        Node_set const clique = cliques_[largest_[node] - 1];
-        return clique.size() > others.size() && std::ranges::includes(clique, others);
+        return Size_at(node) > others.size() &&
+               std::ranges::includes(kept_[last_[node] - 1], others);
     }
 
 private:
-    Set_list const& cliques_;
-    Flat_array<std::uint32_t> largest_; ///< node -> 1 + the number of its largest clique, or 0
-    std::size_t n_seen_ = 0;            ///< so many cliques are in largest_
+    std::size_t Size_at(Node node) const {
+        return last_[node] == 0 ? 0 : kept_[last_[node] - 1].size();
+    }
+
+    Set_list kept_;
+    Flat_array<std::uint32_t> last_; ///< node -> 1 + the number of a large clique with it, or 0
 };
 
 } // namespace cpm

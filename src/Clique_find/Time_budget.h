@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Time_budget and Pace: how long an attempt at a node may take, and how its loops find out.
+// Time_budget: how long an attempt at a node may take.
 //
 // An attempt whose time is up is not over yet: what the search by pivots has found by then is in no
 // order, so the beginning of the prescribed order is listed anew, by another walk. An attempt ends
@@ -9,7 +9,7 @@
 #define PLEXOR_TIME_BUDGET_H
 
 #include "Clique_find/Clock.h"
-#include "support/Progress.h"
+#include "support/Pace.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -17,17 +17,14 @@
 namespace cpm {
 
 /// What a search may keep of one node's cliques before it is known whether the node will be done.
-constexpr std::size_t most_bytes_of_an_attempt = std::size_t{1} << 28;
+constexpr std::size_t max_bytes_of_an_attempt = std::size_t{1} << 28;
 
 /// The time that one attempt at a node may take, from the making of the budget on.
 class Time_budget {
 public:
-    /// Steps of about a nanosecond: a look at the clock costs some hundred of them or more.
-    static constexpr std::size_t steps_between_looks = std::size_t{1} << 17;
-
     /// Tells the clock that an attempt begins, and reads it.
-    Time_budget(Clock& clock, double max_time, std::size_t steps = steps_between_looks)
-        : clock_(clock), max_time_(max_time), steps_(steps) {
+    Time_budget(Clock& clock, double max_time, std::size_t steps_between_looks = Pace::usual_steps)
+        : clock_(clock), max_time_(max_time), steps_(steps_between_looks) {
         clock.Start();
         t_start_ = clock.Now();
     }
@@ -38,8 +35,10 @@ public:
     }
     /// Whether the time was up at some reading.
     bool Too_slow() const { return too_slow_; }
-    /// Reads the clock. True when the listing has to end.
-    bool Listing_over() { return clock_.Now() - t_start_ > 1.75 * max_time_; }
+    /// From now on the work must end with the time of the attempt.
+    void Bound(Pace& pace) { pace.End_by(attempt_, steps_); }
+    /// From now on it must end with that of the listing. There is always time to list something.
+    void Bound_listing(Pace& pace) { pace.End_by(listing_, steps_, true); }
     /// No more sets than these are listed: well above what the search by single steps finds in the
     /// time, and the same on every machine.
     std::size_t Most_listed() const {
@@ -48,65 +47,28 @@ public:
         constexpr double most = 4e9;
         return static_cast<std::size_t>(std::clamp(sets_a_second * max_time_, least, most));
     }
-    std::size_t Steps_between_looks() const { return steps_; }
 
 private:
+    struct Attempt : Deadline {
+        explicit Attempt(Time_budget& whole) : budget(whole) {}
+        bool Passed() override { return budget.Overrun(); }
+        Time_budget& budget;
+    };
+    struct Listing : Deadline {
+        explicit Listing(Time_budget& whole) : budget(whole) {}
+        bool Passed() override {
+            return budget.clock_.Now() - budget.t_start_ > 1.75 * budget.max_time_;
+        }
+        Time_budget& budget;
+    };
+
     Clock& clock_;
     double max_time_;
     std::size_t steps_;
     double t_start_ = 0;
     bool too_slow_ = false;
-};
-
-/// Counts the steps of long loops; after so many of them it lets the progress tick and looks
-/// whether the time is up.
-class Pace {
-public:
-    explicit Pace(Progress& progress) : progress_(progress) {}
-
-    /// From now on nothing bounds the work.
-    void Go_on() { Bound(nullptr, false, Time_budget::steps_between_looks); }
-    /// From now on the work must end with the time of the attempt, or with that of the listing.
-    void Go_on_within(Time_budget& budget) { Bound(&budget, false, budget.Steps_between_looks()); }
-    void List_within(Time_budget& budget) { Bound(&budget, true, budget.Steps_between_looks()); }
-
-    /// So many steps of work have been done. True when the time is up; then it stays up.
-    bool Spend(std::size_t steps) {
-        if (steps < left_) {
-            left_ -= steps;
-            return false;
-        }
-        return Look();
-    }
-    bool Is_over() const { return over_; }
-    bool Is_bounded() const { return budget_ != nullptr; }
-
-private:
-    void Bound(Time_budget* budget, bool listing, std::size_t steps) {
-        budget_ = budget;
-        listing_ = listing;
-        steps_ = steps;
-        left_ = listing ? steps : std::min(left_, steps); // there is always time to list something
-        over_ = false;
-    }
-    bool Look() {
-        left_ = steps_;
-        progress_.Tick();
-        if (!over_ && budget_ != nullptr) {
-            over_ = listing_ ? budget_->Listing_over() : budget_->Overrun();
-        }
-        if (over_) {
-            left_ = 0;
-        }
-        return over_;
-    }
-
-    Progress& progress_;
-    Time_budget* budget_ = nullptr;
-    bool listing_ = false;
-    bool over_ = false;
-    std::size_t steps_ = Time_budget::steps_between_looks;
-    std::size_t left_ = Time_budget::steps_between_looks;
+    Attempt attempt_{*this};
+    Listing listing_{*this};
 };
 
 /// Sorts, unless the time is up before: then the order is none, and the result false.

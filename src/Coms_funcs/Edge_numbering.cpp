@@ -2,6 +2,7 @@
 #include "Coms_funcs/Edge_numbering.h"
 
 #include "graph/Link_order.h"
+#include "support/Bits.h"
 #include "support/Errors.h"
 #include "support/Grouping.h"
 
@@ -9,6 +10,8 @@
 #include <cassert>
 #include <cstdint>
 #include <limits>
+#include <optional>
+#include <vector>
 
 namespace cpm {
 
@@ -27,6 +30,65 @@ bool One_is_too_large(Set_list const& cliques, std::size_t n_exact) {
     }
     return largest * largest / 2 - largest / 2 > std::numeric_limits<Link_number>::max();
 }
+
+// The larger nodes that share an approximated clique with a node. Neighbourhoods in a dense core
+// overlap so much that walking them for each of their nodes would take the cube of their number:
+// such sets are joined as rows of bits.
+class Companions {
+public:
+    Companions(Set_list const& cliques, std::size_t n_exact, Node n_nodes)
+        : cliques_(cliques), n_exact_(n_exact), cliques_at_(Groups<Clique_number>::Of_members(
+                                                    cliques, n_exact, std::size_t{n_nodes} + 1)) {
+        Flat_array<std::uint32_t> number_of(cliques_at_.size(), 0);
+        for (Node node = 0; node < cliques_at_.size(); ++node) {
+            if (!cliques_at_[node].empty()) {
+                number_of[node] = static_cast<std::uint32_t>(nodes_.size());
+                nodes_.push_back(node);
+            }
+        }
+        n_words_ = Words_for(nodes_.size());
+        std::size_t const n_words = n_words_ * (cliques.size() - n_exact);
+        if (n_words > cliques.Total() - cliques.Starts()[n_exact]) {
+            return; // the sets are small: bits would take more memory than their members
+        }
+        rows_.Resize(n_words, 0);
+        for (std::size_t c = n_exact; c < cliques.size(); ++c) {
+            for (Node const node : cliques[c]) {
+                Set_bit(rows_.data() + (c - n_exact) * n_words_, number_of[node]);
+            }
+        }
+    }
+
+    /// Calls visit(node) for them, and perhaps for smaller nodes; in any order, perhaps more than
+    /// once.
+    template <class Visit> void For_each(Node first, Visit const& visit) {
+        if (rows_.empty()) {
+            for (Clique_number const c : cliques_at_[first]) {
+                std::ranges::for_each(cliques_[c], visit);
+            }
+            return;
+        }
+        joined_.assign(n_words_, 0);
+        for (Clique_number const c : cliques_at_[first]) {
+            std::uint64_t const* const row = rows_.data() + (c - n_exact_) * n_words_;
+            for (std::size_t w = 0; w < n_words_; ++w) {
+                joined_[w] |= row[w];
+            }
+        }
+        for (std::size_t w = 0; w < n_words_; ++w) {
+            For_each_bit(joined_[w], [&](std::size_t bit) { visit(nodes_[w * word_bits + bit]); });
+        }
+    }
+
+private:
+    Set_list const& cliques_;
+    std::size_t n_exact_;
+    Groups<Clique_number> cliques_at_;
+    std::vector<Node> nodes_; ///< in some approximated clique, ascending: the bits of a row
+    std::size_t n_words_ = 0;
+    Flat_array<std::uint64_t> rows_; ///< one for each approximated clique, or none at all
+    std::vector<std::uint64_t> joined_;
+};
 
 } // namespace
 
@@ -50,10 +112,10 @@ Edge_numbering::Edge_numbering(Index_links const& links, Node n_nodes, Set_list 
         Sort_and_merge(pairs, no_weights, n_nodes + 1);
     }
     bool const all_exact = n_exact >= cliques.size();
-    // The approximated cliques that hold a node, for each node.
-    auto const approximated =
-        all_exact ? Groups<Clique_number>()
-                  : Groups<Clique_number>::Of_members(cliques, n_exact, std::size_t{n_nodes} + 1);
+    std::optional<Companions> companions;
+    if (!all_exact) {
+        companions.emplace(cliques, n_exact, n_nodes);
+    }
     larger_.Reserve(pairs.size());
     std::size_t next = 0;
     Flat_array<Node> seen_for(n_nodes + 1, 0); // the node whose row holds this one already
@@ -65,14 +127,12 @@ Edge_numbering::Edge_numbering(Index_links const& links, Node n_nodes, Set_list 
         }
         if (!all_exact) {
             std::size_t const row = offsets_.back();
-            for (Clique_number const c : approximated[first]) {
-                for (Node const second : cliques[c]) {
-                    if (second > first && seen_for[second] != first) {
-                        seen_for[second] = first;
-                        larger_.push_back(second);
-                    }
+            companions->For_each(first, [&](Node second) {
+                if (second > first && seen_for[second] != first) {
+                    seen_for[second] = first;
+                    larger_.push_back(second);
                 }
-            }
+            });
             std::sort(larger_.begin() + row, larger_.end());
         }
         if (larger_.size() > std::numeric_limits<Link_number>::max()) {

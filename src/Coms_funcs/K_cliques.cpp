@@ -28,7 +28,7 @@ void Generate_k_cls_from_cls(Set_list const& cliques, Index_links const& links,
     k_cliques = K_clique_list(k);
     progress.K_clique_search_began(k, intensity);
     Link_rows const rows(links);
-    K_clique_intensity_sub_routines::K_set_search search(k_cliques, intensity);
+    K_clique_intensity_sub_routines::K_set_search search(k_cliques, intensity, progress);
     Sub_links sub_links;
     double min_log_w = 0;
     auto const total = static_cast<std::uint32_t>(cliques.size());
@@ -51,9 +51,9 @@ void Generate_k_cls_from_cls(Set_list const& cliques, Index_links const& links,
 
 namespace K_clique_intensity_sub_routines {
 
-K_set_search::K_set_search(K_clique_list& k_cliques, double intensity)
+K_set_search::K_set_search(K_clique_list& k_cliques, double intensity, Progress& progress)
     : k_cliques_(k_cliques), k_(k_cliques.K()),
-      log_threshold_(Log_threshold(intensity, k_cliques.K())) {}
+      log_threshold_(Log_threshold(intensity, k_cliques.K())), pace_(progress) {}
 
 void K_set_search::Find(Node_set clique, Sub_links const& sub_links, double min_log_w) {
     assert(k_ >= 2 && clique.size() >= k_);
@@ -123,7 +123,8 @@ void K_set_search::Limit_from_above() {
 void K_set_search::Get_k_cls_iter(std::size_t first) {
     Put(0, first);
     sums_[0] = 0;
-    std::size_t size = 1; // of the set that is being extended
+    pace_.Spend(clique_.size()); // here and where a set grows: for all that may come next
+    std::size_t size = 1;        // of the set that is being extended
     std::size_t next = first + 1;
     while (true) {
         if (next + (k_ - size) > clique_.size()) {
@@ -147,6 +148,7 @@ void K_set_search::Get_k_cls_iter(std::size_t first) {
         } else if (!complete) {
             if (sum + max_left_[size + 1] > log_threshold_) {
                 sums_[size++] = sum;
+                pace_.Spend(clique_.size() - next);
             }
         } else if (bound > log_threshold_ || sum > log_threshold_) {
             k_cliques_.Add(nodes_);
@@ -171,6 +173,7 @@ void K_set_search::Get_k_cls_iter_no_w(std::size_t size, std::size_t last) {
             k_cliques_.Add(nodes_);
         } else {
             Put(size++, next++);
+            pace_.Spend(clique_.size() - next);
         }
     }
 }

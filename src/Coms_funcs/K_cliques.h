@@ -8,6 +8,7 @@
 #include "Coms_funcs/K_clique_list.h"
 #include "Coms_funcs/Link_weights.h"
 #include "graph/Types.h"
+#include "support/Pace.h"
 #include "support/Progress.h"
 
 #include <cstddef>
@@ -27,8 +28,8 @@ namespace K_clique_intensity_sub_routines {
 /// Walks the sets of k nodes inside one clique after the other, k at least 2.
 class K_set_search {
 public:
-    /// What is found goes to the list, whose k it is. The list must outlive this object.
-    K_set_search(K_clique_list& k_cliques, double intensity);
+    /// What is found goes to the list, whose k it is. The list and the progress must outlive this.
+    K_set_search(K_clique_list& k_cliques, double intensity, Progress& progress);
 
     /// Adds the k-cliques of one clique.
     void Find(Node_set clique, Sub_links const& sub_links, double min_log_w);
@@ -45,6 +46,7 @@ private:
     K_clique_list& k_cliques_;
     std::size_t const k_;
     double const log_threshold_;
+    Pace pace_;
     Node_set clique_;
     Sub_links const* sub_links_ = nullptr;
     double min_log_w_ = 0;

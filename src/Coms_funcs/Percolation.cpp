@@ -128,7 +128,7 @@ Percolation::Percolation(Found_cliques const& found, std::shared_ptr<Ranked_cliq
 //            what each gives alone).
 void Percolation::Coms_from_appr_ovlp_matr(Communities& coms, std::uint32_t k, Progress* progress) {
     constexpr std::uint32_t cliques_a_tick = 2048;
-    Ticker ticker(progress, cliques_a_tick);
+    Pace pace(progress, cliques_a_tick);
     coms.links.reset(); // so that what nobody else keeps is carried on without a copy
     std::swap(com_cliques_, coms.cliques);
     com_cliques_.clear();
@@ -141,7 +141,7 @@ void Percolation::Coms_from_appr_ovlp_matr(Communities& coms, std::uint32_t k, P
         adjacency_->Start_level(k);
         for (std::size_t c = adjacency_->Next_unvisited(0); c < cliques.size();
              c = adjacency_->Next_unvisited(c + 1)) {
-            if (cliques[c].size() >= k && Grow_community(static_cast<Clique_number>(c), ticker)) {
+            if (cliques[c].size() >= k && Grow_community(static_cast<Clique_number>(c), pace)) {
                 com_cliques_.Close_list();
             }
         }
@@ -159,7 +159,7 @@ void Percolation::Coms_from_appr_ovlp_matr(Communities& coms, std::uint32_t k, P
 // Buys:      no recursion: a chain of cliques can be as long as the list.
 // Breaks if: a clique is visited when it is followed and not when it is brought in.
 // Pinned by: Percolation_test (against recursion; a chain of 300,000 cliques).
-bool Percolation::Grow_community(Clique_number first, Ticker& ticker) {
+bool Percolation::Grow_community(Clique_number first, Pace& pace) {
     members_.clear();
     to_follow_.clear();
     adjacency_->Visit_first(first, members_);
@@ -168,7 +168,7 @@ bool Percolation::Grow_community(Clique_number first, Ticker& ticker) {
     }
     Join(0);
     while (!to_follow_.empty()) {
-        ticker.Step();
+        pace.Spend(1);
         Adjacent_clique const next = members_[to_follow_.back()];
         to_follow_.pop_back();
         if (std::size_t const left = to_follow_.size(); left > 3) {

@@ -9,6 +9,7 @@
 #include "Coms_funcs/Edge_numbering.h"
 #include "Coms_funcs/Ranked_cliques.h"
 #include "graph/Types.h"
+#include "support/Pace.h"
 #include "support/Progress.h"
 
 #include <memory>
@@ -58,7 +59,7 @@ public:
     void Coms_from_appr_ovlp_matr(Communities& coms, std::uint32_t k, Progress* progress = nullptr);
 
 private:
-    bool Grow_community(Clique_number first, Ticker& ticker);
+    bool Grow_community(Clique_number first, Pace& pace);
     void Join(std::size_t first_new);
     void List(Communities& coms);
 

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cassert>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace cpm {
@@ -52,10 +53,14 @@ public:
     Node_set Earlier(Node node) const {
         return {neighbours_.data() + middles_[node], neighbours_.data() + begins_[node + 1]};
     }
-    /// Directed: entry i says how the node is linked with Later(node)[i].
+    /// Directed: entry i says how the node is linked with Later(node)[i], or Earlier(node)[i].
     std::span<Arcs const> Later_arcs(Node node) const {
         assert(directed_);
         return {arcs_.data() + begins_[node], arcs_.data() + middles_[node]};
+    }
+    std::span<Arcs const> Earlier_arcs(Node node) const {
+        assert(directed_);
+        return {arcs_.data() + middles_[node], arcs_.data() + begins_[node + 1]};
     }
 
     std::size_t Degree(Node node) const {
@@ -63,6 +68,19 @@ public:
     }
     bool Linked(Node a, Node b) const {
         return std::ranges::binary_search(Later(a), b) || std::ranges::binary_search(Earlier(a), b);
+    }
+    /// Directed: how a is linked with b, 0 if not at all.
+    Arcs Arcs_between(Node a, Node b) const {
+        for (auto const& [begin, end] :
+             {std::pair(begins_[a], middles_[a]), std::pair(middles_[a], begins_[a + 1])}) {
+            Node const* const first = neighbours_.data() + begin;
+            Node const* const last = neighbours_.data() + end;
+            Node const* const found = std::lower_bound(first, last, b);
+            if (found != last && *found == b) {
+                return arcs_[static_cast<std::size_t>(found - neighbours_.data())];
+            }
+        }
+        return 0;
     }
     /// Calls visit(neighbour) for each neighbour larger than `least`, ascending by index.
     template <class Visit>

@@ -65,28 +65,6 @@ public:
     virtual void K_cliques_joining_at(std::uint32_t /*to_do*/, std::uint32_t /*total*/) {}
 };
 
-/// Calls Tick() now and then, for loops whose steps are short.
-class Ticker {
-public:
-    /// `n_steps` should take a few milliseconds. Without a progress nobody is told.
-    Ticker(Progress* progress, std::uint32_t n_steps)
-        : progress_(progress), n_steps_(n_steps), left_(n_steps) {}
-
-    void Step() {
-        if (--left_ == 0) {
-            left_ = n_steps_;
-            if (progress_ != nullptr) {
-                progress_->Tick();
-            }
-        }
-    }
-
-private:
-    Progress* progress_;
-    std::uint32_t n_steps_;
-    std::uint32_t left_;
-};
-
 } // namespace cpm
 
 #endif

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What is kept of an attempt that has overrun, wherever its time runs out: a beginning of the
 // node's cliques in their order, and all that the plain search by single steps has found by then.
-#include "Clique_find/Clique_find_dir.h"
-#include "Clique_find/Clique_find_time.h"
+#include "Clique_find/Finder.h"
 #include "Plain_cliques.h"
 #include "support/Graph_makers.h"
 #include "support/Test_clocks.h"
@@ -113,32 +112,20 @@ struct Kept {
 };
 
 Kept Attempt(Situation const& around, unsigned looks) {
-    using namespace Clique_find_time_sub_routines;
     Progress nobody;
-    Set_list cliques;
     Graph const graph(around.links, around.directed);
-    std::unique_ptr<Node_finder> finder;
-    if (around.directed) {
-        finder =
-            std::make_unique<Clique_find_dir_sub_routines::Dir_node_search>(graph, cliques, nobody);
-    } else {
-        finder = std::make_unique<Timed_node_search>(graph, cliques, nobody);
-    }
+    std::unique_ptr<Finder> const finder = Make_finder(graph, nobody);
     Set_list found;
     for (Node const node : around.done) {
         Clock_of still([] { return 0.0; });
         Time_budget budget(still, 1);
         found.clear();
-        finder->Find(node, budget, found);
-        for (std::size_t i = 0; i < found.size(); ++i) {
-            cliques.Add(found[i]);
-        }
-        finder->Done(node);
+        finder->Find_within(node, budget, found);
     }
     Late_clock clock(looks);
     Time_budget budget(clock, 1, 1);
     found.clear();
-    finder->Find(around.node, budget, found);
+    finder->Find_within(around.node, budget, found);
     Kept kept{budget.Too_slow(), {}};
     for (std::size_t i = 0; i < found.size(); ++i) {
         kept.sets.push_back({found[i].begin(), found[i].end()});

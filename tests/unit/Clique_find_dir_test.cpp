@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "Clique_find/Clique_find_dir.h"
+#include "Clique_find/Clique_find.h"
+#include "Clique_find/Finder.h"
 
 #include "Plexor_io/Reports.h"
 #include "support/Captured_console.h"
@@ -538,13 +539,16 @@ TEST(Clique_find_dir, Lists_in_the_same_order_when_candidates_fill_more_than_a_w
         order.push_back(centre);
         Graph const graph = Graph_of(arcs);
         Progress nobody;
-        Set_list cliques;
-        Clique_find_dir_sub_routines::Dir_node_search search(graph, cliques, nobody);
+        Sets cliques;
+        std::unique_ptr<Finder> const finder = Make_finder(graph, nobody);
         for (Node const node : order) {
-            search.Main_inc_dir_investigator(node, cliques);
-            search.Done(node);
+            Clock_of still([] { return 0.0; });
+            Time_budget budget(still, 1);
+            Set_list found;
+            finder->Find_within(node, budget, found);
+            std::ranges::copy(To_vectors(found), std::back_inserter(cliques));
         }
-        ASSERT_EQ(To_vectors(cliques), Search_by_gaps(arcs).At(order)) << Shown(arcs);
+        ASSERT_EQ(cliques, Search_by_gaps(arcs).At(order)) << Shown(arcs);
     }
 }
 

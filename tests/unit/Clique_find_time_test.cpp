@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "Clique_find/Clique_find_time.h"
-
 #include "Clique_find/Clique_find.h"
+
 #include "support/Captured_console.h"
 #include "support/Cliques_by_sets.h"
 #include "support/Graph_makers.h"

@@ -3,8 +3,6 @@
 
 #include "Clique_find/Appr_core_cliques.h"
 #include "Clique_find/Clique_find.h"
-#include "Clique_find/Clique_find_dir.h"
-#include "Clique_find/Clique_find_time.h"
 #include "support/Captured_console.h"
 #include "support/Graph_makers.h"
 #include "support/Test_clocks.h"

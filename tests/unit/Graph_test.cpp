@@ -71,6 +71,7 @@ TEST(Graph, A_neighbour_in_both_directions_is_one) {
     EXPECT_EQ(To_vector(graph.Later(4)), (std::vector<Node>{2}));
     EXPECT_EQ(Listed(graph.Later_arcs(4)), (std::vector<Arcs>{Arc_to}));
     EXPECT_EQ(To_vector(graph.Earlier(2)), (std::vector<Node>{1, 3, 4}));
+    EXPECT_EQ(Listed(graph.Earlier_arcs(2)), (std::vector<Arcs>{Arc_both, Arc_to, Arc_from}));
     EXPECT_EQ(graph.Degree(2), 3U);
     std::vector<std::pair<Node, Arcs>> met;
     graph.For_each_arc(2, [&](Node neighbour, Arcs arcs) { met.push_back({neighbour, arcs}); });
@@ -99,6 +100,7 @@ TEST(Graph, Random_directed_networks_are_those_of_their_records) {
         for (Vtxd const& vertex : vertices) {
             std::vector<Node> later;
             std::vector<Arcs> later_arcs;
+            std::vector<Arcs> earlier_arcs;
             std::vector<std::pair<Node, Arcs>> all;
             auto const has = [](Node_set nodes, Node node) {
                 return std::ranges::binary_search(nodes, node);
@@ -111,6 +113,8 @@ TEST(Graph, Random_directed_networks_are_those_of_their_records) {
                 if (std::ranges::find(order, other) > std::ranges::find(order, vertex.Index())) {
                     later.push_back(other);
                     later_arcs.push_back(arcs);
+                } else {
+                    earlier_arcs.push_back(arcs);
                 }
             }
             std::vector<std::pair<Node, Arcs>> met;
@@ -120,6 +124,7 @@ TEST(Graph, Random_directed_networks_are_those_of_their_records) {
             ASSERT_EQ(met, all);
             ASSERT_EQ(To_vector(graph.Later(vertex.Index())), later);
             ASSERT_EQ(Listed(graph.Later_arcs(vertex.Index())), later_arcs);
+            ASSERT_EQ(Listed(graph.Earlier_arcs(vertex.Index())), earlier_arcs);
         }
     }
 }

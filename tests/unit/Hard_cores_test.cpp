@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The time-limited searches on cores whose cliques nobody can list, with a clock that counts.
-#include "Clique_find/Clique_find_dir.h"
-#include "Clique_find/Clique_find_time.h"
-
+#include "Clique_find/Clique_find.h"
+#include "Clique_find/Finder.h"
 #include "support/Captured_console.h"
 #include "support/Graph_makers.h"
 #include "support/Test_clocks.h"
@@ -10,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <gtest/gtest.h>
+#include <memory>
 #include <numeric>
 #include <set>
 #include <sstream>
@@ -215,7 +215,7 @@ TEST(Hard_cores, Parts_are_given_up_as_soon_as_the_time_is_up) {
     }
 }
 
-TEST(Hard_cores, Parts_with_circles_are_given_up_as_soon_as_the_time_is_up) {
+TEST(Hard_cores, Parts_with_may_have_cycles_are_given_up_as_soon_as_the_time_is_up) {
     for (unsigned const max_time : {1U, 4U}) {
         std::size_t const readings = n_of_parts * Readings_of_an_attempt(max_time);
         Result const result = Search_directed(Parts(Ways::any), max_time, readings);
@@ -296,14 +296,13 @@ TEST(Hard_cores, A_clique_that_comes_late_in_the_order_is_kept) {
     // At a look for each step all time is gone at the second look, but enough is left to list all.
     Graph const order(To_index_links(links));
     for (Node const node : nodes) {
-        Set_list const none;
         Progress nobody;
-        Clique_find_time_sub_routines::Timed_node_search search(order, none, nobody);
+        std::unique_ptr<Finder> const finder = Make_finder(order, nobody);
         int readings = 0;
         Clock_of clock([&] { return ++readings <= 2 ? 0.0 : 1.5; });
         Time_budget budget(clock, 1, 1);
         Set_list found;
-        search.Find(node, budget, found);
+        finder->Find_within(node, budget, found);
         EXPECT_TRUE(budget.Too_slow());
         EXPECT_GT(found.size(), 1000U);
         auto const listed = To_vectors(found);

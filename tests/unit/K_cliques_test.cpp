@@ -255,6 +255,34 @@ TEST(Get_sub_links_and_min_link_w, A_missing_link_or_no_pair_at_all_is_an_error)
     }
 }
 
+class Counting_progress : public cpm::Progress {
+public:
+    void Tick() override { ++n_ticks; }
+    std::size_t n_ticks = 0;
+};
+
+// All sets of six nodes pass and are not summed up, or few do and most sets are summed up.
+TEST(Generate_k_cls_from_cls, Lets_the_progress_tick_within_one_clique) {
+    Index_links links;
+    std::vector<Node> clique;
+    for (Node a = 1; a <= 30; ++a) {
+        clique.push_back(a);
+        for (Node b = a + 1; b <= 30; ++b) {
+            links.pairs.push_back({a, b});
+            links.weights.push_back(b % 2 == 0 ? 2 : 0.5);
+        }
+    }
+    Set_list cliques;
+    cliques.Add(clique);
+    for (double const intensity : {0.1, 1.4}) {
+        Counting_progress counting;
+        K_clique_list k_cliques;
+        Generate_k_cls_from_cls(cliques, links, k_cliques, 6, intensity, counting);
+        EXPECT_EQ(k_cliques.size() == 593775, intensity == 0.1);
+        EXPECT_GE(counting.n_ticks, 2U) << intensity;
+    }
+}
+
 TEST(Generate_k_cls_from_cls, An_intensity_equal_to_the_threshold_is_rejected) {
     Index_links const links = All_of_weight(0.5, To_index_links(Complete(1, 3)));
     Set_list const cliques{{1, 2, 3}};

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// First_check: how far the undirected search of a node gets before it has to look at the clock.
-#ifndef PLEXOR_FIRST_CHECK_H
-#define PLEXOR_FIRST_CHECK_H
+// Before_first_clock: how far the undirected search of a node gets before it has to look at the
+// clock.
+#ifndef PLEXOR_BEFORE_FIRST_CLOCK_H
+#define PLEXOR_BEFORE_FIRST_CLOCK_H
 
 #include "Clique_find/Time_budget.h"
 #include "graph/Graph.h"
@@ -64,7 +65,7 @@ void Placed_nodes::For_each_neighbour_of(Node node, std::size_t first, Take cons
                                       });
 }
 
-class First_check {
+class Before_first_clock {
 public:
     /// Two places among the candidates.
     struct Pair {
@@ -78,8 +79,8 @@ public:
     /// and a pair met by then that no candidate behind it may join and that are not known.
     /// The candidates are the neighbours of `centre` that are not done; `done` are those that are,
     /// at least all with three neighbours or more.
-    bool Reached(Node centre, Placed_nodes const& candidates, Placed_nodes const& done, Pace& pace,
-                 Set_list& found);
+    bool Reads_clock(Node centre, Placed_nodes const& candidates, Placed_nodes const& done,
+                     Pace& pace, Set_list& found);
     /// The pair at which the last walk ended.
     Pair Reached_at() const { return reached_at_; }
 

@@ -5,17 +5,15 @@
 // Leaves   whether the clock is looked at, and the sets of three nodes found before.
 // Order    lines grow by one node at a time: gaps from the front, in a gap ascending nodes. A node
 //          tried in a gap is not tried there again.
-// Cost     the search ends at the first line that may grow into something new. Up to there each
-//          link of two candidates is walked from its end with fewer links, and sets are compared by
-//          their own links. Memory: a few numbers a link.
+// Cost     the search ends at the first line that may grow into something new. Up to there the
+//          links of a candidate are looked at once, when it is first asked for; sets are compared
+//          by their own links. Memory: two numbers a link looked at.
 // Tested   Clique_find_dir_test.cpp: the literal search with clocks that strike at once.
 //
 // What is found here counts only when the time is up at the first look; so the fast search that
 // follows need not find the same sets on its way, and a set here may be such that in another line
 // one more node could join it.
-#include "Clique_find/Dir_first_check.h"
-
-#include "support/Grouping.h"
+#include "Clique_find/Dir_before_first_clock.h"
 
 #include <algorithm>
 #include <array>
@@ -28,16 +26,21 @@ constexpr std::uint8_t n_gaps = 3;
 
 } // namespace
 
-bool Dir_first_check::Reached(Dir_surroundings const& around, Pace& pace, Set_list& found) {
+bool Dir_before_first_clock::Reads_clock(Dir_surroundings& around, Pace& pace, Set_list& found) {
     around_ = &around;
-    Set_up(around);
+    pace_ = &pace; // only for those who wait: nothing stops here
+    neighbours_.resize(std::max<std::size_t>(neighbours_.size(), around.Centre()));
+    looked_at_.assign(around.Centre(), false);
+    gaps_.assign(around.Centre(), 0);
+    known_with_.assign(around.Centre(), 0);
+    n_known_ = 0;
+    found_pairs_.clear();
     for (bool const in_front : {true, false}) {
         for (Place first = 0; first < around.Centre(); ++first) {
             if ((around.Arcs_with(first) & (in_front ? Arc_from : Arc_to)) == 0) {
                 continue;
             }
             reached_at_ = {in_front ? 0U : 1U, first, 0, 0};
-            pace.Spend(Neighbours(first).size()); // only for those who wait: nothing stops here
             Tighten_dir(first, in_front);
             Merge_already_full_and_possibs({first}, joining_);
             bool const reached = !joining_.empty() && Mehet_tovabb() && Try_second(first, found);
@@ -52,54 +55,31 @@ bool Dir_first_check::Reached(Dir_surroundings const& around, Pace& pace, Set_li
     return false;
 }
 
-void Dir_first_check::Set_up(Dir_surroundings const& around) {
-    auto const for_each_link = [&](auto visit) {
-        for (auto const links : {around.Links(), around.Excluded_links()}) {
-            std::for_each(links.begin(), links.end(), visit);
-        }
-    };
-    begins_.assign(around.N_places() + std::size_t{1}, 0);
-    for_each_link([this](Local_link const& link) {
-        ++begins_[link.candidate];
-        ++begins_[link.other];
-    });
-    neighbours_.resize(Counts_to_ends(begins_));
-    for_each_link([this](Local_link const& link) {
-        neighbours_[--begins_[link.candidate]] = {link.other, link.arcs};
-        neighbours_[--begins_[link.other]] = {link.candidate, Reversed(link.arcs)};
-    });
-    for (std::size_t i = 0; i < around.N_places(); ++i) {
-        std::sort(neighbours_.begin() + static_cast<std::ptrdiff_t>(begins_[i]),
-                  neighbours_.begin() + static_cast<std::ptrdiff_t>(begins_[i + 1]),
-                  [](Neighbour a, Neighbour b) { return a.place < b.place; });
+std::span<Local_neighbour const> Dir_before_first_clock::Neighbours(Place candidate, Pace& pace) {
+    std::vector<Local_neighbour>& neighbours = neighbours_[candidate];
+    if (!looked_at_[candidate]) {
+        looked_at_[candidate] = true;
+        pace.Spend(around_->List_neighbours(candidate, neighbours));
     }
-    gaps_.assign(around.Centre(), 0);
-    known_with_.assign(around.Centre(), 0);
-    n_known_ = 0;
-    found_pairs_.clear();
+    return neighbours;
 }
 
-// As seen from a; 0 when there is no link.
-Arcs Dir_first_check::Arcs_between(Place a, Place b) const {
-    bool const from_a = Neighbours(a).size() <= Neighbours(b).size();
-    auto const neighbours = Neighbours(from_a ? a : b);
-    Place const wanted = from_a ? b : a;
-    auto const place = std::ranges::lower_bound(neighbours, wanted, {}, &Neighbour::place);
-    if (place == neighbours.end() || place->place != wanted) {
-        return 0;
-    }
-    return from_a ? place->arcs : Reversed(place->arcs);
+// As seen from the candidate; 0 when there is no link.
+Arcs Dir_before_first_clock::Arcs_between(Place candidate, Place other) {
+    auto const neighbours = Neighbours(candidate, *pace_);
+    auto const place = std::ranges::lower_bound(neighbours, other, {}, &Local_neighbour::place);
+    return place == neighbours.end() || place->place != other ? Arcs{0} : place->arcs;
 }
 
 // The line of the centre and `first`: gathers who may join it, and where. Smaller candidates have
 // been tried in the gap into which `first` has gone; the front gap is used up when it has gone
 // behind the centre.
-void Dir_first_check::Tighten_dir(Place first, bool in_front) {
+void Dir_before_first_clock::Tighten_dir(Place first, bool in_front) {
     constexpr Gaps front = 1;
     constexpr Gaps middle = 2;
     constexpr Gaps back = 4;
     joining_.clear();
-    for (Neighbour const neighbour : Neighbours(first)) {
+    for (Local_neighbour const neighbour : Neighbours(first, *pace_)) {
         if (neighbour.place >= around_->Centre()) {
             break;
         }
@@ -126,7 +106,7 @@ void Dir_first_check::Tighten_dir(Place first, bool in_front) {
 }
 
 // The same once `second` has gone into a gap, when the gaps before are used up.
-void Dir_first_check::Tighten_dir(Gaps gap, Place second) {
+void Dir_before_first_clock::Tighten_dir(Gaps gap, Place second) {
     constexpr std::size_t steps_of_a_search = 8;
     joining_three_.clear();
     auto const consider = [&](Place place, Arcs from_second) {
@@ -136,14 +116,14 @@ void Dir_first_check::Tighten_dir(Gaps gap, Place second) {
             joining_three_.push_back(place);
         }
     };
-    auto const neighbours = Neighbours(second);
+    auto const neighbours = Neighbours(second, *pace_);
     if (neighbours.size() / steps_of_a_search > joining_.size()) {
         for (Place const place : joining_) {
             consider(place, Arcs_between(second, place));
         }
         return;
     }
-    for (Neighbour const neighbour : neighbours) {
+    for (Local_neighbour const neighbour : neighbours) {
         if (neighbour.place >= around_->Centre()) {
             break;
         }
@@ -151,7 +131,7 @@ void Dir_first_check::Tighten_dir(Gaps gap, Place second) {
     }
 }
 
-bool Dir_first_check::Try_second(Place first, Set_list& found) {
+bool Dir_before_first_clock::Try_second(Place first, Set_list& found) {
     for (std::uint8_t i = 0; i < n_gaps; ++i) {
         auto const gap = static_cast<Gaps>(1 << i);
         for (Place const second : joining_) {
@@ -174,15 +154,15 @@ bool Dir_first_check::Try_second(Place first, Set_list& found) {
     return false;
 }
 
-void Dir_first_check::Merge_already_full_and_possibs(std::initializer_list<Place> placed,
-                                                     std::vector<Place> const& joining) {
+void Dir_before_first_clock::Merge_already_full_and_possibs(std::initializer_list<Place> placed,
+                                                            std::vector<Place> const& joining) {
     merged_.assign(placed);
     merged_.insert(merged_.end(), joining.begin(), joining.end());
 }
 
 // Whether a line may still grow into something new: not when all that it may become is known.
 // Sets often follow each other that lie in the same known set; such a set is not looked for again.
-bool Dir_first_check::Mehet_tovabb() {
+bool Dir_before_first_clock::Mehet_tovabb() {
     std::uint32_t const number = known_with_[merged_.front()];
     if (number != 0 &&
         std::ranges::all_of(merged_, [&](Place place) { return known_with_[place] == number; })) {
@@ -204,7 +184,7 @@ bool Dir_first_check::Mehet_tovabb() {
 // Buys:      no clique is looked at, however many there are.
 // Breaks if: a node becomes done before its search has come to its end.
 // Pinned by: Clique_find_dir_test
-bool Dir_first_check::Known() {
+bool Dir_before_first_clock::Known() {
     auto const centre = static_cast<std::uint32_t>(merged_.size());
     auto const excluded = centre + 1;
     one_way_.clear();
@@ -218,10 +198,11 @@ bool Dir_first_check::Known() {
     // Stage 1: they are two by two linked.
     Place rarest = merged_.front();
     for (Place const place : merged_) {
-        if (Neighbours(place).size() < merged_.size()) {
+        std::size_t const n_neighbours = Neighbours(place, *pace_).size();
+        if (n_neighbours < merged_.size()) {
             return false; // without a link to all others and one to an excluded node
         }
-        if (Neighbours(place).size() < Neighbours(rarest).size()) {
+        if (n_neighbours < Neighbours(rarest, *pace_).size()) {
             rarest = place;
         }
     }
@@ -237,25 +218,25 @@ bool Dir_first_check::Known() {
     }
     // Stage 2: some excluded node can join them.
     std::size_t const n_inside = one_way_.size();
-    auto const all = Neighbours(rarest);
+    auto const all = Neighbours(rarest, *pace_);
     auto const first_excluded = std::ranges::partition_point(
-        all, [this](Neighbour neighbour) { return neighbour.place < around_->Centre(); });
-    return std::any_of(first_excluded, all.end(), [&](Neighbour neighbour) {
+        all, [this](Local_neighbour neighbour) { return neighbour.place < around_->Centre(); });
+    return std::any_of(first_excluded, all.end(), [&](Local_neighbour neighbour) {
         one_way_.resize(n_inside);
         add(centre, excluded, around_->Arcs_with(neighbour.place));
         for (std::uint32_t i = 0; i < centre; ++i) {
-            Arcs const arcs = Arcs_between(neighbour.place, merged_[i]);
+            Arcs const arcs = Arcs_between(merged_[i], neighbour.place);
             if (arcs == 0) {
                 return false;
             }
-            add(excluded, i, arcs);
+            add(i, excluded, arcs);
         }
-        return !Close_a_circle(one_way_, std::size_t{excluded} + 1);
+        return !Has_cycle(one_way_, std::size_t{excluded} + 1);
     });
 }
 
 // A set of three nodes. It may have been met before in another line.
-void Dir_first_check::Iktatjuk_az_uj_vert_clt(Place first, Place second, Set_list& found) {
+void Dir_before_first_clock::Iktatjuk_az_uj_vert_clt(Place first, Place second, Set_list& found) {
     std::uint64_t const pair =
         std::uint64_t{std::min(first, second)} << 32 | std::max(first, second);
     if (!found_pairs_.insert(pair).second) {

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// Dir_kernel: finds the sets around one node that can be lined up: sets of nodes, two by two
-// linked, whose one-way links (those without a reverse) close no circle. Just these can be put in a
-// line such that every node has a link to every later one.
-#ifndef PLEXOR_DIR_KERNEL_H
-#define PLEXOR_DIR_KERNEL_H
+// Directed_bron_kerbosch: finds the sets around one node that can be lined up: sets of nodes, two
+// by two linked, whose one-way links (those without a reverse) close no cycle. Just these can be
+// put in a line such that every node has a link to every later one.
+#ifndef PLEXOR_DIRECTED_BRON_KERBOSCH_H
+#define PLEXOR_DIRECTED_BRON_KERBOSCH_H
 
 #include "Clique_find/Dir_surroundings.h"
 #include "Clique_find/Time_budget.h"
@@ -15,7 +15,7 @@
 
 namespace cpm {
 
-namespace Dir_kernel_sub {
+namespace Directed_bron_kerbosch_sub {
 
 /// What the kernel works in; kept from node to node.
 struct Memory {
@@ -33,7 +33,7 @@ struct Memory {
     struct Level {
         std::size_t rivals_begin = 0; ///< in rivals; they end where the next level's begin
         Place placed = 0;             ///< the candidate that opened the branch
-        bool no_circles = false;      ///< no one-way links close a circle here or further on
+        bool acyclic = false;         ///< no one-way links close a cycle here or further on
     };
     std::vector<Level> levels;
 
@@ -47,16 +47,16 @@ struct Memory {
     bool all_kept = true;
 };
 
-} // namespace Dir_kernel_sub
+} // namespace Directed_bron_kerbosch_sub
 
-class Dir_kernel {
+class Directed_bron_kerbosch {
 public:
     /// Finds every set of the centre and two candidates or more that can be lined up, and that no
     /// other candidate and no excluded node can join. False when the pace ended the search, or when
-    /// they need more than `most_bytes`: then the search goes on to its end to see whether there is
+    /// they need more than `max_bytes`: then the search goes on to its end to see whether there is
     /// time for that, and All_kept() is false.
     bool Find(Dir_surroundings const& around, Pace* pace,
-              std::size_t most_bytes = std::numeric_limits<std::size_t>::max());
+              std::size_t max_bytes = std::numeric_limits<std::size_t>::max());
     bool All_kept() const { return memory_.all_kept; }
     /// Gives back the memory that sets found have needed.
     void Forget() { memory_.found = {}; }
@@ -66,7 +66,7 @@ public:
 private:
     bool Set_up(Dir_surroundings const& around, Pace* pace);
 
-    Dir_kernel_sub::Memory memory_;
+    Directed_bron_kerbosch_sub::Memory memory_;
 };
 
 } // namespace cpm

@@ -9,8 +9,9 @@
 //          its neighbours or by searching among them, whichever is less; and a pair costs little
 //          more than the shorter of the lists of its two. A known set is compared with its own
 //          links. Memory: a number a link looked at, a few numbers a candidate.
-// Tested   First_check_test.cpp against a literal walk of two steps, Clique_find_time_test.cpp.
-#include "Clique_find/First_check.h"
+// Tested   Before_first_clock_test.cpp against a literal walk of two steps,
+// Clique_find_time_test.cpp.
+#include "Clique_find/Before_first_clock.h"
 
 #include <array>
 #include <iterator>
@@ -77,18 +78,18 @@ void Placed_nodes::clear() {
     nodes_.clear();
 }
 
-void First_check::Lists::Start(std::size_t n_candidates) {
+void Before_first_clock::Lists::Start(std::size_t n_candidates) {
     lists_.clear();
     numbers_.assign(n_candidates, 0);
 }
 
-void First_check::Lists::Close_list(Place candidate) {
+void Before_first_clock::Lists::Close_list(Place candidate) {
     lists_.Close_list();
     numbers_[candidate] = static_cast<std::uint32_t>(lists_.size());
 }
 
-bool First_check::Reached(Node centre, Placed_nodes const& candidates, Placed_nodes const& done,
-                          Pace& pace, Set_list& found) {
+bool Before_first_clock::Reads_clock(Node centre, Placed_nodes const& candidates,
+                                     Placed_nodes const& done, Pace& pace, Set_list& found) {
     centre_ = centre;
     candidates_ = &candidates;
     done_ = &done;
@@ -110,8 +111,8 @@ bool First_check::Reached(Node centre, Placed_nodes const& candidates, Placed_no
 // Buys:      where nearly all candidates lie in one known set, a pair costs as much as there is
 //            outside of it.
 // Breaks if: `outside_known_` lacks a candidate that is in no known set with `first`.
-// Pinned by: First_check_test
-bool First_check::Try_first(Place first, Pace& pace, Set_list& found) {
+// Pinned by: Before_first_clock_test
+bool Before_first_clock::Try_first(Place first, Pace& pace, Set_list& found) {
     Look_behind(first);
     first_known_ = known_with_[first];
     known_before_ = n_known_;
@@ -141,7 +142,7 @@ bool First_check::Try_first(Place first, Pace& pace, Set_list& found) {
     return false;
 }
 
-void First_check::Look_behind(Place candidate) {
+void Before_first_clock::Look_behind(Place candidate) {
     if (behind_.Has(candidate)) {
         return;
     }
@@ -150,7 +151,7 @@ void First_check::Look_behind(Place candidate) {
     behind_.Close_list(candidate);
 }
 
-void First_check::Look_at_done(Place candidate) {
+void Before_first_clock::Look_at_done(Place candidate) {
     if (done_with_.Has(candidate)) {
         return;
     }
@@ -160,7 +161,7 @@ void First_check::Look_at_done(Place candidate) {
 }
 
 // Whether the candidate is linked with one of these behind it.
-bool First_check::Any_behind(Place candidate, Places places) {
+bool Before_first_clock::Any_behind(Place candidate, Places places) {
     if (places.empty()) {
         return false;
     }
@@ -169,7 +170,7 @@ bool First_check::Any_behind(Place candidate, Places places) {
 }
 
 // Gathers what may join the pair of `first` and its neighbour number i.
-void First_check::Tighten(Place first, std::size_t i) {
+void Before_first_clock::Tighten(Place first, std::size_t i) {
     joining_.clear();
     if (i + 1 < behind_[first].size()) {
         Place const second = behind_[first][i];
@@ -180,7 +181,7 @@ void First_check::Tighten(Place first, std::size_t i) {
 
 // Whether a pair may still grow into something new: not when it is known with all that may join.
 // Pairs often follow each other that lie in the same known set; such a pair is not looked into.
-bool First_check::Mehet_tovabb(Place first, Place second) {
+bool Before_first_clock::Mehet_tovabb(Place first, Place second) {
     if (Inside_last_known(second)) {
         return false;
     }
@@ -197,7 +198,7 @@ bool First_check::Mehet_tovabb(Place first, Place second) {
     return false;
 }
 
-bool First_check::Inside_last_known(Place second) const {
+bool Before_first_clock::Inside_last_known(Place second) const {
     std::uint32_t const number = known_with_[second];
     bool const holds_first = number > known_before_ || (number != 0 && number == first_known_);
     return holds_first && std::ranges::all_of(joining_, [this, number](Place place) {
@@ -210,8 +211,8 @@ bool First_check::Inside_last_known(Place second) const {
 // Relies on: at a done node all maximal cliques with it have been found, of three nodes or more.
 // Buys:      no clique is looked at, however many there are.
 // Breaks if: a node becomes done before its search has come to its end.
-// Pinned by: First_check_test, Clique_find_time_test
-bool First_check::Known(Place first, Place second) {
+// Pinned by: Before_first_clock_test, Clique_find_time_test
+bool Before_first_clock::Known(Place first, Place second) {
     Look_at_done(first);
     Look_at_done(second);
     if (joining_.empty()) {
@@ -231,7 +232,8 @@ bool First_check::Known(Place first, Place second) {
     return !done_of_all_.empty();
 }
 
-void First_check::Iktatjuk_az_uj_math_cliquet(Place first, Place second, Set_list& found) const {
+void Before_first_clock::Iktatjuk_az_uj_math_cliquet(Place first, Place second,
+                                                     Set_list& found) const {
     std::array<Node, 3> clique{centre_, (*candidates_)[first], (*candidates_)[second]};
     std::ranges::sort(clique);
     found.Add(clique);

@@ -1,38 +1,29 @@
 // SPDX-License-Identifier: MIT
-// Local_cliques: the kernel of the clique searches. Given a few candidates, which of them are
+// Bron_kerbosch: the kernel of the clique searches. Given a few candidates, which of them are
 // linked, and some excluded nodes by the candidates they are linked with, it finds every maximal
 // clique of candidates that no excluded node extends, in lexicographic order.
-#ifndef PLEXOR_LOCAL_CLIQUES_H
-#define PLEXOR_LOCAL_CLIQUES_H
+#ifndef PLEXOR_BRON_KERBOSCH_H
+#define PLEXOR_BRON_KERBOSCH_H
 
+#include "Clique_find/One_word_problem.h"
 #include "Clique_find/Time_budget.h"
 #include "graph/Types.h"
 
-#include <array>
 #include <cassert>
 #include <limits>
 #include <vector>
 
 namespace cpm {
 
-namespace Local_cliques_sub {
-
-/// A problem of at most 64 candidates: every set of them is one word.
-struct Word_problem {
-    std::array<std::uint64_t, 64> rows{};
-    Flat_array<std::uint64_t> excluded; ///< first the problem's own, then those of open branches
-    Flat_array<std::uint64_t> found;
-    std::size_t room = 0; ///< so many bytes of sets may still be kept
-    bool all_kept = true;
-};
+namespace Bron_kerbosch_sub {
 
 /// The first candidates of a list as a number: of two lists, neither the beginning of the other,
 /// the one with the smaller number comes first. Equal numbers say nothing.
 std::uint64_t First_candidates(std::span<std::uint32_t const> list);
 
-} // namespace Local_cliques_sub
+} // namespace Bron_kerbosch_sub
 
-class Local_cliques {
+class Bron_kerbosch {
 public:
     /// Starts a new problem: candidates 0 to `n_candidates` - 1, no links, no excluded nodes.
     /// False when the pace ended it.
@@ -43,20 +34,25 @@ public:
         Set_bit(Row(i), j);
         Set_bit(Row(j), i);
     }
-    /// An excluded node: call these in turn. One that is linked with fewer than `least` candidates
-    /// is forgotten.
-    void Start_excluded() { excluded_.Resize(excluded_.size() + n_words_, 0); }
-    void Link_excluded(std::size_t i) {
+    /// A further excluded node, not linked yet. They have the numbers 0, 1, ...
+    void Add_excluded() { excluded_.Resize(excluded_.size() + n_words_, 0); }
+    void Link_excluded(std::size_t e, std::size_t i) {
+        assert(i < n_candidates_ && e < N_excluded());
+        Set_bit(excluded_.data() + e * n_words_, i);
+    }
+    void Link_last_excluded(std::size_t i) {
         assert(i < n_candidates_ && !excluded_.empty());
         Set_bit(excluded_.end() - n_words_, i);
     }
-    void End_excluded(std::size_t least);
+    /// Forgets the excluded nodes that are linked with fewer than `least` candidates. False when
+    /// the pace ended it.
+    bool Drop_excluded(std::size_t least, Pace& pace);
 
     /// Finds the cliques, in lexicographic order; they stay until the next Start(). False when the
-    /// pace ended the search, or when they need more than `most_bytes`: then the search goes on to
+    /// pace ended the search, or when they need more than `max_bytes`: then the search goes on to
     /// its end to see whether there is time for that, and All_kept() is false. None are left then.
     bool Find(Pace* pace = nullptr,
-              std::size_t most_bytes = std::numeric_limits<std::size_t>::max());
+              std::size_t max_bytes = std::numeric_limits<std::size_t>::max());
     bool All_kept() const { return words_.all_kept; }
     /// Appends each clique found, its candidates translated by `names` (ascending, candidate i is
     /// names[i]) and joined by `always`, to the list, in the order of Find().
@@ -67,12 +63,11 @@ public:
     void Forget();
 
 private:
-    // Candidate i is bit 63 - i % 64 of word i / 64: of two cliques, neither inside the other, the
-    // one with the larger first different word is lexicographically first.
+    // Sets of candidates have the bits of One_word_problem.
     using Word = std::uint64_t;
-    static constexpr std::size_t word_bits = 64;
-    static constexpr Word Bit(std::size_t i) { return (Word{1} << 63) >> (i % word_bits); }
-    static void Set_bit(Word* row, std::size_t i) { row[i / word_bits] |= Bit(i); }
+    static void Set_bit(Word* row, std::size_t i) {
+        row[i / word_bits] |= Bron_kerbosch_sub::First_bit(i);
+    }
     Word* Row(std::size_t i) { return rows_.data() + i * n_words_; }
     Word const* Row(std::size_t i) const { return rows_.data() + i * n_words_; }
     std::size_t N_excluded() const { return n_words_ == 0 ? 0 : excluded_.size() / n_words_; }
@@ -93,14 +88,21 @@ private:
     bool Narrow_to_words(Word const* set, std::size_t size, std::size_t depth, std::size_t next,
                          Pace* pace);
     Word Narrowed(Word const* row, Word const* set) const;
-    void Add_wide(Word narrow_set);
+    void Add_narrow(Word narrow_set);
+    void Add_wide();
+    template <class Visit> void For_each_candidate(Word const* set, Visit const& visit) const {
+        for (std::size_t w = 0; w < n_words_; ++w) {
+            Bron_kerbosch_sub::For_each_from_first(
+                set[w], [&](std::size_t i) { visit(w * word_bits + i); });
+        }
+    }
     bool Order_wide(Pace* pace);
 
     std::size_t n_candidates_ = 0;
     std::size_t n_words_ = 0;
     Flat_array<Word> rows_;
     Flat_array<Word> excluded_;
-    Local_cliques_sub::Word_problem words_;
+    Bron_kerbosch_sub::One_word_problem words_;
 
     // The wide search: its path, its levels, the candidates of a narrowed problem, and what it has
     // found (lists of candidates).

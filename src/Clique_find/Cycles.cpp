@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Clique_find/Circles.h"
+#include "Clique_find/Cycles.h"
 
 #include "support/Grouping.h"
 
@@ -7,8 +7,8 @@
 
 namespace cpm {
 
-// What no link leads to is on no circle: it is taken away with its links, again and again.
-bool Close_a_circle(std::span<One_way_link const> links, std::size_t n) {
+// What no link leads to is on no cycle: it is taken away with its links, again and again.
+bool Has_cycle(std::span<One_way_link const> links, std::size_t n) {
     if (links.empty()) {
         return false;
     }

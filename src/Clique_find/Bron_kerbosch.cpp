@@ -8,8 +8,8 @@
 //          which costs little beside finding them and lets the pivot choose freely.
 // Cost     with c candidates, at most 3^(c/3) branches of c/64 words a candidate; what counts in
 //          practice is a few branches a clique. Memory: rows, and the cliques of this one problem.
-// Tested   Local_cliques_test.cpp (against all subsets of random graphs), Clique_find_test.cpp.
-#include "Clique_find/Local_cliques.h"
+// Tested   Bron_kerbosch_test.cpp (against all subsets of random graphs), Clique_find_test.cpp.
+#include "Clique_find/Bron_kerbosch.h"
 
 #include "Clique_find/Clique_limit.h"
 #include "support/Cpu_dispatch.h"
@@ -17,6 +17,7 @@
 #include <algorithm>
 #include <bit>
 #include <cassert>
+#include <limits>
 #include <numeric>
 
 namespace cpm {
@@ -24,166 +25,38 @@ namespace cpm {
 namespace {
 
 constexpr std::size_t steps_a_branch = 16; // beside those for each word looked at
+constexpr std::size_t steps_a_member = 16; // of a clique that is recorded
 
+using namespace Bron_kerbosch_sub;
 using Word = std::uint64_t;
-using Local_cliques_sub::Word_problem;
-constexpr std::size_t word_bits = 64;
 
-// See Local_cliques: the first candidate is the highest bit.
-constexpr Word Bit(std::size_t i) {
-    return (Word{1} << 63) >> i;
-}
-
-void Keep(Word_problem& problem, Word clique) {
-    if (problem.room < sizeof(Word)) {
-        problem.all_kept = false;
-        return;
-    }
-    problem.room -= sizeof(Word);
-    problem.found.push_back(clique);
-}
-
-// A branch is a clique R, the candidates P that extend it, and the excluded nodes linked with all
-// of R: bits X for candidates already tried, words of `excluded` (cut down to P) for the others.
-// A clique found in a branch lies in R and P, and holds something of P unless P is empty: so an
-// excluded node without a link into P forbids nothing there, and one linked with all of P forbids
-// everything.
-PLEXOR_COUNTS_BITS
-bool Search_words(Word_problem& problem, Word all, Pace* pace) {
-    struct Branch {
-        Word clique = 0;
-        Word candidates = 0;
-        Word tried = 0;
-        Word to_try = 0;
-        std::size_t excluded_begin = 0;
-        std::size_t excluded_end = 0;
-    };
-    std::array<Branch, word_bits + 1> branches;
-    std::array<Word, word_bits> const& rows = problem.rows;
-    Flat_array<Word>& excluded = problem.excluded;
-    assert(all != 0 &&
-           std::ranges::all_of(excluded, [all](Word row) { return (row & ~all) == 0; }));
-    std::size_t depth = 0;
-    branches[0] = {0, all, 0, 0, 0, excluded.size()};
-    bool opened = false;
-
-    while (true) {
-        Branch& branch = branches[depth];
-        if (!opened) {
-            // Stage 1: choose a pivot; a clique without it holds a candidate not linked with it.
-            opened = true;
-            Word const set = branch.candidates;
-            int const size = std::popcount(set);
-            int best = -1;
-            int least = size;
-            Word best_row = 0;
-            for (Word rest = set; rest != 0;) {
-                auto const i = static_cast<std::size_t>(std::countl_zero(rest));
-                rest &= ~Bit(i);
-                int const links = std::popcount(rows[i] & set);
-                least = std::min(least, links);
-                if (links > best) {
-                    best = links;
-                    best_row = rows[i];
-                }
-            }
-            bool hopeless = false;
-            for (Word rest = branch.tried; rest != 0;) {
-                auto const i = static_cast<std::size_t>(std::countl_zero(rest));
-                rest &= ~Bit(i);
-                int const links = std::popcount(rows[i] & set);
-                hopeless |= links == size;
-                if (links > best) {
-                    best = links;
-                    best_row = rows[i];
-                }
-            }
-            for (std::size_t e = branch.excluded_begin; e < branch.excluded_end; ++e) {
-                int const links = std::popcount(excluded[e] & set);
-                hopeless |= links == size;
-                if (links > best) {
-                    best = links;
-                    best_row = excluded[e];
-                }
-            }
-            if (hopeless) {
-                branch.to_try = 0;
-            } else if (least == size - 1) {
-                Keep(problem, branch.clique | set); // all of P is one clique
-                branch.to_try = 0;
-            } else {
-                branch.to_try = set & ~best_row;
-            }
-            // What stage 2 will do for each candidate to try is counted here, too: at each of them
-            // the counting itself would show.
-            auto const n_passes = 1 + static_cast<std::size_t>(std::popcount(branch.to_try));
-            std::size_t const n_excluded = branch.excluded_end - branch.excluded_begin;
-            if (pace != nullptr && pace->Spend(n_passes * (steps_a_branch + n_excluded) +
-                                               static_cast<std::size_t>(size))) {
-                return false;
-            }
-        }
-        if (branch.to_try == 0) {
-            if (depth == 0) {
-                return true;
-            }
-            --depth;
-            continue;
-        }
-        // Stage 2: the branch of the next candidate.
-        auto const i = static_cast<std::size_t>(std::countl_zero(branch.to_try));
-        Word const bit = Bit(i);
-        Word const candidates = branch.candidates & rows[i];
-        Word const tried = branch.tried & rows[i];
-        branch.to_try &= ~bit;
-        branch.candidates &= ~bit;
-        branch.tried |= bit;
-        excluded.Resize_uninitialised(branch.excluded_end);
-        bool hopeless = candidates == 0 && tried != 0;
-        for (std::size_t e = branch.excluded_begin; e < branch.excluded_end && !hopeless; ++e) {
-            Word const row = excluded[e];
-            if ((row & bit) != 0) {
-                Word const links = row & candidates;
-                hopeless = links == candidates;
-                if (links != 0) {
-                    excluded.push_back(links);
-                }
-            }
-        }
-        if (hopeless) {
-            continue;
-        }
-        if (candidates == 0) {
-            Keep(problem, branch.clique | bit);
-            continue;
-        }
-        branches[depth + 1] = {branch.clique | bit, candidates,     tried, 0,
-                               branch.excluded_end, excluded.size()};
-        ++depth;
-        opened = false;
-    }
-}
-
-// The row with the most of the given candidates; `links` says how many.
-PLEXOR_COUNTS_BITS
-Word const* Most_linked(std::span<Word const* const> rows, Word const* candidates, std::size_t n,
-                        std::size_t& links) {
+// Of some rows, how many of the given candidates the one with the most and the one with the fewest
+// of them have.
+struct Linked_rows {
     Word const* best = nullptr;
+    std::size_t most = 0;
+    std::size_t fewest = std::numeric_limits<std::size_t>::max();
+};
+
+PLEXOR_COUNTS_BITS
+void Look_at_rows(std::span<Word const* const> rows, Word const* candidates, std::size_t n,
+                  Linked_rows& linked) {
     for (Word const* const row : rows) {
         std::size_t common = 0;
         for (std::size_t w = 0; w < n; ++w) {
             common += static_cast<std::size_t>(std::popcount(row[w] & candidates[w]));
         }
-        if (best == nullptr || common > links) {
-            best = row;
-            links = common;
+        if (linked.best == nullptr || common > linked.most) {
+            linked.best = row;
+            linked.most = common;
         }
+        linked.fewest = std::min(linked.fewest, common);
     }
-    return best;
 }
+
 } // namespace
 
-std::uint64_t Local_cliques_sub::First_candidates(std::span<std::uint32_t const> list) {
+std::uint64_t Bron_kerbosch_sub::First_candidates(std::span<std::uint32_t const> list) {
     constexpr std::size_t n_first = 4;
     constexpr unsigned bits_each = 16;
     // Stands for all from there on. Such candidates cannot be told apart, so nothing that comes
@@ -200,7 +73,7 @@ std::uint64_t Local_cliques_sub::First_candidates(std::span<std::uint32_t const>
     return key;
 }
 
-bool Local_cliques::Start(std::size_t n_candidates, Pace* pace) {
+bool Bron_kerbosch::Start(std::size_t n_candidates, Pace* pace) {
     n_candidates_ = n_candidates;
     n_words_ = (n_candidates + word_bits - 1) / word_bits;
     rows_.clear();
@@ -221,23 +94,29 @@ bool Local_cliques::Start(std::size_t n_candidates, Pace* pace) {
     return true;
 }
 
-void Local_cliques::End_excluded(std::size_t least) {
-    assert(!excluded_.empty());
-    Word const* const row = excluded_.end() - n_words_;
-    std::size_t links = 0;
-    for (std::size_t w = 0; w < n_words_; ++w) {
-        links += static_cast<std::size_t>(std::popcount(row[w]));
+bool Bron_kerbosch::Drop_excluded(std::size_t least, Pace& pace) {
+    Word* kept_end = excluded_.begin();
+    for (Word const* row = excluded_.begin(); row != excluded_.end(); row += n_words_) {
+        std::size_t links = 0;
+        for (std::size_t w = 0; w < n_words_; ++w) {
+            links += static_cast<std::size_t>(std::popcount(row[w]));
+        }
+        if (links >= least) {
+            kept_end = std::copy(row, row + n_words_, kept_end);
+        }
+        if (pace.Spend(n_words_)) {
+            return false;
+        }
     }
-    if (links < least) {
-        excluded_.Resize_uninitialised(excluded_.size() - n_words_);
-    }
+    excluded_.Resize_uninitialised(static_cast<std::size_t>(kept_end - excluded_.begin()));
+    return true;
 }
 
-bool Local_cliques::Find(Pace* pace, std::size_t most_bytes) {
+bool Bron_kerbosch::Find(Pace* pace, std::size_t max_bytes) {
     words_.found.clear();
     wide_found_.clear();
     wide_order_.clear();
-    words_.room = most_bytes;
+    words_.room = max_bytes;
     words_.all_kept = true;
     if (n_candidates_ == 0) {
         return true;
@@ -254,13 +133,13 @@ bool Local_cliques::Find(Pace* pace, std::size_t most_bytes) {
            Sort_within(words_.found.begin(), words_.found.end(), std::greater<>(), pace);
 }
 
-void Local_cliques::Forget() {
+void Bron_kerbosch::Forget() {
     words_.found.Release();
     wide_found_ = {};
     wide_order_ = {};
 }
 
-bool Local_cliques::Append_cliques(Node always, Node_set names, std::size_t least,
+bool Bron_kerbosch::Append_cliques(Node always, Node_set names, std::size_t least,
                                    Set_list& cliques, Pace* pace) {
     assert(names.size() == n_candidates_);
     assert(std::ranges::is_sorted(names, std::less_equal<>()));
@@ -283,32 +162,21 @@ bool Local_cliques::Append_cliques(Node always, Node_set names, std::size_t leas
         }
         return pace == nullptr || !pace->Spend(clique_.size());
     };
-    for (Word const set : words_.found) {
-        bool const go_on = append([set](auto const& take) {
-            for (Word rest = set; rest != 0;) {
-                auto const i = static_cast<std::size_t>(std::countl_zero(rest));
-                rest &= ~Bit(i);
-                take(i);
-            }
-        });
-        if (!go_on) {
-            return false;
-        }
-    }
-    for (Wide_place const& place : wide_order_) {
-        bool const go_on = append([set = wide_found_[place.number]](auto const& take) {
-            std::for_each(set.begin(), set.end(), take);
-        });
-        if (!go_on) {
-            return false;
-        }
-    }
-    return true;
+    return std::ranges::all_of(words_.found,
+                               [&](Word set) {
+                                   return append(
+                                       [set](auto const& take) { For_each_from_first(set, take); });
+                               }) &&
+           std::ranges::all_of(wide_order_, [&](Wide_place const& place) {
+               return append([set = wide_found_[place.number]](auto const& take) {
+                   std::for_each(set.begin(), set.end(), take);
+               });
+           });
 }
 
 // The same search over rows of several words, until a branch has at most 64 candidates left: what
 // remains is then a narrow problem of its own, in which all excluded nodes are alike.
-bool Local_cliques::Search_wide(Pace* pace) {
+bool Bron_kerbosch::Search_wide(Pace* pace) {
     std::size_t const n = n_words_;
     path_.clear();
     levels_.assign(1, {0, N_excluded()});
@@ -343,9 +211,9 @@ bool Local_cliques::Search_wide(Pace* pace) {
         }
         std::size_t const next =
             w * word_bits + static_cast<std::size_t>(std::countl_zero(to_try[w]));
-        to_try[w] &= ~Bit(next);
-        candidates[w] &= ~Bit(next);
-        tried[w] |= Bit(next);
+        to_try[w] &= ~First_bit(next);
+        candidates[w] &= ~First_bit(next);
+        tried[w] |= First_bit(next);
         Word* const next_candidates = to_try + n;
         Word* const next_tried = next_candidates + n;
         std::size_t size = 0;
@@ -358,7 +226,7 @@ bool Local_cliques::Search_wide(Pace* pace) {
         }
         Level const level = levels_[depth];
         auto const linked_with_next = [&](std::uint32_t e) {
-            return (excluded_[e * n + w] & Bit(next)) != 0;
+            return (excluded_[e * n + w] & First_bit(next)) != 0;
         };
         if (size == 0) {
             if (any_tried == 0 &&
@@ -367,7 +235,7 @@ bool Local_cliques::Search_wide(Pace* pace) {
                     level_excluded_.begin() + static_cast<std::ptrdiff_t>(level.excluded_end),
                     linked_with_next)) {
                 narrow_.assign(1, static_cast<std::uint32_t>(next));
-                Add_wide(Bit(0));
+                Add_narrow(First_bit(0));
             }
         } else if (size <= word_bits) {
             finished = Narrow_to_words(next_candidates, size, depth, next, pace);
@@ -391,35 +259,42 @@ bool Local_cliques::Search_wide(Pace* pace) {
 }
 
 // Chooses the pivot of a level and with it the candidates to try: none of them when an excluded
-// node is linked with all candidates.
-void Local_cliques::Open_level(std::size_t depth) {
+// node is linked with all candidates, or when these are one clique, which is added at once.
+void Bron_kerbosch::Open_level(std::size_t depth) {
     std::size_t const n = n_words_;
     Word* const candidates = level_words_.data() + 3 * n * depth;
     Word* const tried = candidates + n;
     Word* const to_try = tried + n;
+    auto const add_rows = [this](Word const* set) {
+        For_each_candidate(set, [this](std::size_t i) { pivots_.push_back(Row(i)); });
+    };
     pivots_.clear();
-    std::size_t size = 0;
-    for (std::size_t w = 0; w < n; ++w) {
-        size += static_cast<std::size_t>(std::popcount(candidates[w]));
-        for (Word rest = candidates[w] | tried[w]; rest != 0;) {
-            auto const i = static_cast<std::size_t>(std::countl_zero(rest));
-            rest &= ~Bit(i);
-            pivots_.push_back(Row(w * word_bits + i));
-        }
-    }
+    add_rows(candidates);
+    std::size_t const size = pivots_.size();
+    add_rows(tried);
     for (std::size_t e = levels_[depth].excluded_begin; e < levels_[depth].excluded_end; ++e) {
         pivots_.push_back(excluded_.data() + level_excluded_[e] * n);
     }
-    std::size_t links = 0;
-    Word const* const pivot = Most_linked(pivots_, candidates, n, links);
+    Linked_rows linked;
+    std::span<Word const* const> const rows = pivots_;
+    Look_at_rows(rows.first(size), candidates, n, linked);
+    bool const one_clique = linked.fewest == size - 1;
+    Look_at_rows(rows.subspan(size), candidates, n, linked);
     // A candidate is not linked with itself: only a node outside can be linked with all of them.
+    bool const hopeless = linked.most == size;
+    if (one_clique && !hopeless) {
+        clique_.assign(path_.begin(), path_.end());
+        For_each_candidate(candidates,
+                           [this](std::size_t i) { clique_.push_back(static_cast<Node>(i)); });
+        Add_wide();
+    }
     for (std::size_t w = 0; w < n; ++w) {
-        to_try[w] = links == size ? 0 : candidates[w] & ~pivot[w];
+        to_try[w] = hopeless || one_clique ? 0 : candidates[w] & ~linked.best[w];
     }
 }
 
 // Solves what is left behind path + next: the `size` candidates in `set`, at most 64.
-bool Local_cliques::Narrow_to_words(Word const* set, std::size_t size, std::size_t depth,
+bool Bron_kerbosch::Narrow_to_words(Word const* set, std::size_t size, std::size_t depth,
                                     std::size_t next, Pace* pace) {
     assert(0 < size && size <= word_bits);
     std::size_t const n = n_words_;
@@ -429,14 +304,10 @@ bool Local_cliques::Narrow_to_words(Word const* set, std::size_t size, std::size
     }
     narrow_.clear();
     narrow_place_.resize(n * word_bits);
-    for (std::size_t w = 0; w < n; ++w) {
-        for (Word rest = set[w]; rest != 0;) {
-            std::size_t const i = w * word_bits + static_cast<std::size_t>(std::countl_zero(rest));
-            rest &= ~Bit(i);
-            narrow_place_[i] = static_cast<std::uint8_t>(narrow_.size());
-            narrow_.push_back(static_cast<std::uint32_t>(i));
-        }
-    }
+    For_each_candidate(set, [this](std::size_t i) {
+        narrow_place_[i] = static_cast<std::uint8_t>(narrow_.size());
+        narrow_.push_back(static_cast<std::uint32_t>(i));
+    });
     Word const all = ~Word{0} << (word_bits - size);
     words_.excluded.clear();
     auto const exclude = [&](Word const* row) {
@@ -447,18 +318,14 @@ bool Local_cliques::Narrow_to_words(Word const* set, std::size_t size, std::size
         return links == all;
     };
     Word const* const tried = set + n;
-    for (std::size_t w = 0; w < n; ++w) {
-        for (Word rest = tried[w]; rest != 0;) {
-            std::size_t const i = w * word_bits + static_cast<std::size_t>(std::countl_zero(rest));
-            rest &= ~Bit(i);
-            if (exclude(Row(i))) {
-                return true;
-            }
-        }
+    bool hopeless = false;
+    For_each_candidate(tried, [&](std::size_t i) { hopeless = hopeless || exclude(Row(i)); });
+    if (hopeless) {
+        return true;
     }
     for (std::size_t e = levels_[depth].excluded_begin; e < levels_[depth].excluded_end; ++e) {
         Word const* const row = excluded_.data() + level_excluded_[e] * n;
-        if ((row[next / word_bits] & Bit(next)) != 0 && exclude(row)) {
+        if ((row[next / word_bits] & First_bit(next)) != 0 && exclude(row)) {
             return true;
         }
     }
@@ -466,38 +333,42 @@ bool Local_cliques::Narrow_to_words(Word const* set, std::size_t size, std::size
         words_.rows[i] = Narrowed(Row(narrow_[i]), set);
     }
     words_.found.clear();
-    bool const finished = Search_words(words_, all, pace);
+    if (!Search_words(words_, all, pace)) {
+        return false;
+    }
     path_.push_back(static_cast<std::uint32_t>(next));
     for (Word const found : words_.found) {
-        Add_wide(found);
+        Add_narrow(found);
+        if (pace != nullptr && pace->Spend(steps_a_member * clique_.size())) {
+            return false;
+        }
     }
     path_.pop_back();
     words_.found.clear();
-    return finished;
+    return true;
 }
 
 // A wide row, cut down to the candidates of the narrow problem.
-Local_cliques::Word Local_cliques::Narrowed(Word const* row, Word const* set) const {
+Bron_kerbosch::Word Bron_kerbosch::Narrowed(Word const* row, Word const* set) const {
     Word narrow = 0;
     for (std::size_t w = 0; w < n_words_; ++w) {
-        for (Word rest = row[w] & set[w]; rest != 0;) {
-            std::size_t const i = w * word_bits + static_cast<std::size_t>(std::countl_zero(rest));
-            rest &= ~Bit(i);
-            narrow |= Bit(narrow_place_[i]);
-        }
+        For_each_from_first(row[w] & set[w], [&](std::size_t i) {
+            narrow |= First_bit(narrow_place_[w * word_bits + i]);
+        });
     }
     return narrow;
 }
 
-// Records the path and a set of the narrow problem as a list of candidates.
-void Local_cliques::Add_wide(Word narrow_set) {
+// Records the path and a set of the narrow problem.
+void Bron_kerbosch::Add_narrow(Word narrow_set) {
     clique_.assign(path_.begin(), path_.end());
-    for (Word rest = narrow_set; rest != 0;) {
-        auto const i = static_cast<std::size_t>(std::countl_zero(rest));
-        rest &= ~Bit(i);
-        clique_.push_back(narrow_[i]);
-    }
-    // The word of the narrow problem has been counted already.
+    For_each_from_first(narrow_set, [this](std::size_t i) { clique_.push_back(narrow_[i]); });
+    Add_wide();
+}
+
+// Records the candidates in clique_.
+void Bron_kerbosch::Add_wide() {
+    // The word of a narrow problem has been counted already.
     std::size_t const bytes = clique_.size() * sizeof(clique_.front()) + sizeof(std::uint64_t);
     if (words_.room < bytes) {
         words_.all_kept = false;
@@ -510,12 +381,12 @@ void Local_cliques::Add_wide(Word narrow_set) {
 
 // Sets the order in which the cliques found are listed. Most pairs of cliques differ in their first
 // candidates, which one number holds: the lists themselves are rarely looked at.
-bool Local_cliques::Order_wide(Pace* pace) {
+bool Bron_kerbosch::Order_wide(Pace* pace) {
     wide_order_.clear();
     Check_n_cliques(wide_found_.size());
     for (std::size_t i = 0; i < wide_found_.size(); ++i) {
         wide_order_.push_back(
-            {Local_cliques_sub::First_candidates(wide_found_[i]), static_cast<std::uint32_t>(i)});
+            {Bron_kerbosch_sub::First_candidates(wide_found_[i]), static_cast<std::uint32_t>(i)});
     }
     auto const less = [&](Wide_place const& a, Wide_place const& b) {
         return a.key != b.key ? a.key < b.key

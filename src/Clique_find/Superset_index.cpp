@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "Clique_find/Subset_index.h"
+#include "Clique_find/Superset_index.h"
 
 #include <cassert>
 
 namespace cpm {
 
-Subset_index::Subset_index(Set_list const& sets, std::vector<bool> const* asked) : sets_(sets) {
+Superset_index::Superset_index(Set_list const& sets, std::vector<bool> const* asked) : sets_(sets) {
     auto const counts = [asked](Node node) {
         return asked == nullptr || (node < asked->size() && (*asked)[node]);
     };
@@ -20,7 +20,7 @@ Subset_index::Subset_index(Set_list const& sets, std::vector<bool> const* asked)
 }
 
 // Consecutive nodes, which often stand together in sets, get different bits.
-Subset_index::Signature Subset_index::Signature_of(Node_set set) {
+Superset_index::Signature Superset_index::Signature_of(Node_set set) {
     Signature signature = 0;
     for (Node const node : set) {
         signature |= Signature{1} << (node % 64);
@@ -28,7 +28,7 @@ Subset_index::Signature Subset_index::Signature_of(Node_set set) {
     return signature;
 }
 
-bool Subset_index::Holds(Node_set set, Node_set part) {
+bool Superset_index::Holds(Node_set set, Node_set part) {
     constexpr std::size_t much_larger = 16;
     if (part.size() > set.size()) {
         return false;
@@ -41,7 +41,7 @@ bool Subset_index::Holds(Node_set set, Node_set part) {
     });
 }
 
-std::span<std::uint32_t const> Subset_index::Sets_of_rarest(Node_set part) const {
+std::span<std::uint32_t const> Superset_index::Sets_of_rarest(Node_set part) const {
     assert(!part.empty());
     std::span<std::uint32_t const> fewest;
     for (Node const node : part) {

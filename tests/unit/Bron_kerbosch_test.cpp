@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Clique_find/Local_cliques.h"
+#include "Clique_find/Bron_kerbosch.h"
 
 #include "support/Graph_makers.h"
 #include "support/Test_clocks.h"
@@ -50,23 +50,32 @@ struct Problem {
     }
 };
 
-void Set_up(Local_cliques& local, Problem const& problem, std::size_t least) {
+void Set_up(Bron_kerbosch& local, Problem const& problem, std::size_t least) {
     local.Start(problem.n);
     for (auto const& [a, b] : problem.links) {
         local.Link(a, b);
     }
     for (auto const& links : problem.excluded) {
-        local.Start_excluded();
+        local.Add_excluded();
         for (Candidate const c : links) {
-            local.Link_excluded(c);
+            if (c % 2 == 0) {
+                local.Link_last_excluded(c);
+            }
         }
-        local.End_excluded(least);
     }
+    for (std::size_t e = 0; e < problem.excluded.size(); ++e) {
+        for (Candidate const c : problem.excluded[e]) {
+            local.Link_excluded(e, c);
+        }
+    }
+    Progress nobody;
+    Pace pace(nobody);
+    EXPECT_TRUE(local.Drop_excluded(least, pace));
 }
 
 // Candidate i has the name 2 * i + 1; the node that is always there is found among them, at
 // `always`, an even number.
-Sets Cliques(Local_cliques& local, Problem const& problem, Node always, std::size_t least = 2) {
+Sets Cliques(Bron_kerbosch& local, Problem const& problem, Node always, std::size_t least = 2) {
     Set_up(local, problem, least);
     EXPECT_TRUE(local.Find());
     std::vector<Node> names;
@@ -174,29 +183,29 @@ Problem Groups(Candidate groups, Candidate size) {
     return problem;
 }
 
-TEST(Local_cliques, No_candidates_have_no_cliques) {
-    Local_cliques local;
+TEST(Bron_kerbosch, No_candidates_have_no_cliques) {
+    Bron_kerbosch local;
     EXPECT_EQ(Cliques(local, Problem(), 4), Sets());
 }
 
-TEST(Local_cliques, Cliques_come_in_lexicographic_order_with_the_node_that_is_always_there) {
-    Local_cliques local;
+TEST(Bron_kerbosch, Cliques_come_in_lexicographic_order_with_the_node_that_is_always_there) {
+    Bron_kerbosch local;
     Problem const path{4, {{0, 1}, {1, 2}, {2, 3}}, {}};
     EXPECT_EQ(Cliques(local, path, 4), (Sets{{1, 3, 4}, {3, 4, 5}, {4, 5, 7}}));
     EXPECT_EQ(Cliques(local, path, 0), (Sets{{0, 1, 3}, {0, 3, 5}, {0, 5, 7}}));
     EXPECT_EQ(Cliques(local, path, 100), (Sets{{1, 3, 100}, {3, 5, 100}, {5, 7, 100}}));
 }
 
-TEST(Local_cliques, Cliques_of_too_few_candidates_are_left_out) {
-    Local_cliques local;
+TEST(Bron_kerbosch, Cliques_of_too_few_candidates_are_left_out) {
+    Bron_kerbosch local;
     Problem const problem{4, {{0, 1}, {0, 2}, {1, 2}}, {}};
     EXPECT_EQ(Cliques(local, problem, 0, 1), (Sets{{0, 1, 3, 5}, {0, 7}}));
     EXPECT_EQ(Cliques(local, problem, 0, 2), (Sets{{0, 1, 3, 5}}));
     EXPECT_EQ(Cliques(local, problem, 0, 4), Sets());
 }
 
-TEST(Local_cliques, What_an_excluded_node_extends_is_no_clique) {
-    Local_cliques local;
+TEST(Bron_kerbosch, What_an_excluded_node_extends_is_no_clique) {
+    Bron_kerbosch local;
     Problem problem{4, {{0, 1}, {1, 2}, {2, 3}}, {{1, 2}}};
     EXPECT_EQ(Cliques(local, problem, 0), (Sets{{0, 1, 3}, {0, 5, 7}}));
     problem.excluded = {{0, 1, 2, 3}};
@@ -206,8 +215,8 @@ TEST(Local_cliques, What_an_excluded_node_extends_is_no_clique) {
 }
 
 // A clique is whole with an excluded node linked to all of it but one.
-TEST(Local_cliques, An_excluded_node_must_be_linked_with_all_of_a_clique) {
-    Local_cliques local;
+TEST(Bron_kerbosch, An_excluded_node_must_be_linked_with_all_of_a_clique) {
+    Bron_kerbosch local;
     for (Candidate const n : {3U, 63U, 64U, 65U, 130U}) {
         Problem problem = Groups(n, 1);
         Set all;
@@ -224,9 +233,9 @@ TEST(Local_cliques, An_excluded_node_must_be_linked_with_all_of_a_clique) {
     }
 }
 
-TEST(Local_cliques, Few_candidates_agree_with_all_subsets) {
+TEST(Bron_kerbosch, Few_candidates_agree_with_all_subsets) {
     Random_numbers random(23);
-    Local_cliques local; // used again and again: nothing of an earlier problem may stay
+    Bron_kerbosch local; // used again and again: nothing of an earlier problem may stay
     for (int round = 0; round < 600; ++round) {
         Problem const problem = Random_problem(1 + random.Below(10), 20 + random.Below(80),
                                                random.Below(6), random.Below(101), random);
@@ -238,9 +247,9 @@ TEST(Local_cliques, Few_candidates_agree_with_all_subsets) {
     }
 }
 
-TEST(Local_cliques, About_a_word_of_candidates_agrees_with_growing) {
+TEST(Bron_kerbosch, About_a_word_of_candidates_agrees_with_growing) {
     Random_numbers random(29);
-    Local_cliques local;
+    Bron_kerbosch local;
     for (unsigned round = 0; round < Rounds(12); ++round) {
         Problem const problem = Random_problem(60 + random.Below(10), 10 + random.Below(30),
                                                random.Below(8), random.Below(101), random);
@@ -249,9 +258,9 @@ TEST(Local_cliques, About_a_word_of_candidates_agrees_with_growing) {
     }
 }
 
-TEST(Local_cliques, Several_words_of_candidates_agree_with_growing) {
+TEST(Bron_kerbosch, Several_words_of_candidates_agree_with_growing) {
     Random_numbers random(31);
-    Local_cliques local;
+    Bron_kerbosch local;
     for (unsigned round = 0; round < Rounds(8); ++round) {
         Problem const problem =
             Random_problem(65 + random.Below(140), 1 + random.Below(round % 2 == 0 ? 3 : 20),
@@ -263,8 +272,8 @@ TEST(Local_cliques, Several_words_of_candidates_agree_with_growing) {
 }
 
 // Dense, so that the search goes several levels deep before 64 candidates are left.
-TEST(Local_cliques, Many_candidates_with_most_links_agree_with_the_choices_there_are) {
-    Local_cliques local;
+TEST(Bron_kerbosch, Many_candidates_with_most_links_agree_with_the_choices_there_are) {
+    Bron_kerbosch local;
     Random_numbers random(37);
     // Groups of one, which all cliques share, and a few groups with a choice.
     for (int round = 0; round < 12; ++round) {
@@ -319,8 +328,8 @@ Problem Countable_groups(Candidate groups) {
 }
 
 // Whatever the size of the problem: the clock is read until the time is up, and never again.
-TEST(Local_cliques, A_search_ends_with_its_time) {
-    Local_cliques local;
+TEST(Bron_kerbosch, A_search_ends_with_its_time) {
+    Bron_kerbosch local;
     for (Candidate const groups : {8U, 24U}) {
         Problem const problem = Countable_groups(groups);
         ASSERT_EQ(Cliques(local, problem, 0).size(), 6561U);
@@ -331,7 +340,7 @@ TEST(Local_cliques, A_search_ends_with_its_time) {
             Time_budget budget(clock, most - 0.5, 1000);
             Progress nobody;
             Pace pace(nobody);
-            pace.Go_on_within(budget);
+            budget.Bound(pace);
             EXPECT_EQ(local.Find(&pace), most == 1000000);
             EXPECT_EQ(budget.Too_slow(), most < 1000000);
             EXPECT_TRUE(most == 1000000 || readings == most + 1);
@@ -339,8 +348,8 @@ TEST(Local_cliques, A_search_ends_with_its_time) {
     }
 }
 
-TEST(Local_cliques, Cliques_that_need_too_much_memory_are_told_and_not_kept) {
-    Local_cliques local;
+TEST(Bron_kerbosch, Cliques_that_need_too_much_memory_are_told_and_not_kept) {
+    Bron_kerbosch local;
     for (Candidate const groups : {8U, 24U}) {
         Problem const problem = Countable_groups(groups);
         Set_up(local, problem, 2);
@@ -352,7 +361,7 @@ TEST(Local_cliques, Cliques_that_need_too_much_memory_are_told_and_not_kept) {
 }
 
 // However large the candidates are that a key stands for: it never contradicts their order.
-TEST(Local_cliques, Keys_of_large_candidates_leave_the_order_to_the_lists) {
+TEST(Bron_kerbosch, Keys_of_large_candidates_leave_the_order_to_the_lists) {
     Random_numbers random(31);
     int told_apart = 0;
     for (int round = 0; round < 20000; ++round) {
@@ -369,12 +378,47 @@ TEST(Local_cliques, Keys_of_large_candidates_leave_the_order_to_the_lists) {
         if (std::equal(a.begin(), a.begin() + static_cast<std::ptrdiff_t>(shorter), b.begin())) {
             continue; // no clique begins another one
         }
-        std::uint64_t const key_a = Local_cliques_sub::First_candidates(a);
-        std::uint64_t const key_b = Local_cliques_sub::First_candidates(b);
+        std::uint64_t const key_a = Bron_kerbosch_sub::First_candidates(a);
+        std::uint64_t const key_b = Bron_kerbosch_sub::First_candidates(b);
         ASSERT_TRUE(key_a == key_b || (key_a < key_b) == (a < b)) << "round " << round;
         told_apart += key_a != key_b ? 1 : 0;
     }
     EXPECT_GT(told_apart, 1000);
+}
+
+class Counting_progress : public Progress {
+public:
+    void Tick() override { ++n_ticks; }
+    std::size_t n_ticks = 0;
+};
+
+// Recording the cliques found takes longer than finding them: it must not pass unnoticed.
+TEST(Bron_kerbosch, Recording_cliques_counts_as_work) {
+    Random_numbers random(77);
+    Problem problem;
+    problem.n = 70;
+    for (Candidate a = 0; a < problem.n; ++a) {
+        for (Candidate b = a + 1; b < problem.n; ++b) {
+            if (random.Percent(75)) {
+                problem.links.insert({a, b});
+            }
+        }
+    }
+    Bron_kerbosch local;
+    Set_up(local, problem, 2);
+    constexpr std::size_t steps = 10000;
+    Counting_progress counting;
+    Pace pace(&counting, steps);
+    ASSERT_TRUE(local.Find(&pace));
+    std::vector<Node> names;
+    for (Candidate c = 0; c < problem.n; ++c) {
+        names.push_back(c + 1);
+    }
+    Set_list cliques;
+    local.Append_cliques(problem.n + 1, names, 2, cliques);
+    ASSERT_GT(cliques.size(), 1000U);
+    constexpr std::size_t steps_a_member = 16;
+    EXPECT_GT(counting.n_ticks * steps, steps_a_member * cliques.Total());
 }
 
 } // namespace

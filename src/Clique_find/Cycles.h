@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Circles: whether links that run one way lead back to where they began.
-#ifndef PLEXOR_CIRCLES_H
-#define PLEXOR_CIRCLES_H
+// Cycles: whether links that run one way lead back to where they began.
+#ifndef PLEXOR_CYCLES_H
+#define PLEXOR_CYCLES_H
 
 #include <cstddef>
 #include <cstdint>
@@ -15,8 +15,8 @@ struct One_way_link {
     std::uint32_t second = 0;
 };
 
-/// Whether some of the links, among things numbered below `n`, close a circle.
-bool Close_a_circle(std::span<One_way_link const> links, std::size_t n);
+/// Whether some of the links, among things numbered below `n`, close a cycle.
+bool Has_cycle(std::span<One_way_link const> links, std::size_t n);
 
 } // namespace cpm
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Clique_find/First_check.h"
+#include "Clique_find/Before_first_clock.h"
 
 #include "support/Graph_makers.h"
 
@@ -40,7 +40,7 @@ struct Walk {
 };
 
 // One check used again and again: nothing of earlier surroundings may stay.
-Walk Check(First_check& check, Surroundings const& around) {
+Walk Check(Before_first_clock& check, Surroundings const& around) {
     Graph const network(To_index_links(around.links));
     Placed_nodes candidates(network);
     for (Node const node : around.Neighbours(false)) {
@@ -54,7 +54,7 @@ Walk Check(First_check& check, Surroundings const& around) {
     Walk walk;
     Progress nobody;
     Pace pace(nobody);
-    walk.reached = check.Reached(around.centre, candidates, done, pace, found);
+    walk.reached = check.Reads_clock(around.centre, candidates, done, pace, found);
     EXPECT_EQ(To_vector(found[0]), (Set{99}));
     walk.found = To_vectors(found);
     walk.found.erase(walk.found.begin());
@@ -194,8 +194,8 @@ TEST(Placed_nodes, Neighbours_are_told_by_their_places_whichever_side_is_shorter
     }
 }
 
-TEST(First_check, Sets_are_handed_out_up_to_the_first_pair_that_leads_on) {
-    First_check check;
+TEST(Before_first_clock, Sets_are_handed_out_up_to_the_first_pair_that_leads_on) {
+    Before_first_clock check;
     Links const to_all{{1, 3}, {2, 3}, {3, 4}, {3, 5}};
     Surroundings path{to_all, 3, {}};
     path.links.insert({{1, 2}, {2, 4}, {4, 5}});
@@ -209,14 +209,15 @@ TEST(First_check, Sets_are_handed_out_up_to_the_first_pair_that_leads_on) {
     EXPECT_EQ(Check(check, known), (Walk{false, {{1, 2, 3}}}));
 }
 
-TEST(First_check, Without_candidates_or_links_between_them_there_is_nothing) {
-    First_check check;
+TEST(Before_first_clock, Without_candidates_or_links_between_them_there_is_nothing) {
+    Before_first_clock check;
     EXPECT_EQ(Check(check, {{{1, 2}, {1, 3}, {2, 3}}, 1, {2, 3}}), Walk());
     EXPECT_EQ(Check(check, {{{1, 2}, {1, 3}, {1, 4}}, 1, {}}), Walk());
 }
 
-TEST(First_check, A_set_is_known_only_when_its_nodes_are_linked_and_one_done_node_has_them_all) {
-    First_check check;
+TEST(Before_first_clock,
+     A_set_is_known_only_when_its_nodes_are_linked_and_one_done_node_has_them_all) {
+    Before_first_clock check;
     // 1 is the centre, 2 to 5 are candidates, 6 and 7 are done.
     Surroundings around{Complete(1, 5), 1, {6, 7}};
     Link_all(around.links, {6}, {1, 2, 3, 4});
@@ -233,8 +234,8 @@ TEST(First_check, A_set_is_known_only_when_its_nodes_are_linked_and_one_done_nod
     EXPECT_EQ(Check(check, around), (Walk{true, {}})) << "no done node has 2, 3 and 4";
 }
 
-TEST(First_check, A_done_node_that_is_no_neighbour_of_the_centre_forbids_nothing) {
-    First_check check;
+TEST(Before_first_clock, A_done_node_that_is_no_neighbour_of_the_centre_forbids_nothing) {
+    Before_first_clock check;
     Surroundings around{Complete(1, 3), 1, {4}};
     Link_all(around.links, {4}, {2, 3});
     EXPECT_EQ(Check(check, around), (Walk{false, {{1, 2, 3}}}));
@@ -250,7 +251,7 @@ struct Met {
 
 // One check used for what `make` makes of each round.
 template <class Make> void Agree_with_two_steps(unsigned rounds, Make const& make, Met& met) {
-    First_check check;
+    Before_first_clock check;
     for (unsigned round = 0; round < rounds; ++round) {
         Surroundings const around = make(round);
         Walk const expected = Walk_two_steps(around);
@@ -260,7 +261,7 @@ template <class Make> void Agree_with_two_steps(unsigned rounds, Make const& mak
     }
 }
 
-TEST(First_check, Random_networks_agree_with_a_walk_of_two_steps) {
+TEST(Before_first_clock, Random_networks_agree_with_a_walk_of_two_steps) {
     Random_numbers random(41);
     Met met;
     auto const make = [&](unsigned) {
@@ -275,7 +276,7 @@ TEST(First_check, Random_networks_agree_with_a_walk_of_two_steps) {
 }
 
 // Every candidate is in several teams, and many a team has a done node: known sets that overlap.
-TEST(First_check, Teams_with_done_nodes_agree_with_a_walk_of_two_steps) {
+TEST(Before_first_clock, Teams_with_done_nodes_agree_with_a_walk_of_two_steps) {
     Random_numbers random(43);
     Met met;
     auto const make = [&](unsigned) {
@@ -291,7 +292,7 @@ TEST(First_check, Teams_with_done_nodes_agree_with_a_walk_of_two_steps) {
 
 // Every other time the last node is done and linked with all, so that all cliques are known: the
 // walk then mostly goes through to the end.
-TEST(First_check, Many_candidates_agree_with_a_walk_of_two_steps) {
+TEST(Before_first_clock, Many_candidates_agree_with_a_walk_of_two_steps) {
     Random_numbers random(47);
     Met met;
     auto const make = [&](unsigned round) {
@@ -311,7 +312,7 @@ TEST(First_check, Many_candidates_agree_with_a_walk_of_two_steps) {
 }
 
 // Candidates of which some have long lists and most have short ones, and the same of done nodes.
-TEST(First_check, Long_lists_beside_short_ones_agree_with_a_walk_of_two_steps) {
+TEST(Before_first_clock, Long_lists_beside_short_ones_agree_with_a_walk_of_two_steps) {
     Random_numbers random(53);
     Met met;
     auto const make = [&](unsigned) {

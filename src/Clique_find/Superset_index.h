@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// Subset_index: finds in a list of sets those that hold a given set, by way of the lists of the
+// Superset_index: finds in a list of sets those that hold a given set, by way of the lists of the
 // sets at each node. What a question costs depends on the rarest node asked for, not on how many
 // sets there are.
-#ifndef PLEXOR_SUBSET_INDEX_H
-#define PLEXOR_SUBSET_INDEX_H
+#ifndef PLEXOR_SUPERSET_INDEX_H
+#define PLEXOR_SUPERSET_INDEX_H
 
 #include "graph/Types.h"
 #include "support/Grouping.h"
@@ -14,15 +14,15 @@
 
 namespace cpm {
 
-class Subset_index {
+class Superset_index {
 public:
     /// Of the list, which must outlive the index and stay as it is. With `asked`, a flag a node,
     /// only sets of nodes with a true flag can be asked for, and memory is spent on these alone.
-    explicit Subset_index(Set_list const& sets, std::vector<bool> const* asked = nullptr);
+    explicit Superset_index(Set_list const& sets, std::vector<bool> const* asked = nullptr);
 
     /// Calls `visit(i)` for the sets i that hold all of `part`, ascending, until it returns true.
     /// Returns whether it did.
-    template <class Visit> bool Any_holder(Node_set part, Visit visit) const {
+    template <class Visit> bool Any_superset(Node_set part, Visit visit) const {
         if (part.empty()) {
             for (std::uint32_t i = 0; i < sets_.size(); ++i) {
                 if (visit(i)) {
@@ -41,7 +41,7 @@ public:
     }
     /// Whether some set i of which `counts(i)` is true holds all of `part`, which has nodes. It is
     /// asked for before a set is looked at: it should be quick.
-    template <class Counts> bool Any_holder_among(Node_set part, Counts const& counts) const {
+    template <class Counts> bool Any_superset_among(Node_set part, Counts const& counts) const {
         Signature const signature = Signature_of(part);
         std::span<std::uint32_t const> const sets = Sets_of_rarest(part);
         return std::any_of(sets.begin(), sets.end(), [&](std::uint32_t i) {
@@ -49,8 +49,8 @@ public:
         });
     }
     /// Whether some set holds all of `part`.
-    bool Any_holder(Node_set part) const {
-        return Any_holder(part, [](std::uint32_t) { return true; });
+    bool Any_superset(Node_set part) const {
+        return Any_superset(part, [](std::uint32_t) { return true; });
     }
 
 private:

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Clique_find/Time_limited.h"
+#include "Clique_find/Search_driver.h"
 
 #include "support/Captured_console.h"
 #include "support/Graph_makers.h"
@@ -14,7 +14,6 @@
 namespace cpm::test {
 namespace {
 
-using namespace Clique_find_time_sub_routines;
 using Sets = std::vector<std::vector<Node>>;
 
 // What a node's attempts give, one after the other; the last one stays.
@@ -23,7 +22,7 @@ struct Attempt {
     Sets found;
 };
 
-class Scripted_finder : public Node_finder {
+class Scripted_finder : public Finder {
 public:
     explicit Scripted_finder(std::map<Node, std::vector<Attempt>> script)
         : script_(std::move(script)) {}
@@ -32,10 +31,12 @@ public:
         ++readings;
         return now_;
     }
-    void Find(Node node, Time_budget& budget, Set_list& found) override {
+    void Find(Node, Set_list&) override { ADD_FAILURE() << "there is a limit"; }
+    void Find_within(Node node, Time_budget& budget, Set_list& found) override {
         tried.push_back(node);
         std::vector<Attempt>& attempts = script_[node];
         if (attempts.empty()) {
+            done.push_back(node);
             return;
         }
         Attempt const attempt = attempts.front();
@@ -47,9 +48,11 @@ public:
         }
         now_ += attempt.overruns ? 1.5 : 1.0;
         EXPECT_EQ(budget.Overrun(), attempt.overruns);
+        if (!attempt.overruns) {
+            done.push_back(node);
+        }
         now_ += 100; // what comes between two attempts does not count
     }
-    void Done(Node node) override { done.push_back(node); }
 
     std::vector<Node> tried;
     std::vector<Node> done;
@@ -73,7 +76,7 @@ Result Search(std::vector<Node> const& order, Scripted_finder& finder) {
     Clock_of clock([&finder] { return finder.Read_clock(); });
     Progress& progress = console;
     progress.Search_began({.directed = false, .max_time = 1});
-    Search_in_time(cliques, order, finder, 1, clock, core, progress);
+    Search_nodes(cliques, order, finder, Time_limit{1, clock}, core, progress);
     return {To_vectors(cliques), core, console.Output()};
 }
 
@@ -82,7 +85,7 @@ std::string Progress(std::string const& to_do, std::string const& done) {
            to_do + " nodes to do (" + done + "% done)\n";
 }
 
-TEST(Time_limited, A_node_that_always_overruns_ends_the_search_at_once_when_it_is_alone) {
+TEST(Search_within_a_limit, A_node_that_always_overruns_ends_the_search_at_once_when_it_is_alone) {
     Scripted_finder finder({{1, {{true, {}}}}});
     Result const result = Search({1}, finder);
     EXPECT_EQ(result.core, (std::vector<Node>{1}));
@@ -96,7 +99,7 @@ TEST(Time_limited, A_node_that_always_overruns_ends_the_search_at_once_when_it_i
                                   "\n Altogether 0 exact cliques found.\n");
 }
 
-TEST(Time_limited, Nodes_done_list_their_cliques_in_the_order_found) {
+TEST(Search_within_a_limit, Nodes_done_list_their_cliques_in_the_order_found) {
     Scripted_finder finder({{2, {{false, {{2, 3, 4}, {1, 2, 4}}}}}, {1, {{false, {{1, 3, 4}}}}}});
     Result const result = Search({2, 1, 3, 4}, finder);
     EXPECT_EQ(result.cliques, (Sets{{2, 3, 4}, {1, 2, 4}, {1, 3, 4}}));
@@ -107,7 +110,7 @@ TEST(Time_limited, Nodes_done_list_their_cliques_in_the_order_found) {
                                  "\n Altogether 3 cliques found.\n no approximation was needed\n"));
 }
 
-TEST(Time_limited, A_node_that_overran_comes_again_after_all_others) {
+TEST(Search_within_a_limit, A_node_that_overran_comes_again_after_all_others) {
     Scripted_finder finder({{1, {{true, {}}, {false, {}}}}});
     Result const result = Search({1, 2, 3}, finder);
     EXPECT_EQ(finder.tried, (std::vector<Node>{1, 2, 3, 1}));
@@ -116,7 +119,7 @@ TEST(Time_limited, A_node_that_overran_comes_again_after_all_others) {
     EXPECT_EQ(finder.readings, 6) << "at each beginning, and where the finder looks";
 }
 
-TEST(Time_limited, A_success_starts_the_count_of_skipped_nodes_anew) {
+TEST(Search_within_a_limit, A_success_starts_the_count_of_skipped_nodes_anew) {
     // Nodes 1 and 2 overrun, node 3 does not: both are tried once more before the search ends.
     Scripted_finder finder({{1, {{true, {}}}}, {2, {{true, {}}}}});
     Result const result = Search({1, 2, 3}, finder);
@@ -130,7 +133,7 @@ TEST(Time_limited, A_success_starts_the_count_of_skipped_nodes_anew) {
               std::string::npos);
 }
 
-TEST(Time_limited, What_was_found_at_nodes_given_up_is_listed_ascending_and_once) {
+TEST(Search_within_a_limit, What_was_found_at_nodes_given_up_is_listed_ascending_and_once) {
     Scripted_finder finder({{1, {{true, {{1, 4, 5, 6}, {1, 2, 5, 6}}}}},
                             {2, {{true, {{2, 4, 5, 6}, {1, 2, 5, 6}}}}},
                             {3, {{false, {{3, 4, 5}}}}}});
@@ -146,12 +149,12 @@ TEST(Time_limited, What_was_found_at_nodes_given_up_is_listed_ascending_and_once
     EXPECT_EQ(result.core, (std::vector<Node>{1, 2, 4, 5, 6}));
 }
 
-TEST(Time_limited, What_was_found_at_nodes_given_up_is_dropped_when_all_are_done_at_last) {
+TEST(Search_within_a_limit, What_was_found_at_nodes_given_up_is_dropped_when_all_are_done_at_last) {
     Scripted_finder finder({{1, {{true, {{1, 2, 3}}}, {false, {{1, 2, 3, 4}}}}}});
     EXPECT_EQ(Search({1, 2, 3, 4}, finder).cliques, (Sets{{1, 2, 3, 4}}));
 }
 
-TEST(Time_limited, Three_nodes_inside_a_clique_or_an_earlier_set_are_not_listed) {
+TEST(Search_within_a_limit, Three_nodes_inside_a_clique_or_an_earlier_set_are_not_listed) {
     Attempt const given_up{true, {}};
     Scripted_finder finder({{1, {{true, {{1, 2, 3}, {1, 5, 6}, {4, 5, 6}, {1, 2, 3, 4}}}}},
                             {2, {given_up}},
@@ -166,51 +169,7 @@ TEST(Time_limited, Three_nodes_inside_a_clique_or_an_earlier_set_are_not_listed)
               (Sets{{4, 5, 6, 7}, {1, 2, 3}, {1, 2, 3, 4}, {1, 2, 4, 5}, {1, 5, 6}}));
 }
 
-Set_list Sets_of_four(Node last) {
-    Set_list sets;
-    for (Node a = 2; a <= last; ++a) {
-        for (Node b = a + 1; b <= last; ++b) {
-            for (Node c = b + 1; c <= last; ++c) {
-                sets.Add(std::vector<Node>{1, a, b, c});
-            }
-        }
-    }
-    return sets;
-}
-
-TEST(Pending_sets, When_they_are_full_what_comes_first_of_an_attempt_stays) {
-    Set_list const sets = Sets_of_four(30);
-    constexpr std::size_t most_bytes = 40000;
-    Pending_sets pending(30, most_bytes);
-    pending.Add(sets);
-    std::size_t const n = pending.Sets().size();
-    EXPECT_LE(pending.Bytes(), most_bytes);
-    EXPECT_GT(pending.Bytes(), most_bytes - 100);
-    for (std::size_t i = 0; i < n; ++i) {
-        ASSERT_TRUE(std::ranges::equal(pending.Sets()[i], sets[i]));
-    }
-    pending.Add(Sets_of_four(31));
-    EXPECT_EQ(pending.Sets().size(), n);
-    pending.Add(Set_list{{1, 2, 3}});
-    EXPECT_EQ(pending.Sets().size(), n + 1) << "sets of three nodes are always kept";
-}
-
-TEST(Pending_sets, Sets_of_nodes_done_meanwhile_make_room) {
-    Set_list const sets = Sets_of_four(30);
-    Pending_sets pending(30, 40000);
-    pending.Add(sets);
-    std::size_t const n = pending.Sets().size();
-    pending.Done(2); // is in the first sets
-    pending.Add(sets);
-    EXPECT_LE(pending.Bytes(), 40000U);
-    EXPECT_GT(pending.Sets().size(), n / 2);
-    EXPECT_TRUE(std::ranges::any_of(To_vectors(pending.Sets()),
-                                    [](auto const& set) { return set[1] != 2; }));
-    pending.Finish();
-    EXPECT_TRUE(std::ranges::none_of(pending.Sets().Flat(), [](Node node) { return node == 2; }));
-}
-
-TEST(Time_limited, No_nodes_need_no_time) {
+TEST(Search_within_a_limit, No_nodes_need_no_time) {
     Scripted_finder finder({});
     Result const result = Search({}, finder);
     EXPECT_TRUE(result.cliques.empty());
