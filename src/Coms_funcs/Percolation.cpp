@@ -16,7 +16,7 @@ Percolation::Percolation(Found_cliques const& found, Node n_nodes, Edge_numberin
 Percolation::Percolation(Found_cliques const& found, std::shared_ptr<Ranked_cliques const> cliques,
                          Edge_numbering const& edges)
     : cliques_(std::move(cliques)), walk_(found, *cliques_),
-      lister_(*cliques_, found.n_exact, edges, walk_.Levels_nest()) {}
+      lister_(*cliques_, found.n_exact, edges, Levels_nest(found)) {}
 
 void Percolation::Coms_from_appr_ovlp_matr(Communities& coms, std::uint32_t k, Progress* progress) {
     std::swap(com_cliques_, coms.cliques);

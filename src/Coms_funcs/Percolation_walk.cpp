@@ -23,7 +23,6 @@ class By_overlap : public Adjacency {
 public:
     By_overlap(Ranked_cliques const& cliques, bool nested) : cliques_(cliques), nested_(nested) {}
 
-    bool Levels_nest() const override { return true; }
     // Deliberate: at k = 1 cliques without a common node are still not adjacent. A clique of k-1
     // nodes can only be adjacent to one that holds all of it.
     void Start_level(std::uint32_t k) override {
@@ -54,7 +53,6 @@ public:
         : overlaps_(*found.before_merge, found.cliques, found.n_exact, n_nodes),
           visited_(found.cliques.size()) {}
 
-    bool Levels_nest() const override { return false; }
     void Start_level(std::uint32_t k) override {
         k_ = k;
         std::fill(visited_.begin(), visited_.end(), false);
@@ -108,7 +106,8 @@ std::unique_ptr<Adjacency> Make_adjacency(Found_cliques const& found,
 } // namespace
 
 Percolation_walk::Percolation_walk(Found_cliques const& found, Ranked_cliques const& cliques)
-    : cliques_(cliques), adjacency_(Make_adjacency(found, cliques)) {
+
+    : cliques_(cliques), nested_(Levels_nest(found)), adjacency_(Make_adjacency(found, cliques)) {
     assert(&cliques.Cliques() == &found.cliques);
 }
 
@@ -159,7 +158,7 @@ bool Percolation_walk::Grow_community(Clique_number first, Ticker& ticker) {
         adjacency_->Visit_adjacent(next, members_);
         Push(first_new);
     }
-    if (adjacency_->Levels_nest()) {
+    if (nested_) {
         // The first clique is adjacent to itself and was visited with nothing new; the community's
         // nodes and links begin with all of it.
         std::ranges::find(members_, first, &Adjacent_clique::clique)->new_nodes = all_new;

@@ -15,6 +15,11 @@
 
 namespace cpm {
 
+/// Whether each community lies inside one community of the next smaller k.
+inline bool Levels_nest(Found_cliques const& found) {
+    return !found.before_merge;
+}
+
 /// Takes the communities of a level as they are found.
 class Community_taker {
 public:
@@ -31,8 +36,6 @@ namespace Percolation_walk_sub {
 class Adjacency {
 public:
     virtual ~Adjacency() = default;
-    /// Whether each community lies inside one community of the next smaller k.
-    virtual bool Levels_nest() const = 0;
     /// Starts the level of k, 1 or more: no clique is visited.
     virtual void Start_level(std::uint32_t k) = 0;
     /// The first clique from this one on that is not visited, or the number of cliques.
@@ -53,9 +56,6 @@ public:
     /// thread of its own. Both must outlive this object.
     Percolation_walk(Found_cliques const& found, Ranked_cliques const& cliques);
 
-    /// Whether each community lies inside one community of the next smaller k.
-    bool Levels_nest() const { return adjacency_->Levels_nest(); }
-
     /// Hands out the communities at k, any number, in the order of their first clique: see
     /// Percolation. Going down from level to level is the cheapest way. The progress, where there
     /// is one, may cancel; the next level is not affected by that.
@@ -66,6 +66,7 @@ private:
     void Push(std::size_t first_new);
 
     Ranked_cliques const& cliques_;
+    bool nested_; ///< see Levels_nest()
     std::unique_ptr<Percolation_walk_sub::Adjacency> adjacency_;
     Flat_array<Adjacent_clique> members_; ///< of the community under way
     Flat_array<std::uint32_t> to_follow_; ///< places of those not yet followed, the next last

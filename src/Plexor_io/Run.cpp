@@ -12,6 +12,7 @@
 #include "Plexor_io/Result_files.h"
 #include "Plexor_io/Usage.h"
 #include "graph/Convert_links.h"
+#include "parallel/Thread_count.h"
 
 #include <malloc.h>
 #include <new>
@@ -58,15 +59,13 @@ Found_cliques Search(Index_links const& links, Run_settings const& run, Clock& c
     return found;
 }
 
-void Find_all_coms(Coms_input input, std::uint32_t largest, Run_files& files, Progress& progress) {
+void Find_communities(Coms_input input, Run_files& files, Progress& progress) {
     Run_settings const& run = input.run;
     Coms_finder finder(std::move(input), files, progress);
     if (run.k_given) {
         finder.Find_coms(run.k);
-        return;
-    }
-    for (std::uint32_t k = largest; k > 2; --k) {
-        finder.Find_coms(k);
+    } else {
+        finder.Find_all(Thread_count(run.n_threads));
     }
 }
 
@@ -103,8 +102,8 @@ void Run_from_links(Run_settings& run, Input_request const& request, Link_source
     Kiir_cliques_PX(found.cliques, found.n_exact, labels, files);
     console.Put_line(" done.");
     std::uint32_t const largest = Max_clique_size_in_cl_vec(found.cliques);
-    Find_all_coms({found, std::move(network.links), labels, n_nodes, largest, run}, largest, files,
-                  progress);
+    Find_communities({found, std::move(network.links), labels, n_nodes, largest, run}, files,
+                     progress);
     Print_banner(console);
 }
 
@@ -161,8 +160,9 @@ Run_outcome Run(Run_settings const& settings, Input_request const& request,
 }
 
 Run_outcome Run_command_line(int argc, char const* const* argv, Clock& clock, Progress& progress,
-                             Console& console) {
+                             Console& console, unsigned n_threads) {
     Run_settings run;
+    run.n_threads = n_threads;
     return Outcome_of(run, console, [&](Run_outcome& outcome) {
         Begin(console);
         Input_request request;

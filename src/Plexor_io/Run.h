@@ -36,9 +36,10 @@ struct Run_outcome {
 Run_outcome Run(Run_settings const& settings, Input_request const& request,
                 Link_source const& source, Progress& progress, Console& console);
 
-/// The same for a command line, with the links from its input file. A time limit counts by `clock`.
+/// The same for a command line, with the links from its input file, on `n_threads` threads (0: one
+/// a processor). A time limit counts by `clock`.
 Run_outcome Run_command_line(int argc, char const* const* argv, Clock& clock, Progress& progress,
-                             Console& console);
+                             Console& console, unsigned n_threads = 1);
 
 } // namespace cpm
 
