@@ -60,6 +60,8 @@ public:
             Write(coms, place, thread);
         }
     }
+    /// Whether a level has come far enough to say something.
+    bool Has_words(std::size_t place) const { return levels_[place] != nullptr; }
     /// The level has its turn: says what there is to be said.
     void Tell(std::size_t place, Progress& progress) {
         std::unique_ptr<Level> const level = std::move(levels_[place]);
@@ -131,11 +133,21 @@ void Find_all_coms(Parallel_coms_input const& input, unsigned n_threads, Run_fil
         if (by_overlaps) {
             progress.Level_began(ks[place], input.largest_clique);
         }
-        pipeline.Next(progress);
-        if (by_overlaps) {
-            progress.Level_found();
+        auto const tell = [&] {
+            if (by_overlaps) {
+                progress.Level_found();
+            }
+            work.Tell(place, progress);
+        };
+        try {
+            pipeline.Next(progress);
+        } catch (std::exception const&) {
+            if (work.Has_words(place)) {
+                tell();
+            }
+            throw;
         }
-        work.Tell(place, progress);
+        tell();
     }
 }
 
