@@ -13,7 +13,7 @@ from .errors import PlexorError
 from .network import Network, _encoded
 from .progress import Progress, Reporter
 from .results import Result, load
-from .search import Weights, _question
+from .search import Weights, _check_threads, _question
 
 __all__ = ["RunSummary", "run"]
 
@@ -42,6 +42,7 @@ def run(
     intensity: float | None = None,
     time_limit: float | None = None,
     digits: int = 6,
+    threads: int = 1,
     name: str | None = None,
     log: int | None = None,
     progress: Progress = False,
@@ -52,7 +53,7 @@ def run(
     then `name` is the path that the headers of the files show (else that of the file which the
     network was read from, or "network"). `output` is the directory; None for the name that the
     program would choose, which needs a file or a `name`. `digits` are those of thresholds in that
-    name. `log` is a file descriptor for what the program prints, None for nobody. The other
+    name. With several `threads` (0: one a processor) files of several k are written at a time. `log` is a file descriptor for what the program prints, None for nobody. The other
     parameters are those of find_communities.
 
     Raises ValueError for what does not go together, PlexorError with the program's text for what
@@ -63,6 +64,7 @@ def run(
         raise ValueError(f"k is one integer, not {k!r}")
     if not (isinstance(digits, int) and 0 <= digits < 1 << 32):
         raise ValueError(f"digits is an integer, not {digits!r}")
+    _check_threads(threads)
     given: tuple[Any, ...] | None = None
     if isinstance(links, Network):
         question = _question(links, directed, weights, intensity, time_limit)
@@ -87,6 +89,7 @@ def run(
             question.intensity,
             question.time_limit,
             digits,
+            threads,
             -1 if log is None else log,
             given,  # type: ignore[arg-type]
             reporter.cliques(),

@@ -15,6 +15,9 @@
 #include "Plexor_io/Read_links.h"
 #include "Plexor_io/Run.h"
 #include "graph/Link_order.h"
+#include "parallel/Parallel_percolation.h"
+#include "parallel/Pipeline.h"
+#include "parallel/Thread_count.h"
 #include "support/Errors.h"
 #include "support/Progress.h"
 #include "support/Version.h"
@@ -118,7 +121,8 @@ struct Search_data {
     cpm::Edge_numbering edges;
     std::vector<Number> smaller_ends; ///< by number of edge
     std::vector<bool> reversed;       ///< likewise: only the link from the larger node is there
-    std::unique_ptr<cpm::Percolation> percolation; ///< none with an intensity
+    std::shared_ptr<cpm::Ranked_cliques const> ranked; ///< none with an intensity
+    std::unique_ptr<cpm::Percolation> percolation;     ///< likewise; made with the first level
     bool ready = false;
 
     cpm::Node N_nodes() const { return static_cast<cpm::Node>(nodes.size()); }
@@ -179,7 +183,7 @@ void Search_data::Prepare_levels() {
     edges = cpm::Edge_numbering(links, N_nodes(), found.cliques, found.n_exact);
     Number_edges();
     if (!question.intensity) {
-        percolation = std::make_unique<cpm::Percolation>(found, N_nodes(), edges);
+        ranked = std::make_shared<cpm::Ranked_cliques>(found.cliques, N_nodes());
     }
     ready = true;
 }
@@ -246,35 +250,121 @@ Number Search::Largest() const {
     return Max_clique_size_in_cl_vec(data_->found.cliques);
 }
 
+namespace {
+
+void Take(cpm::Communities& coms, Level_data& level) {
+    level.nodes = Shifted(coms.nodes, 1);
+    level.n_exact = coms.n_exact;
+    level.links = coms.links;
+}
+
+void Find_by_intensity(Search_data const& search, Number k, Level_data& level,
+                       cpm::Progress& progress) {
+    double const intensity = *search.question.intensity;
+    cpm::K_clique_list k_cliques;
+    Generate_k_cls_from_cls(search.found.cliques, search.links, k_cliques, k, intensity, progress);
+    level.k_cliques = From_k_cliques(k_cliques);
+    cpm::Communities coms;
+    Intensity_coms_from_k_cliques(std::move(k_cliques), coms, search.links, intensity, progress);
+    Take(coms, level);
+}
+
+} // namespace
+
 Level Search::At(Number k, Watcher& watcher) const {
     std::lock_guard const lock(data_->mutex);
     watcher.Tick();
     auto level = std::make_shared<Level_data>();
     level->search = data_;
-    cpm::Communities coms;
     try {
         data_->Prepare_levels();
         watcher.Tick();
         Told progress(watcher);
-        if (auto const intensity = data_->question.intensity) {
-            cpm::K_clique_list k_cliques;
-            Generate_k_cls_from_cls(data_->found.cliques, data_->links, k_cliques, k, *intensity,
-                                    progress);
-            level->k_cliques = From_k_cliques(k_cliques);
-            Intensity_coms_from_k_cliques(std::move(k_cliques), coms, data_->links, *intensity,
-                                          progress);
+        if (data_->question.intensity) {
+            Find_by_intensity(*data_, k, *level, progress);
         } else {
+            if (!data_->percolation) {
+                data_->percolation =
+                    std::make_unique<cpm::Percolation>(data_->found, data_->ranked, data_->edges);
+            }
+            cpm::Communities coms;
             data_->percolation->Coms_from_appr_ovlp_matr(coms, k, &progress);
             level->cliques = Shifted(coms.cliques, 0);
+            Take(coms, *level);
         }
     } catch (cpm::Xerror_msg const& error) {
         Throw(error);
     }
     watcher.Tick();
-    level->nodes = Shifted(coms.nodes, 1);
-    level->n_exact = coms.n_exact;
-    level->links = coms.links;
     return Level(std::move(level));
+}
+
+struct Levels_ahead::Data : public cpm::Piece_work {
+    Data(std::shared_ptr<Search_data const> of, std::vector<Number> wanted, unsigned n_threads)
+        : search(std::move(of)), ks(std::move(wanted)), levels(ks.size()) {
+        if (!search->question.intensity) {
+            percolation.emplace(search->found, *search->ranked, search->edges, ks, n_threads);
+        }
+        // A level that waits holds its communities, one under way the lists of its thread.
+        pipeline.emplace(*this, ks.size(), n_threads, std::size_t{2} * n_threads);
+    }
+
+    void Prepare(std::size_t place, unsigned thread, cpm::Progress& progress) override {
+        if (percolation) {
+            percolation->Walk(place, thread, progress);
+        } else {
+            Begin(place);
+            Find_by_intensity(*search, ks[place], *levels[place], progress);
+        }
+    }
+    void Join(std::size_t place, unsigned, cpm::Progress& progress) override {
+        if (percolation) {
+            percolation->Join(place, progress);
+        }
+    }
+    void Finish(std::size_t place, unsigned, cpm::Progress&) override {
+        if (percolation) {
+            Begin(place);
+            cpm::Communities coms = percolation->Take(place);
+            levels[place]->cliques = Shifted(coms.cliques, 0);
+            Take(coms, *levels[place]);
+        }
+    }
+    void Begin(std::size_t place) {
+        levels[place] = std::make_shared<Level_data>();
+        levels[place]->search = search;
+    }
+
+    std::shared_ptr<Search_data const> search;
+    std::vector<Number> ks;
+    std::optional<cpm::Parallel_percolation> percolation; ///< none with an intensity
+    std::vector<std::shared_ptr<Level_data>> levels;      ///< by place
+    std::size_t next = 0;
+    std::optional<cpm::Pipeline> pipeline; ///< ended first
+};
+
+Levels_ahead::Levels_ahead(Search const& search, std::vector<Number> ks, unsigned n_threads,
+                           Watcher& watcher) {
+    std::lock_guard const lock(search.data_->mutex);
+    watcher.Tick();
+    try {
+        search.data_->Prepare_levels();
+    } catch (cpm::Xerror_msg const& error) {
+        Throw(error);
+    }
+    data_ = std::make_unique<Data>(search.data_, std::move(ks), cpm::Thread_count(n_threads));
+}
+
+Levels_ahead::~Levels_ahead() = default;
+
+Level Levels_ahead::Next(Watcher& watcher) {
+    Told progress(watcher);
+    try {
+        data_->pipeline->Next(progress);
+    } catch (cpm::Xerror_msg const& error) {
+        Throw(error);
+    }
+    return Level(std::move(data_->levels[data_->next++]));
 }
 
 Lists const& Level::Nodes() const {
@@ -591,6 +681,7 @@ cpm::Run_settings Settings_of(Run_request const& request) {
     settings.time_limit = question.time_limit.value_or(0);
     settings.k_given = request.k.has_value();
     settings.k = request.k.value_or(0);
+    settings.n_threads = request.n_threads;
     return settings;
 }
 

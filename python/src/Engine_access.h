@@ -140,6 +140,7 @@ public:
 
 private:
     friend class Search;
+    friend class Levels_ahead;
     explicit Level(std::shared_ptr<Level_data const> data) : data_(std::move(data)) {}
 
     std::shared_ptr<Level_data const> data_;
@@ -165,7 +166,28 @@ public:
     Level At(Number k, Watcher& watcher) const;
 
 private:
+    friend class Levels_ahead;
+
     std::shared_ptr<Search_data> data_;
+};
+
+/// The levels of several k of a search, made by threads of their own, the next few of them before
+/// they are asked for. The same levels as Search::At() gives.
+class Levels_ahead {
+public:
+    /// The k are descending, each 2 or more. 0 threads are as many as there are processors.
+    Levels_ahead(Search const& search, std::vector<Number> ks, unsigned n_threads,
+                 Watcher& watcher);
+    /// Gives up what has not been asked for.
+    ~Levels_ahead();
+    /// The level of the next k. The watcher is called on this thread. After an error there are no
+    /// more levels.
+    Level Next(Watcher& watcher);
+
+private:
+    struct Data;
+
+    std::unique_ptr<Data> data_;
 };
 
 /// The links that are in no triangle, as positions into `links`, ascending: with links that are in
@@ -200,7 +222,8 @@ struct Run_request {
     std::optional<std::string> output; ///< as behind -o
     std::optional<Number> k;
     unsigned digits = 6;
-    int log = -1; ///< the descriptor that gets what the program prints; -1: nobody does
+    unsigned n_threads = 1; ///< 0: one a processor
+    int log = -1;           ///< the descriptor that gets what the program prints; -1: nobody does
 };
 /// Links in place of a link file, with the names of their nodes, ascending byte by byte.
 struct Named_links {

@@ -117,6 +117,19 @@ Level At(Search const& search, Number k) {
     return search.At(k, watcher);
 }
 
+std::unique_ptr<Levels_ahead> Ahead(Search const& search, std::vector<Number> ks,
+                                    unsigned threads) {
+    Python_watcher watcher{py::none()};
+    py::gil_scoped_release const release;
+    return std::make_unique<Levels_ahead>(search, std::move(ks), threads, watcher);
+}
+
+Level Next(Levels_ahead& levels) {
+    Python_watcher watcher{py::none()};
+    py::gil_scoped_release const release;
+    return levels.Next(watcher);
+}
+
 py::tuple Links_of(Level const& level) {
     Python_watcher watcher{py::none()};
     Level_links links;
@@ -157,10 +170,10 @@ py::dict Count(Level const& level, std::string const& part) {
 py::tuple Whole_run(std::string const& input, std::optional<std::string> const& output,
                     std::optional<Number> k, bool directed, std::optional<double> lower,
                     std::optional<double> upper, std::optional<double> intensity,
-                    std::optional<double> time_limit, unsigned digits, int log,
+                    std::optional<double> time_limit, unsigned digits, unsigned threads, int log,
                     std::optional<py::tuple> const& links, py::object progress) {
     Run_request const request{
-        {directed, lower, upper, intensity, time_limit}, input, output, k, digits, log};
+        {directed, lower, upper, intensity, time_limit}, input, output, k, digits, threads, log};
     In<Number> source;
     In<Number> target;
     In<double> weight;
@@ -229,6 +242,9 @@ PYBIND11_MODULE(_engine, module) {
         .def_property_readonly("n_exact_cliques", &Search::N_exact_cliques)
         .def_property_readonly("largest", &Search::Largest)
         .def("at", &At, py::arg("k"));
+    py::class_<Levels_ahead>(module, "LevelsAhead")
+        .def(py::init(&Ahead), py::arg("search"), py::arg("ks"), py::arg("threads"))
+        .def("next", &Next);
     py::class_<Level>(module, "Level")
         .def_property_readonly("n_exact", &Level::N_exact)
         .def("nodes", [](Level const& level) { return Out(level.Nodes()); })
@@ -254,6 +270,6 @@ PYBIND11_MODULE(_engine, module) {
     plexor_formats::Register_edge_list_reader(module);
     module.def("run", &Whole_run, py::arg("input"), py::arg("output"), py::arg("k"),
                py::arg("directed"), py::arg("lower"), py::arg("upper"), py::arg("intensity"),
-               py::arg("time_limit"), py::arg("digits"), py::arg("log"), py::arg("links"),
-               py::arg("progress"));
+               py::arg("time_limit"), py::arg("digits"), py::arg("threads"), py::arg("log"),
+               py::arg("links"), py::arg("progress"));
 }

@@ -314,3 +314,16 @@ def test_files_that_could_not_be_written_fail_the_run(
     assert done.status == 1
     assert done.said == "plexor-tool: could not write 'out/graph'\n"
     assert json.loads(done.out)["not_written"] == ["out/graph"]
+
+
+@pytest.mark.parametrize("threads", ["0", "2", "8"])
+def test_threads(in_process: Tool, tmp_path: Path, threads: str) -> None:
+    assert in_process("run", FACULTY, "-o", tmp_path / "one").status == 0
+    assert in_process("run", FACULTY, "-o", tmp_path / "several", "--threads", threads).status == 0
+    assert tree(tmp_path / "several") == tree(tmp_path / "one")
+
+
+@pytest.mark.parametrize("threads", ["-1", "two", "1.5", "1025", ""])
+def test_threads_that_cannot_be(in_process: Tool, tmp_path: Path, threads: str) -> None:
+    outcome = in_process("run", FACULTY, "-o", tmp_path / "out", f"--threads={threads}")
+    assert outcome.status == 2 and not (tmp_path / "out").exists()
