@@ -55,6 +55,8 @@ complete -c plexor-tool -n "__fish_seen_subcommand_from run" -s U -l undirected 
 complete -c plexor-tool -n "__fish_seen_subcommand_from run" -s I -l intensity -x -d 'k-cliques above this intensity only'
 complete -c plexor-tool -n "__fish_seen_subcommand_from run" -s k -l clique-size -x -d 'communities at this k alone'
 complete -c plexor-tool -n "__fish_seen_subcommand_from run" -l threads -x -d 'work on several k at a time, with the same results'
+complete -c plexor-tool -n "__fish_seen_subcommand_from run" -l dask -x -d 'make each k on a worker of this Dask scheduler, with the ...'
+complete -c plexor-tool -n "__fish_seen_subcommand_from run" -l shared -r -d 'with --dask: where the cliques lie meanwhile, for all wor...'
 complete -c plexor-tool -n "__fish_seen_subcommand_from run" -l summary -r -d 'write how the run went and what it found as JSON'
 complete -c plexor-tool -n "__fish_seen_subcommand_from run" -l format -x -a 'edges links sif metis mtx pajek gml graphml gexf' -d 'edges: edge list: a link a line, in fields between blanks...'
 complete -c plexor-tool -n "__fish_seen_subcommand_from run" -l delimiter -x -a 'blanks tab comma semicolon' -d 'what separates fields'

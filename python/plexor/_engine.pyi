@@ -78,4 +78,11 @@ def run(
     log: int,
     links: tuple[_Numbers, _Numbers, _Floats | None, list[bytes]] | None,
     progress: Callable[[int, int], None] | None,
+    levels: dict[str, Any] | None = None,
 ) -> tuple[bytes, list[bytes]]: ...
+
+class LevelFiles:
+    def __init__(
+        self, levels: dict[str, Any], intensity: float | None, directory: bytes
+    ) -> None: ...
+    def write(self, k: int) -> list[bytes]: ...

@@ -10,10 +10,14 @@
 #include "Coms_funcs/Percolation.h"
 #include "Plexor_io/Console.h"
 #include "Plexor_io/Console_progress.h"
+#include "Plexor_io/Find_coms.h"
 #include "Plexor_io/Link_file_errors.h"
+#include "Plexor_io/Name_labels.h"
 #include "Plexor_io/Out_dir.h"
 #include "Plexor_io/Read_links.h"
+#include "Plexor_io/Result_place.h"
 #include "Plexor_io/Run.h"
+#include "Plexor_io/Text_sink.h"
 #include "graph/Link_order.h"
 #include "parallel/Parallel_percolation.h"
 #include "parallel/Pipeline.h"
@@ -687,8 +691,10 @@ cpm::Run_settings Settings_of(Run_request const& request) {
 
 } // namespace
 
-Run_report Run(Run_request const& request, std::optional<Named_links> const& links,
-               Watcher& watcher) {
+namespace {
+
+Run_report Run_with(Run_request const& request, std::optional<Named_links> const& links,
+                    Watcher& watcher, cpm::Community_stage const& communities) {
     Question const& question = request.question;
     cpm::Run_settings const settings = Settings_of(request);
     cpm::Input_request input;
@@ -701,7 +707,7 @@ Run_report Run(Run_request const& request, std::optional<Named_links> const& lin
     Told_and_printed progress(console, watcher);
     cpm::Run_outcome outcome =
         cpm::Run(settings, input, links ? Links_of(*links, question) : Links_of_file(input),
-                 progress, console);
+                 progress, console, communities);
     console.Flush();
     progress.Rethrow();
     using Kind = cpm::Run_outcome::Kind;
@@ -713,6 +719,133 @@ Run_report Run(Run_request const& request, std::optional<Named_links> const& lin
     }
     return {Output_dir_name(input.input_file, input.weights, input.digits, input.out_dir, settings),
             std::move(outcome.not_written)};
+}
+
+// Copies what the levels are made from.
+void Keep(cpm::Coms_input const& input, cpm::Run_files const& files, Level_source& source) {
+    std::vector<Number> first;
+    std::vector<Number> second;
+    for (cpm::Node_pair const& link : input.links.pairs) {
+        first.push_back(link.first);
+        second.push_back(link.second);
+    }
+    source.first = Array(std::move(first));
+    source.second = Array(std::move(second));
+    auto const& weights = input.links.weights;
+    source.weight = Array(std::vector<double>(weights.begin(), weights.end()));
+    cpm::Text names;
+    std::vector<Integer> name_offsets{0};
+    for (cpm::Node node = 1; node <= input.n_nodes; ++node) {
+        input.labels.Put(node, names);
+        name_offsets.push_back(static_cast<Integer>(names.View().size()));
+    }
+    source.names = Array(std::vector<std::uint8_t>(names.View().begin(), names.View().end()));
+    source.name_offsets = Array(std::move(name_offsets));
+    source.cliques = Shifted(input.found.cliques, 0);
+    if (input.found.before_merge) {
+        source.before_merge = Shifted(*input.found.before_merge, 0);
+    }
+    source.n_exact = input.found.n_exact;
+    source.nested = input.found.nested;
+    source.largest = input.largest_clique;
+    source.com_flag = files.com_flag;
+    source.header = files.alap_szoveg;
+}
+
+cpm::Set_list Listed(std::span<Number const> members, std::span<Integer const> offsets) {
+    cpm::Set_list lists;
+    for (std::size_t i = 0; i + 1 < offsets.size(); ++i) {
+        lists.Add(members.subspan(static_cast<std::size_t>(offsets[i]),
+                                  static_cast<std::size_t>(offsets[i + 1] - offsets[i])));
+    }
+    return lists;
+}
+
+cpm::Names_map Names_of(Level_source_view const& source) {
+    cpm::Names_map names;
+    names.Add(""); // index 0 is no node
+    for (std::size_t i = 0; i + 1 < source.name_offsets.size(); ++i) {
+        std::string name;
+        for (Integer at = source.name_offsets[i]; at + 1 < source.name_offsets[i + 1]; ++at) {
+            name.push_back(static_cast<char>(source.names[static_cast<std::size_t>(at)]));
+        }
+        names.Add(name);
+    }
+    return names;
+}
+
+} // namespace
+
+Run_report Run(Run_request const& request, std::optional<Named_links> const& links,
+               Watcher& watcher) {
+    return Run_with(request, links, watcher, cpm::Find_communities);
+}
+
+Run_report Run_to_cliques(Run_request const& request, std::optional<Named_links> const& links,
+                          Watcher& watcher, Level_source& source) {
+    return Run_with(request, links, watcher,
+                    [&source](cpm::Coms_input input, cpm::Run_files& files, cpm::Progress&) {
+                        Keep(input, files, source);
+                    });
+}
+
+// Nobody reads what is printed.
+struct Level_files::Data {
+    Data(Level_source_view const& source, std::string const& directory)
+        : labels(Names_of(source)),
+          place(directory), files{place, source.com_flag, source.header, console} {
+        found.cliques = Listed(source.cliques, source.clique_offsets);
+        found.n_exact = source.n_exact;
+        found.nested = source.nested;
+        if (!source.before_merge_offsets.empty()) {
+            found.before_merge = Listed(source.before_merge, source.before_merge_offsets);
+        }
+        settings.intensity = source.intensity.has_value();
+        settings.intensity_threshold = source.intensity.value_or(0);
+        cpm::Index_links links;
+        for (std::size_t i = 0; i < source.first.size(); ++i) {
+            links.pairs.push_back({source.first[i], source.second[i]});
+        }
+        links.weights.Append(source.weight);
+        auto const n_nodes = static_cast<cpm::Node>(source.name_offsets.size() - 1);
+        finder.emplace(
+            cpm::Coms_input{found, std::move(links), labels, n_nodes, source.largest, settings},
+            files, progress);
+    }
+
+    cpm::Found_cliques found;
+    cpm::Name_labels labels;
+    cpm::Run_settings settings;
+    cpm::Console console{-1};
+    cpm::Result_place place;
+    cpm::Run_files files;
+    // The progress of the level under way.
+    struct Handed_on : public cpm::Progress {
+        Watcher* to = nullptr;
+        void Tick() override { to->Tick(); }
+    } progress;
+    std::optional<cpm::Coms_finder> finder;
+};
+
+Level_files::Level_files(Level_source_view const& source, std::string const& directory) {
+    try {
+        data_ = std::make_unique<Data>(source, directory);
+    } catch (cpm::Xerror_msg const& error) {
+        Throw(error);
+    }
+}
+
+Level_files::~Level_files() = default;
+
+std::vector<std::string> Level_files::Write(Number k, Watcher& watcher) {
+    data_->progress.to = &watcher;
+    data_->files.not_written.clear();
+    try {
+        data_->finder->Find_coms(k);
+    } catch (cpm::Xerror_msg const& error) {
+        Throw(error);
+    }
+    return data_->files.not_written;
 }
 
 std::string_view Version() {

@@ -166,12 +166,15 @@ py::dict Count(Level const& level, std::string const& part) {
     return out;
 }
 
-// The links are (source, target, weight or None, names as bytes), or None for the link file.
+// Of a run from its links to its last file, or to its cliques: then `source` gets what the levels
+// are made from. The links are (source, target, weight or None, names as bytes), or None for the
+// link file.
 py::tuple Whole_run(std::string const& input, std::optional<std::string> const& output,
                     std::optional<Number> k, bool directed, std::optional<double> lower,
                     std::optional<double> upper, std::optional<double> intensity,
                     std::optional<double> time_limit, unsigned digits, unsigned threads, int log,
-                    std::optional<py::tuple> const& links, py::object progress) {
+                    std::optional<py::tuple> const& links, py::object progress,
+                    std::optional<py::dict> levels) {
     Run_request const request{
         {directed, lower, upper, intensity, time_limit}, input, output, k, digits, threads, log};
     In<Number> source;
@@ -190,15 +193,80 @@ py::tuple Whole_run(std::string const& input, std::optional<std::string> const& 
     }
     Python_watcher watcher(std::move(progress));
     Run_report report;
+    Level_source of_levels;
     {
         py::gil_scoped_release const release;
-        report = Run(request, named, watcher);
+        report = levels ? Run_to_cliques(request, named, watcher, of_levels)
+                        : Run(request, named, watcher);
+    }
+    if (levels) {
+        (*levels)["first"] = Out(of_levels.first);
+        (*levels)["second"] = Out(of_levels.second);
+        (*levels)["weight"] = Out(of_levels.weight);
+        (*levels)["names"] = Out(of_levels.names);
+        (*levels)["name_offsets"] = Out(of_levels.name_offsets);
+        (*levels)["cliques"] = Out(of_levels.cliques.members);
+        (*levels)["clique_offsets"] = Out(of_levels.cliques.offsets);
+        (*levels)["before_merge"] = Out(of_levels.before_merge.members);
+        (*levels)["before_merge_offsets"] = Out(of_levels.before_merge.offsets);
+        (*levels)["n_exact"] = of_levels.n_exact;
+        (*levels)["nested"] = of_levels.nested;
+        (*levels)["largest"] = of_levels.largest;
+        (*levels)["com_flag"] = py::bytes(of_levels.com_flag);
+        (*levels)["header"] = py::bytes(of_levels.header);
     }
     py::list not_written;
     for (std::string const& path : report.not_written) {
         not_written.append(py::bytes(path));
     }
     return py::make_tuple(py::bytes(report.directory), not_written);
+}
+
+std::unique_ptr<Level_files> Make_level_files(py::dict const& levels,
+                                              std::optional<double> intensity,
+                                              std::string const& directory) {
+    auto const numbers = [&](char const* name) { return In<Number>(levels[name]); };
+    auto const integers = [&](char const* name) { return In<Integer>(levels[name]); };
+    auto const first = numbers("first");
+    auto const second = numbers("second");
+    auto const weight = In<double>(levels["weight"]);
+    auto const names = In<std::uint8_t>(levels["names"]);
+    auto const name_offsets = integers("name_offsets");
+    auto const cliques = numbers("cliques");
+    auto const clique_offsets = integers("clique_offsets");
+    auto const before_merge = numbers("before_merge");
+    auto const before_merge_offsets = integers("before_merge_offsets");
+    Level_source_view const source{View(first),
+                                   View(second),
+                                   View(weight),
+                                   View(names),
+                                   View(name_offsets),
+                                   View(cliques),
+                                   View(clique_offsets),
+                                   View(before_merge),
+                                   View(before_merge_offsets),
+                                   levels["n_exact"].cast<std::size_t>(),
+                                   levels["nested"].cast<bool>(),
+                                   levels["largest"].cast<Number>(),
+                                   levels["com_flag"].cast<std::string>(),
+                                   levels["header"].cast<std::string>(),
+                                   intensity};
+    py::gil_scoped_release const release;
+    return std::make_unique<Level_files>(source, directory);
+}
+
+py::list Write_level(Level_files& files, Number k) {
+    Python_watcher watcher{py::none()};
+    std::vector<std::string> not_written;
+    {
+        py::gil_scoped_release const release;
+        not_written = files.Write(k, watcher);
+    }
+    py::list paths;
+    for (std::string const& path : not_written) {
+        paths.append(py::bytes(path));
+    }
+    return paths;
 }
 
 py::tuple Read(std::string const& path, bool weighted) {
@@ -271,5 +339,9 @@ PYBIND11_MODULE(_engine, module) {
     module.def("run", &Whole_run, py::arg("input"), py::arg("output"), py::arg("k"),
                py::arg("directed"), py::arg("lower"), py::arg("upper"), py::arg("intensity"),
                py::arg("time_limit"), py::arg("digits"), py::arg("threads"), py::arg("log"),
-               py::arg("links"), py::arg("progress"));
+               py::arg("links"), py::arg("progress"), py::arg("levels") = py::none());
+    py::class_<Level_files>(module, "LevelFiles")
+        .def(py::init(&Make_level_files), py::arg("levels"), py::arg("intensity"),
+             py::arg("directory"))
+        .def("write", &Write_level, py::arg("k"));
 }
