@@ -85,6 +85,9 @@ struct Level_options {
     std::optional<double> intensity = std::nullopt;
     /// Whom to tell; null for nobody.
     Progress* progress = nullptr;
+    /// How many threads make levels for Next(), ahead of it; 0 for one a processor. The levels are
+    /// the same whatever the number. Each thread keeps its own index of the cliques.
+    unsigned threads = 1;
 };
 
 /// Walks the levels, from the largest clique down to 3, or gives any one of them. Going down one by
@@ -99,14 +102,21 @@ public:
     Levels& operator=(Levels&&) noexcept;
     ~Levels();
 
-    /// The next level, from the largest clique's size on; nothing after k = 3.
+    /// The next level, from the largest clique's size on; nothing after k = 3. With more threads
+    /// than one, they make the next few levels until these are asked for, and wait then; they end
+    /// with this object. After an error the next call tries the same level again.
+    /// Throws Error: too_large (2^32 k-cliques); Cancelled; std::system_error when the system has
+    /// no thread to give.
     std::optional<Level> Next();
-    /// The level at k, whatever came before. Does not change what Next() gives.
+    /// The level at k, whatever came before, on the calling thread. Does not change what Next()
+    /// gives.
     /// Throws Error: missing_link (k = 2 with an intensity, where k-cliques share a node),
     /// too_large (2^32 k-cliques); Cancelled.
     Level At(std::uint32_t k);
 
 private:
+    Level Next_made_ahead();
+
     std::unique_ptr<detail::Levels_data> data_;
 };
 

@@ -9,8 +9,9 @@
 
 namespace plexor {
 
-/// Called back from the thread that computes. What a function here throws ends the computation and
-/// arrives at its caller; to stop one, return true from Cancel().
+/// Called back from the thread that has called the library, also when other threads do the work.
+/// What a function here throws ends the computation and arrives at its caller; to stop one, return
+/// true from Cancel().
 class PLEXOR_API Progress {
 public:
     virtual ~Progress();

@@ -33,6 +33,10 @@ class Search:
     def cliques(self) -> tuple[_Numbers, _Ints]: ...
     def at(self, k: int) -> Level: ...
 
+class LevelsAhead:
+    def __init__(self, search: Search, ks: list[int], threads: int) -> None: ...
+    def next(self) -> Level: ...
+
 class Level:
     @property
     def n_exact(self) -> int: ...
@@ -70,8 +74,16 @@ def run(
     intensity: float | None,
     time_limit: float | None,
     digits: int,
+    threads: int,
     log: int,
     links: tuple[_Numbers, _Numbers, _Floats | None, list[bytes]] | None,
     progress: Callable[[int, int], None] | None,
     levels: Callable[[int, int], None] | None,
+    level_source: dict[str, Any] | None = None,
 ) -> tuple[bytes, list[bytes]]: ...
+
+class LevelFiles:
+    def __init__(
+        self, levels: dict[str, Any], intensity: float | None, directory: bytes
+    ) -> None: ...
+    def write(self, k: int) -> list[bytes]: ...

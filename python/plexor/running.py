@@ -9,11 +9,12 @@ from pathlib import Path
 from typing import Any
 
 from . import _engine
+from .clusters import write_levels
 from .errors import PlexorError
 from .network import Network, _encoded
 from .progress import Progress, Reporter
 from .results import Result, load
-from .search import Weights, _question
+from .search import Weights, _check_threads, _question
 
 __all__ = ["RunSummary", "run"]
 
@@ -42,6 +43,9 @@ def run(
     intensity: float | None = None,
     time_limit: float | None = None,
     digits: int = 6,
+    threads: int = 1,
+    client: Any = None,
+    shared: str | os.PathLike[str] | None = None,
     name: str | None = None,
     log: int | None = None,
     progress: Progress = False,
@@ -52,7 +56,14 @@ def run(
     then `name` is the path that the headers of the files show (else that of the file which the
     network was read from, or "network"). `output` is the directory; None for the name that the
     program would choose, which needs a file or a `name`. `digits` are those of thresholds in that
-    name. `log` is a file descriptor for what the program prints, None for nobody. The other
+    name. With several `threads` (0: one a processor) files of several k are written at a time.
+
+    With a `client` of Dask (distributed.Client) each k is a task for its workers, which must see the
+    output directory under the same absolute name, and so the folder `shared` (None: beside the output
+    directory), where the links and cliques lie meanwhile. Reading and the clique search are done here.
+    Results are the same. A worker that is lost leaves nothing half-written.
+
+    `log` is a file descriptor for what the program prints, None for nobody. The other
     parameters are those of find_communities.
 
     Raises ValueError for what does not go together, PlexorError with the program's text for what
@@ -63,6 +74,12 @@ def run(
         raise ValueError(f"k is one integer, not {k!r}")
     if not (isinstance(digits, int) and 0 <= digits < 1 << 32):
         raise ValueError(f"digits is an integer, not {digits!r}")
+    _check_threads(threads)
+    if client is not None and (threads != 1 or log is not None):
+        raise ValueError("client goes together neither with threads nor with log")
+    if shared is not None and client is None:
+        raise ValueError("shared is for runs with a client")
+    levels: dict[str, Any] | None = None if client is None else {}
     given: tuple[Any, ...] | None = None
     if isinstance(links, Network):
         question = _question(links, directed, weights, intensity, time_limit)
@@ -87,14 +104,20 @@ def run(
             question.intensity,
             question.time_limit,
             digits,
+            threads,
             -1 if log is None else log,
             given,  # type: ignore[arg-type]
             reporter.cliques(),
             reporter.levels(),
+            levels,
         )
-    return RunSummary(
-        Path(os.fsdecode(directory)), tuple(Path(os.fsdecode(file)) for file in not_written)
-    )
+        path_made = Path(os.fsdecode(directory))
+        missing = tuple(Path(os.fsdecode(file)) for file in not_written)
+        if levels is not None:
+            missing += write_levels(
+                levels, question.intensity, k, path_made, client, shared, reporter
+            )
+    return RunSummary(path_made, missing)
 
 
 def _named_links(network: Network, weighted: bool) -> tuple[Any, ...]:

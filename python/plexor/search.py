@@ -4,7 +4,7 @@
 from __future__ import annotations
 
 import math
-from collections.abc import Iterable, Iterator, Sequence
+from collections.abc import Callable, Iterable, Iterator, Sequence
 from functools import cached_property
 from typing import TYPE_CHECKING, Any, overload
 
@@ -96,6 +96,7 @@ def find_communities(
     weights: Weights | None = ...,
     intensity: float | None = ...,
     time_limit: float | None = ...,
+    threads: int = ...,
     progress: Progress = ...,
 ) -> Level: ...
 @overload
@@ -107,6 +108,7 @@ def find_communities(
     weights: Weights | None = ...,
     intensity: float | None = ...,
     time_limit: float | None = ...,
+    threads: int = ...,
     progress: Progress = ...,
 ) -> Result: ...
 def find_communities(
@@ -117,21 +119,24 @@ def find_communities(
     weights: Weights | None = None,
     intensity: float | None = None,
     time_limit: float | None = None,
+    threads: int = 1,
     progress: Progress = False,
 ) -> Level | Result:
     """The k-clique communities: a Level for one `k`, a Result for several, or for all (from the
     largest clique down to 3) without `k`. They have the order and the numbers of the program.
 
     `intensity` asks for communities of k-cliques whose link weights have a geometric mean above it.
-    The other parameters are those of find_cliques.
+    `threads` work on several `k` at the same time, each with an index of the cliques of its own; 0
+    is one a processor. The result is the same whatever their number. The other parameters are those of find_cliques.
 
     Raises ValueError for a question that cannot be asked (directed with an intensity, an intensity
     with a time limit, a time limit that is not positive, bounds of weights that leave nothing
     between them, a directed question of an undirected network, weights that are not there or not
-    finite, k below 2), PlexorError for what the engine refuses (intensities at k=2), and
+    finite, k below 2, threads below 0), PlexorError for what the engine refuses (intensities at k=2), and
     KeyboardInterrupt after Ctrl-C.
     """
     question = _question(network, directed, weights, intensity, time_limit)
+    _check_threads(threads)
     if k is None:
         ks = None
     elif isinstance(k, (int, np.integer)):
@@ -142,9 +147,10 @@ def find_communities(
         result, engine = _search(network, question, reporter)
         if ks is None:
             ks = list(range(engine.largest, 2, -1))
+        at = _level_maker(engine, ks, threads)
         for done, one in enumerate(ks):
             reporter("levels", done, len(ks))
-            result._add_level(one, _EngineLevel(engine.at(one), question.intensity is not None))
+            result._add_level(one, _EngineLevel(at(one), question.intensity is not None))
     return result[ks[0]] if isinstance(k, (int, np.integer)) else result
 
 
@@ -155,21 +161,44 @@ def levels(
     weights: Weights | None = None,
     intensity: float | None = None,
     time_limit: float | None = None,
+    threads: int = 1,
     progress: Progress = False,
 ) -> Iterator[Level]:
-    """The levels one by one, from the largest clique down to k=3, each found when it is asked for.
-    Parameters and errors are those of find_communities; the search begins with the first level."""
+    """The levels one by one, from the largest clique down to k=3, each found when it is asked for,
+    or with several `threads` a few of them ahead. Parameters and errors are those of
+    find_communities; the search begins with the first level."""
     question = _question(network, directed, weights, intensity, time_limit)
-    return _walk(network, question, progress)
+    _check_threads(threads)
+    return _walk(network, question, threads, progress)
 
 
-def _walk(network: Network, question: Parameters, progress: Progress) -> Iterator[Level]:
+def _walk(
+    network: Network, question: Parameters, threads: int, progress: Progress
+) -> Iterator[Level]:
     with Reporter(progress) as reporter:
         result, engine = _search(network, question, reporter)
-        ks = range(engine.largest, 2, -1)
+        ks = list(range(engine.largest, 2, -1))
+        at = _level_maker(engine, ks, threads)
         for done, k in enumerate(ks):
             reporter("levels", done, len(ks))
-            yield Level(k, result, _EngineLevel(engine.at(k), question.intensity is not None))
+            yield Level(k, result, _EngineLevel(at(k), question.intensity is not None))
+
+
+def _level_maker(
+    engine: _engine.Search, ks: list[int], threads: int
+) -> Callable[[int], _engine.Level]:
+    """What gives the level of each k, asked for these in their order, which is descending."""
+    if threads == 1 or len(ks) < 2:
+        return engine.at
+    ahead = _engine.LevelsAhead(engine, ks, threads)
+    return lambda _: ahead.next()
+
+
+def _check_threads(threads: Any) -> None:
+    if isinstance(threads, bool) or not isinstance(threads, (int, np.integer)):
+        raise ValueError(f"threads is an integer, not {threads!r}")
+    if not 0 <= threads <= 1024:
+        raise ValueError(f"threads is between 0 and 1024, not {threads}")
 
 
 def _checked_k(k: Any) -> int:

@@ -10,11 +10,18 @@
 #include "Coms_funcs/Percolation.h"
 #include "Plexor_io/Console.h"
 #include "Plexor_io/Console_progress.h"
+#include "Plexor_io/Find_coms.h"
 #include "Plexor_io/Link_file_errors.h"
+#include "Plexor_io/Name_labels.h"
 #include "Plexor_io/Out_dir.h"
 #include "Plexor_io/Read_links.h"
+#include "Plexor_io/Result_place.h"
 #include "Plexor_io/Run.h"
+#include "Plexor_io/Text_sink.h"
 #include "graph/Link_order.h"
+#include "parallel/Parallel_percolation.h"
+#include "parallel/Pipeline.h"
+#include "parallel/Thread_count.h"
 #include "support/Errors.h"
 #include "support/Progress.h"
 #include "support/Version.h"
@@ -118,7 +125,8 @@ struct Search_data {
     cpm::Edge_numbering edges;
     std::vector<Number> smaller_ends; ///< by number of edge
     std::vector<bool> reversed;       ///< likewise: only the link from the larger node is there
-    std::unique_ptr<cpm::Percolation> percolation; ///< none with an intensity
+    std::shared_ptr<cpm::Ranked_cliques const> ranked; ///< none with an intensity
+    std::unique_ptr<cpm::Percolation> percolation;     ///< likewise; made with the first level
     bool ready = false;
 
     cpm::Node N_nodes() const { return static_cast<cpm::Node>(nodes.size()); }
@@ -179,7 +187,7 @@ void Search_data::Prepare_levels() {
     edges = cpm::Edge_numbering(links, N_nodes(), found.cliques, found.n_exact);
     Number_edges();
     if (!question.intensity) {
-        percolation = std::make_unique<cpm::Percolation>(found, N_nodes(), edges);
+        ranked = std::make_shared<cpm::Ranked_cliques>(found.cliques, N_nodes());
     }
     ready = true;
 }
@@ -246,35 +254,121 @@ Number Search::Largest() const {
     return Max_clique_size_in_cl_vec(data_->found.cliques);
 }
 
+namespace {
+
+void Take(cpm::Communities& coms, Level_data& level) {
+    level.nodes = Shifted(coms.nodes, 1);
+    level.n_exact = coms.n_exact;
+    level.links = coms.links;
+}
+
+void Find_by_intensity(Search_data const& search, Number k, Level_data& level,
+                       cpm::Progress& progress) {
+    double const intensity = *search.question.intensity;
+    cpm::K_clique_list k_cliques;
+    Generate_k_cls_from_cls(search.found.cliques, search.links, k_cliques, k, intensity, progress);
+    level.k_cliques = From_k_cliques(k_cliques);
+    cpm::Communities coms;
+    Intensity_coms_from_k_cliques(std::move(k_cliques), coms, search.links, intensity, progress);
+    Take(coms, level);
+}
+
+} // namespace
+
 Level Search::At(Number k, Watcher& watcher) const {
     std::lock_guard const lock(data_->mutex);
     watcher.Tick();
     auto level = std::make_shared<Level_data>();
     level->search = data_;
-    cpm::Communities coms;
     try {
         data_->Prepare_levels();
         watcher.Tick();
         Told progress(watcher);
-        if (auto const intensity = data_->question.intensity) {
-            cpm::K_clique_list k_cliques;
-            Generate_k_cls_from_cls(data_->found.cliques, data_->links, k_cliques, k, *intensity,
-                                    progress);
-            level->k_cliques = From_k_cliques(k_cliques);
-            Intensity_coms_from_k_cliques(std::move(k_cliques), coms, data_->links, *intensity,
-                                          progress);
+        if (data_->question.intensity) {
+            Find_by_intensity(*data_, k, *level, progress);
         } else {
+            if (!data_->percolation) {
+                data_->percolation =
+                    std::make_unique<cpm::Percolation>(data_->found, data_->ranked, data_->edges);
+            }
+            cpm::Communities coms;
             data_->percolation->Coms_from_appr_ovlp_matr(coms, k, &progress);
             level->cliques = Shifted(coms.cliques, 0);
+            Take(coms, *level);
         }
     } catch (cpm::Xerror_msg const& error) {
         Throw(error);
     }
     watcher.Tick();
-    level->nodes = Shifted(coms.nodes, 1);
-    level->n_exact = coms.n_exact;
-    level->links = coms.links;
     return Level(std::move(level));
+}
+
+struct Levels_ahead::Data : public cpm::Piece_work {
+    Data(std::shared_ptr<Search_data const> of, std::vector<Number> wanted, unsigned n_threads)
+        : search(std::move(of)), ks(std::move(wanted)), levels(ks.size()) {
+        if (!search->question.intensity) {
+            percolation.emplace(search->found, *search->ranked, search->edges, ks, n_threads);
+        }
+        // A level that waits holds its communities, one under way the lists of its thread.
+        pipeline.emplace(*this, ks.size(), n_threads, std::size_t{2} * n_threads);
+    }
+
+    void Prepare(std::size_t place, unsigned thread, cpm::Progress& progress) override {
+        if (percolation) {
+            percolation->Walk(place, thread, progress);
+        } else {
+            Begin(place);
+            Find_by_intensity(*search, ks[place], *levels[place], progress);
+        }
+    }
+    void Join(std::size_t place, unsigned, cpm::Progress& progress) override {
+        if (percolation) {
+            percolation->Join(place, progress);
+        }
+    }
+    void Finish(std::size_t place, unsigned, cpm::Progress&) override {
+        if (percolation) {
+            Begin(place);
+            cpm::Communities coms = percolation->Take(place);
+            levels[place]->cliques = Shifted(coms.cliques, 0);
+            Take(coms, *levels[place]);
+        }
+    }
+    void Begin(std::size_t place) {
+        levels[place] = std::make_shared<Level_data>();
+        levels[place]->search = search;
+    }
+
+    std::shared_ptr<Search_data const> search;
+    std::vector<Number> ks;
+    std::optional<cpm::Parallel_percolation> percolation; ///< none with an intensity
+    std::vector<std::shared_ptr<Level_data>> levels;      ///< by place
+    std::size_t next = 0;
+    std::optional<cpm::Pipeline> pipeline; ///< ended first
+};
+
+Levels_ahead::Levels_ahead(Search const& search, std::vector<Number> ks, unsigned n_threads,
+                           Watcher& watcher) {
+    std::lock_guard const lock(search.data_->mutex);
+    watcher.Tick();
+    try {
+        search.data_->Prepare_levels();
+    } catch (cpm::Xerror_msg const& error) {
+        Throw(error);
+    }
+    data_ = std::make_unique<Data>(search.data_, std::move(ks), cpm::Thread_count(n_threads));
+}
+
+Levels_ahead::~Levels_ahead() = default;
+
+Level Levels_ahead::Next(Watcher& watcher) {
+    Told progress(watcher);
+    try {
+        data_->pipeline->Next(progress);
+    } catch (cpm::Xerror_msg const& error) {
+        Throw(error);
+    }
+    return Level(std::move(data_->levels[data_->next++]));
 }
 
 Lists const& Level::Nodes() const {
@@ -606,13 +700,16 @@ cpm::Run_settings Settings_of(Run_request const& request) {
     settings.time_limit = question.time_limit.value_or(0);
     settings.k_given = request.k.has_value();
     settings.k = request.k.value_or(0);
+    settings.n_threads = request.n_threads;
     return settings;
 }
 
 } // namespace
 
-Run_report Run(Run_request const& request, std::optional<Named_links> const& links,
-               Watcher& watcher) {
+namespace {
+
+Run_report Run_with(Run_request const& request, std::optional<Named_links> const& links,
+                    Watcher& watcher, cpm::Community_stage const& communities) {
     Question const& question = request.question;
     cpm::Run_settings const settings = Settings_of(request);
     cpm::Input_request input;
@@ -625,7 +722,7 @@ Run_report Run(Run_request const& request, std::optional<Named_links> const& lin
     Told_and_printed progress(console, watcher, settings.k_given);
     cpm::Run_outcome outcome =
         cpm::Run(settings, input, links ? Links_of(*links, question) : Links_of_file(input),
-                 progress, console);
+                 progress, console, communities);
     console.Flush();
     progress.Rethrow();
     using Kind = cpm::Run_outcome::Kind;
@@ -637,6 +734,133 @@ Run_report Run(Run_request const& request, std::optional<Named_links> const& lin
     }
     return {Output_dir_name(input.input_file, input.weights, input.digits, input.out_dir, settings),
             std::move(outcome.not_written)};
+}
+
+// Copies what the levels are made from.
+void Keep(cpm::Coms_input const& input, cpm::Run_files const& files, Level_source& source) {
+    std::vector<Number> first;
+    std::vector<Number> second;
+    for (cpm::Node_pair const& link : input.links.pairs) {
+        first.push_back(link.first);
+        second.push_back(link.second);
+    }
+    source.first = Array(std::move(first));
+    source.second = Array(std::move(second));
+    auto const& weights = input.links.weights;
+    source.weight = Array(std::vector<double>(weights.begin(), weights.end()));
+    cpm::Text names;
+    std::vector<Integer> name_offsets{0};
+    for (cpm::Node node = 1; node <= input.n_nodes; ++node) {
+        input.labels.Put(node, names);
+        name_offsets.push_back(static_cast<Integer>(names.View().size()));
+    }
+    source.names = Array(std::vector<std::uint8_t>(names.View().begin(), names.View().end()));
+    source.name_offsets = Array(std::move(name_offsets));
+    source.cliques = Shifted(input.found.cliques, 0);
+    if (input.found.before_merge) {
+        source.before_merge = Shifted(*input.found.before_merge, 0);
+    }
+    source.n_exact = input.found.n_exact;
+    source.nested = input.found.nested;
+    source.largest = input.largest_clique;
+    source.com_flag = files.com_flag;
+    source.header = files.alap_szoveg;
+}
+
+cpm::Set_list Listed(std::span<Number const> members, std::span<Integer const> offsets) {
+    cpm::Set_list lists;
+    for (std::size_t i = 0; i + 1 < offsets.size(); ++i) {
+        lists.Add(members.subspan(static_cast<std::size_t>(offsets[i]),
+                                  static_cast<std::size_t>(offsets[i + 1] - offsets[i])));
+    }
+    return lists;
+}
+
+cpm::Names_map Names_of(Level_source_view const& source) {
+    cpm::Names_map names;
+    names.Add(""); // index 0 is no node
+    for (std::size_t i = 0; i + 1 < source.name_offsets.size(); ++i) {
+        std::string name;
+        for (Integer at = source.name_offsets[i]; at + 1 < source.name_offsets[i + 1]; ++at) {
+            name.push_back(static_cast<char>(source.names[static_cast<std::size_t>(at)]));
+        }
+        names.Add(name);
+    }
+    return names;
+}
+
+} // namespace
+
+Run_report Run(Run_request const& request, std::optional<Named_links> const& links,
+               Watcher& watcher) {
+    return Run_with(request, links, watcher, cpm::Find_communities);
+}
+
+Run_report Run_to_cliques(Run_request const& request, std::optional<Named_links> const& links,
+                          Watcher& watcher, Level_source& source) {
+    return Run_with(request, links, watcher,
+                    [&source](cpm::Coms_input input, cpm::Run_files& files, cpm::Progress&) {
+                        Keep(input, files, source);
+                    });
+}
+
+// Nobody reads what is printed.
+struct Level_files::Data {
+    Data(Level_source_view const& source, std::string const& directory)
+        : labels(Names_of(source)),
+          place(directory), files{place, source.com_flag, source.header, console} {
+        found.cliques = Listed(source.cliques, source.clique_offsets);
+        found.n_exact = source.n_exact;
+        found.nested = source.nested;
+        if (!source.before_merge_offsets.empty()) {
+            found.before_merge = Listed(source.before_merge, source.before_merge_offsets);
+        }
+        settings.intensity = source.intensity.has_value();
+        settings.intensity_threshold = source.intensity.value_or(0);
+        cpm::Index_links links;
+        for (std::size_t i = 0; i < source.first.size(); ++i) {
+            links.pairs.push_back({source.first[i], source.second[i]});
+        }
+        links.weights.Append(source.weight);
+        auto const n_nodes = static_cast<cpm::Node>(source.name_offsets.size() - 1);
+        finder.emplace(
+            cpm::Coms_input{found, std::move(links), labels, n_nodes, source.largest, settings},
+            files, progress);
+    }
+
+    cpm::Found_cliques found;
+    cpm::Name_labels labels;
+    cpm::Run_settings settings;
+    cpm::Console console{-1};
+    cpm::Result_place place;
+    cpm::Run_files files;
+    // The progress of the level under way.
+    struct Handed_on : public cpm::Progress {
+        Watcher* to = nullptr;
+        void Tick() override { to->Tick(); }
+    } progress;
+    std::optional<cpm::Coms_finder> finder;
+};
+
+Level_files::Level_files(Level_source_view const& source, std::string const& directory) {
+    try {
+        data_ = std::make_unique<Data>(source, directory);
+    } catch (cpm::Xerror_msg const& error) {
+        Throw(error);
+    }
+}
+
+Level_files::~Level_files() = default;
+
+std::vector<std::string> Level_files::Write(Number k, Watcher& watcher) {
+    data_->progress.to = &watcher;
+    data_->files.not_written.clear();
+    try {
+        data_->finder->Find_coms(k);
+    } catch (cpm::Xerror_msg const& error) {
+        Throw(error);
+    }
+    return data_->files.not_written;
 }
 
 std::string_view Version() {

@@ -142,6 +142,7 @@ public:
 
 private:
     friend class Search;
+    friend class Levels_ahead;
     explicit Level(std::shared_ptr<Level_data const> data) : data_(std::move(data)) {}
 
     std::shared_ptr<Level_data const> data_;
@@ -167,7 +168,28 @@ public:
     Level At(Number k, Watcher& watcher) const;
 
 private:
+    friend class Levels_ahead;
+
     std::shared_ptr<Search_data> data_;
+};
+
+/// The levels of several k of a search, made by threads of their own, the next few of them before
+/// they are asked for. The same levels as Search::At() gives.
+class Levels_ahead {
+public:
+    /// The k are descending, each 2 or more. 0 threads are as many as there are processors.
+    Levels_ahead(Search const& search, std::vector<Number> ks, unsigned n_threads,
+                 Watcher& watcher);
+    /// Gives up what has not been asked for.
+    ~Levels_ahead();
+    /// The level of the next k. The watcher is called on this thread. After an error there are no
+    /// more levels.
+    Level Next(Watcher& watcher);
+
+private:
+    struct Data;
+
+    std::unique_ptr<Data> data_;
 };
 
 /// The links that are in no triangle, as positions into `links`, ascending: with links that are in
@@ -202,7 +224,8 @@ struct Run_request {
     std::optional<std::string> output; ///< as after -o
     std::optional<Number> k;
     unsigned digits = 6;
-    int log = -1; ///< the descriptor that gets what the program prints; -1: nobody does
+    unsigned n_threads = 1; ///< 0: one a processor
+    int log = -1;           ///< the descriptor that gets what the program prints; -1: nobody does
 };
 /// Links in place of a link file, with the names of their nodes, ascending byte by byte.
 struct Named_links {
@@ -216,6 +239,58 @@ struct Run_report {
 /// Throws Engine_error with the program's text for what ends the run.
 Run_report Run(Run_request const& request, std::optional<Named_links> const& links,
                Watcher& watcher);
+
+/// What the levels of a run are made from, for processes that make some of them each. Links are by
+/// the numbers of the nodes in the run, from 1 on, and names each end with a blank.
+struct Level_source {
+    Array<Number> first;
+    Array<Number> second;
+    Array<double> weight; ///< empty when all are 0
+    Array<std::uint8_t> names;
+    Array<Integer> name_offsets;
+    Lists cliques;
+    Lists before_merge; ///< no offsets when there is none
+    std::size_t n_exact = 0;
+    bool nested = false;
+    Number largest = 0;
+    std::string com_flag;
+    std::string header;
+};
+struct Level_source_view {
+    std::span<Number const> first;
+    std::span<Number const> second;
+    std::span<double const> weight;
+    std::span<std::uint8_t const> names;
+    std::span<Integer const> name_offsets;
+    std::span<Number const> cliques;
+    std::span<Integer const> clique_offsets;
+    std::span<Number const> before_merge;
+    std::span<Integer const> before_merge_offsets;
+    std::size_t n_exact = 0;
+    bool nested = false;
+    Number largest = 0;
+    std::string com_flag;
+    std::string header;
+    std::optional<double> intensity;
+};
+/// A run up to its clique file. Throws as Run() does.
+Run_report Run_to_cliques(Run_request const& request, std::optional<Named_links> const& links,
+                          Watcher& watcher, Level_source& source);
+
+/// Writes the files of one k after the other, best from large to small, each k into a folder of its
+/// own below the directory, which must be empty at first.
+class Level_files {
+public:
+    Level_files(Level_source_view const& source, std::string const& directory);
+    ~Level_files();
+    /// Gives the files that could not be written whole. Throws Engine_error.
+    std::vector<std::string> Write(Number k, Watcher& watcher);
+
+private:
+    struct Data;
+
+    std::unique_ptr<Data> data_;
+};
 
 /// The version of Plexor.
 std::string_view Version();

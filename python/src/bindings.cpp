@@ -138,6 +138,19 @@ Level At(Search const& search, Number k) {
     return search.At(k, watcher);
 }
 
+std::unique_ptr<Levels_ahead> Ahead(Search const& search, std::vector<Number> ks,
+                                    unsigned threads) {
+    Python_watcher watcher{py::none()};
+    py::gil_scoped_release const release;
+    return std::make_unique<Levels_ahead>(search, std::move(ks), threads, watcher);
+}
+
+Level Next(Levels_ahead& levels) {
+    Python_watcher watcher{py::none()};
+    py::gil_scoped_release const release;
+    return levels.Next(watcher);
+}
+
 py::tuple Links_of(Level const& level) {
     Python_watcher watcher{py::none()};
     Level_links links;
@@ -174,14 +187,17 @@ py::dict Count(Level const& level, std::string const& part) {
     return out;
 }
 
-// The links are (source, target, weight or None, names as bytes), or None for the link file.
+// Of a run from its links to its last file, or to its cliques: then `source` gets what the levels
+// are made from. The links are (source, target, weight or None, names as bytes), or None for the
+// link file.
 py::tuple Whole_run(std::string const& input, std::optional<std::string> const& output,
                     std::optional<Number> k, bool directed, std::optional<double> lower,
                     std::optional<double> upper, std::optional<double> intensity,
-                    std::optional<double> time_limit, unsigned digits, int log,
-                    std::optional<py::tuple> const& links, py::object progress, py::object levels) {
+                    std::optional<double> time_limit, unsigned digits, unsigned threads, int log,
+                    std::optional<py::tuple> const& links, py::object progress, py::object levels,
+                    std::optional<py::dict> level_source) {
     Run_request const request{
-        {directed, lower, upper, intensity, time_limit}, input, output, k, digits, log};
+        {directed, lower, upper, intensity, time_limit}, input, output, k, digits, threads, log};
     In<Number> source;
     In<Number> target;
     In<double> weight;
@@ -198,15 +214,80 @@ py::tuple Whole_run(std::string const& input, std::optional<std::string> const& 
     }
     Python_watcher watcher(std::move(progress), std::move(levels));
     Run_report report;
+    Level_source of_levels;
     {
         py::gil_scoped_release const release;
-        report = Run(request, named, watcher);
+        report = level_source ? Run_to_cliques(request, named, watcher, of_levels)
+                        : Run(request, named, watcher);
+    }
+    if (level_source) {
+        (*level_source)["first"] = Out(of_levels.first);
+        (*level_source)["second"] = Out(of_levels.second);
+        (*level_source)["weight"] = Out(of_levels.weight);
+        (*level_source)["names"] = Out(of_levels.names);
+        (*level_source)["name_offsets"] = Out(of_levels.name_offsets);
+        (*level_source)["cliques"] = Out(of_levels.cliques.members);
+        (*level_source)["clique_offsets"] = Out(of_levels.cliques.offsets);
+        (*level_source)["before_merge"] = Out(of_levels.before_merge.members);
+        (*level_source)["before_merge_offsets"] = Out(of_levels.before_merge.offsets);
+        (*level_source)["n_exact"] = of_levels.n_exact;
+        (*level_source)["nested"] = of_levels.nested;
+        (*level_source)["largest"] = of_levels.largest;
+        (*level_source)["com_flag"] = py::bytes(of_levels.com_flag);
+        (*level_source)["header"] = py::bytes(of_levels.header);
     }
     py::list not_written;
     for (std::string const& path : report.not_written) {
         not_written.append(py::bytes(path));
     }
     return py::make_tuple(py::bytes(report.directory), not_written);
+}
+
+std::unique_ptr<Level_files> Make_level_files(py::dict const& levels,
+                                              std::optional<double> intensity,
+                                              std::string const& directory) {
+    auto const numbers = [&](char const* name) { return In<Number>(levels[name]); };
+    auto const integers = [&](char const* name) { return In<Integer>(levels[name]); };
+    auto const first = numbers("first");
+    auto const second = numbers("second");
+    auto const weight = In<double>(levels["weight"]);
+    auto const names = In<std::uint8_t>(levels["names"]);
+    auto const name_offsets = integers("name_offsets");
+    auto const cliques = numbers("cliques");
+    auto const clique_offsets = integers("clique_offsets");
+    auto const before_merge = numbers("before_merge");
+    auto const before_merge_offsets = integers("before_merge_offsets");
+    Level_source_view const source{View(first),
+                                   View(second),
+                                   View(weight),
+                                   View(names),
+                                   View(name_offsets),
+                                   View(cliques),
+                                   View(clique_offsets),
+                                   View(before_merge),
+                                   View(before_merge_offsets),
+                                   levels["n_exact"].cast<std::size_t>(),
+                                   levels["nested"].cast<bool>(),
+                                   levels["largest"].cast<Number>(),
+                                   levels["com_flag"].cast<std::string>(),
+                                   levels["header"].cast<std::string>(),
+                                   intensity};
+    py::gil_scoped_release const release;
+    return std::make_unique<Level_files>(source, directory);
+}
+
+py::list Write_level(Level_files& files, Number k) {
+    Python_watcher watcher{py::none()};
+    std::vector<std::string> not_written;
+    {
+        py::gil_scoped_release const release;
+        not_written = files.Write(k, watcher);
+    }
+    py::list paths;
+    for (std::string const& path : not_written) {
+        paths.append(py::bytes(path));
+    }
+    return paths;
 }
 
 py::tuple Read(std::string const& path, bool weighted) {
@@ -250,6 +331,9 @@ PYBIND11_MODULE(_engine, module) {
         .def_property_readonly("n_exact_cliques", &Search::N_exact_cliques)
         .def_property_readonly("largest", &Search::Largest)
         .def("at", &At, py::arg("k"));
+    py::class_<Levels_ahead>(module, "LevelsAhead")
+        .def(py::init(&Ahead), py::arg("search"), py::arg("ks"), py::arg("threads"))
+        .def("next", &Next);
     py::class_<Level>(module, "Level")
         .def_property_readonly("n_exact", &Level::N_exact)
         .def("nodes", [](Level const& level) { return Out(level.Nodes()); })
@@ -275,6 +359,11 @@ PYBIND11_MODULE(_engine, module) {
     plexor_formats::Register_edge_list_reader(module);
     module.def("run", &Whole_run, py::arg("input"), py::arg("output"), py::arg("k"),
                py::arg("directed"), py::arg("lower"), py::arg("upper"), py::arg("intensity"),
-               py::arg("time_limit"), py::arg("digits"), py::arg("log"), py::arg("links"),
-               py::arg("progress"), py::arg("levels"));
+               py::arg("time_limit"), py::arg("digits"), py::arg("threads"), py::arg("log"),
+               py::arg("links"), py::arg("progress"), py::arg("levels"),
+               py::arg("level_source") = py::none());
+    py::class_<Level_files>(module, "LevelFiles")
+        .def(py::init(&Make_level_files), py::arg("levels"), py::arg("intensity"),
+             py::arg("directory"))
+        .def("write", &Write_level, py::arg("k"));
 }

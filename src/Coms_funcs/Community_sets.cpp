@@ -10,7 +10,6 @@
 #include "support/Bits.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cassert>
 
 namespace cpm {
@@ -54,7 +53,9 @@ void Community_sets::Start_level(bool nested) {
     }
     old_level_ = std::exchange(level_, std::make_shared<Level_sets>());
     old_is_shared_ = old_level_.use_count() > 1;
-    std::atomic_thread_fence(std::memory_order_acquire); // others have let go of it for good
+    // Letting go of one reference more comes after all that others did before they let go of
+    // theirs: what they read is not written before they have read it.
+    std::shared_ptr<Level_sets>(old_level_).reset();
     merged_into_.clear();
     merged_into_.Resize(old_level_->communities.size(), none);
 }

@@ -1,232 +1,37 @@
 // SPDX-License-Identifier: MIT
 // Takes    the clique list; then one k after the other, best from large to small.
 // Leaves   the communities at k with their nodes, links and cliques.
-// Order    everything: see Coms_from_appr_ovlp_matr() and Grow_community().
-// Cost     per level: each clique of the level visited and followed once, see Adjacent_cliques.
+// Order    everything: see Percolation_walk and Community_lister.
+// Cost     the sum of these two.
 // Tested   Percolation_test.cpp (against a stored matrix), the runs against the plain model.
 #include "Coms_funcs/Percolation.h"
 
-#include "Coms_funcs/Adjacent_cliques.h"
-#include "Coms_funcs/Premerge_overlaps.h"
-
-#include <algorithm>
-#include <cassert>
 #include <utility>
 
 namespace cpm {
-
-namespace {
-
-using Percolation_sub::Adjacency;
-
-class By_overlap : public Adjacency {
-public:
-    By_overlap(Ranked_cliques const& cliques, bool nested) : cliques_(cliques), nested_(nested) {}
-
-    bool Levels_nest() const override { return true; }
-    // Deliberate: at k = 1 cliques without a common node are still not adjacent. A clique of k-1
-    // nodes can only be adjacent to one that holds all of it.
-    void Start_level(std::uint32_t k) override {
-        std::uint32_t const min_shared = std::max(k - 1, 1U);
-        cliques_.Start_level(min_shared, nested_ ? min_shared : k);
-    }
-    std::size_t Next_unvisited(std::size_t from) const override {
-        return cliques_.Next_unvisited(from);
-    }
-    void Visit_first(Clique_number first, Flat_array<Adjacent_clique>& members) override {
-        cliques_.Visit_adjacent({first, all_new}, members);
-    }
-    void Visit_adjacent(Adjacent_clique const& from,
-                        Flat_array<Adjacent_clique>& members) override {
-        cliques_.Visit_adjacent(from, members);
-    }
-
-private:
-    Adjacent_cliques cliques_;
-    bool nested_;
-};
-
-// Of two cliques that once stood elsewhere nothing is known but how many nodes they shared: what
-// one brings in is taken as all new.
-class By_premerge_overlap : public Adjacency {
-public:
-    By_premerge_overlap(Found_cliques const& found, Node n_nodes)
-        : overlaps_(*found.before_merge, found.cliques, found.n_exact, n_nodes),
-          visited_(found.cliques.size()) {}
-
-    bool Levels_nest() const override { return false; }
-    void Start_level(std::uint32_t k) override {
-        k_ = k;
-        std::fill(visited_.begin(), visited_.end(), false);
-    }
-    std::size_t Next_unvisited(std::size_t from) const override {
-        while (from < visited_.size() && visited_[from]) {
-            ++from;
-        }
-        return from;
-    }
-    // Deliberate: a community starts with all of a row, those that another community has included,
-    // and only if one of the entries is k or more.
-    void Visit_first(Clique_number first, Flat_array<Adjacent_clique>& members) override {
-        overlaps_.Row(first, k_ - 1, row_);
-        if (std::ranges::any_of(row_, [&](Clique_overlap const& e) { return e.shared >= k_; })) {
-            for (Clique_overlap const& entry : row_) {
-                Visit(entry.clique, members);
-            }
-        }
-    }
-    void Visit_adjacent(Adjacent_clique const& from,
-                        Flat_array<Adjacent_clique>& members) override {
-        overlaps_.Row(from.clique, k_ - 1, row_);
-        for (Clique_overlap const& entry : row_) {
-            if (!visited_[entry.clique]) {
-                Visit(entry.clique, members);
-            }
-        }
-    }
-
-private:
-    void Visit(Clique_number clique, Flat_array<Adjacent_clique>& members) {
-        visited_[clique] = true;
-        members.push_back({clique, all_new});
-    }
-
-    Premerge_overlaps overlaps_;
-    std::uint32_t k_ = 0;
-    std::vector<bool> visited_;
-    std::vector<Clique_overlap> row_;
-};
-
-std::unique_ptr<Adjacency> Make_adjacency(Found_cliques const& found,
-                                          Ranked_cliques const& cliques) {
-    if (found.before_merge) {
-        return std::make_unique<By_premerge_overlap>(found, cliques.Number_of_nodes());
-    }
-    return std::make_unique<By_overlap>(cliques, found.nested);
-}
-
-} // namespace
 
 Percolation::Percolation(Found_cliques const& found, Node n_nodes, Edge_numbering const& edges)
     : Percolation(found, std::make_shared<Ranked_cliques>(found.cliques, n_nodes), edges) {}
 
 Percolation::Percolation(Found_cliques const& found, std::shared_ptr<Ranked_cliques const> cliques,
                          Edge_numbering const& edges)
-    : cliques_(std::move(cliques)), n_exact_(found.n_exact),
-      adjacency_(Make_adjacency(found, *cliques_)), sets_(*cliques_, edges) {
-    assert(&cliques_->Cliques() == &found.cliques && n_exact_ <= cliques_->size());
-}
+    : cliques_(std::move(cliques)), walk_(found, *cliques_),
+      lister_(*cliques_, found.n_exact, edges, Levels_nest(found)) {}
 
-// Invariant: cliques of one community at a larger k are in one community at this k.
-// Relies on: cliques adjacent at k + 1 share k nodes, so they are adjacent at k; and a clique large
-//            enough for k + 1 is large enough for k. Overlaps from before a merge are the same at
-//            each k, but their communities can have cliques in common, so that nothing nests.
-// Buys:      sets of nodes and links are carried from level to level; only what new cliques bring
-//            is added, and the lists of Adjacent_cliques only grow.
-// Breaks if: a level is started at the same or a larger k without giving up what was carried.
-// Pinned by: Percolation_test (levels in any order), Find_coms_test (one k after the other gives
-//            what each gives alone).
 void Percolation::Coms_from_appr_ovlp_matr(Communities& coms, std::uint32_t k, Progress* progress) {
-    constexpr std::uint32_t cliques_a_tick = 2048;
-    Pace pace(progress, cliques_a_tick);
-    coms.links.reset(); // so that what nobody else keeps is carried on without a copy
     std::swap(com_cliques_, coms.cliques);
     com_cliques_.clear();
-    sets_.Start_level(k < last_k_ && adjacency_->Levels_nest());
-    last_k_ = 0; // until this level is whole
-    // Deliberate: at k = 0 the least overlap k - 1 is the largest number there is, so nothing is
-    // found.
-    if (k > 0) {
-        Set_list const& cliques = cliques_->Cliques();
-        adjacency_->Start_level(k);
-        for (std::size_t c = adjacency_->Next_unvisited(0); c < cliques.size();
-             c = adjacency_->Next_unvisited(c + 1)) {
-            if (cliques[c].size() >= k && Grow_community(static_cast<Clique_number>(c), pace)) {
-                com_cliques_.Close_list();
-            }
-        }
-    }
-    last_k_ = k;
-    List(coms);
+    lister_.Start_level(k, coms);
+    walk_.Walk(k, *this, progress);
+    lister_.List(com_cliques_, coms);
 }
 
-// Grows the community of an unvisited clique of k nodes or more; false when it begins none.
-//
-// Invariant: the cliques join in the order of the recursive walk: all that a clique brings in,
-//            ascending, before the first of these is followed, which is followed to the end first.
-// Relies on: what a clique brings in is pushed in descending order, so that the smallest is on top
-//            of the stack and all that comes of it is finished before the next one shows.
-// Buys:      no recursion: a chain of cliques can be as long as the list.
-// Breaks if: a clique is visited when it is followed and not when it is brought in.
-// Pinned by: Percolation_test (against recursion; a chain of 300,000 cliques).
-bool Percolation::Grow_community(Clique_number first, Pace& pace) {
-    members_.clear();
-    to_follow_.clear();
-    adjacency_->Visit_first(first, members_);
-    if (members_.empty()) {
-        return false;
+void Percolation::Take(std::span<Adjacent_clique const> members) {
+    for (Adjacent_clique const& member : members) {
+        com_cliques_.Append(member.clique);
     }
-    Join(0);
-    while (!to_follow_.empty()) {
-        pace.Spend(1);
-        Adjacent_clique const next = members_[to_follow_.back()];
-        to_follow_.pop_back();
-        if (std::size_t const left = to_follow_.size(); left > 3) {
-            cliques_->Prefetch_header(members_[to_follow_[left - 4]].clique);
-            cliques_->Prefetch_nodes(members_[to_follow_[left - 2]].clique);
-        }
-        std::size_t const first_new = members_.size();
-        adjacency_->Visit_adjacent(next, members_);
-        Join(first_new);
-    }
-    if (adjacency_->Levels_nest()) {
-        // The first clique is adjacent to itself and was visited with nothing new; the community's
-        // nodes and links begin with all of it.
-        std::ranges::find(members_, first, &Adjacent_clique::clique)->new_nodes = all_new;
-    } else {
-        sets_.Forget(members_);
-    }
-    sets_.Add_community(members_);
-    return true;
-}
-
-// The cliques visited last join the community in ascending order and will be followed in it.
-void Percolation::Join(std::size_t first_new) {
-    for (std::size_t place = first_new; place < members_.size(); ++place) {
-        com_cliques_.Append(members_[place].clique);
-    }
-    for (std::size_t place = members_.size(); place > first_new; --place) {
-        to_follow_.push_back(static_cast<std::uint32_t>(place - 1));
-    }
-}
-
-// Puts the communities into their order, exact ones first, and hands them over.
-void Percolation::List(Communities& coms) {
-    auto const is_exact = [&](std::uint32_t found) {
-        return std::ranges::all_of(com_cliques_[found],
-                                   [&](Clique_number c) { return c < n_exact_; });
-    };
-    std::vector<std::uint32_t> order(com_cliques_.size()); // place in the output -> place as found
-    for (std::size_t i = 0; i < order.size(); ++i) {
-        order[i] = static_cast<std::uint32_t>(i);
-    }
-    auto const first_approximated =
-        n_exact_ >= cliques_->size() ? order.end()
-                                     : std::stable_partition(order.begin(), order.end(), is_exact);
-    coms.n_exact = static_cast<std::uint32_t>(first_approximated - order.begin());
-    coms.nodes.clear();
-    for (std::uint32_t const found : order) {
-        coms.nodes.Add(sets_.Nodes(found));
-    }
-    if (coms.n_exact == order.size()) {
-        std::swap(coms.cliques, com_cliques_);
-    } else {
-        coms.cliques.clear();
-        for (std::uint32_t const found : order) {
-            coms.cliques.Add(com_cliques_[found]);
-        }
-    }
-    coms.links = sets_.Links(std::move(order));
+    com_cliques_.Close_list();
+    lister_.Add_sets(members);
 }
 
 } // namespace cpm

@@ -5,42 +5,19 @@
 #define PLEXOR_PERCOLATION_H
 
 #include "Clique_find/Find_cliques.h"
-#include "Coms_funcs/Community_sets.h"
+#include "Coms_funcs/Community_lister.h"
 #include "Coms_funcs/Edge_numbering.h"
+#include "Coms_funcs/Percolation_walk.h"
 #include "Coms_funcs/Ranked_cliques.h"
 #include "graph/Types.h"
-#include "support/Pace.h"
 #include "support/Progress.h"
 
 #include <memory>
-#include <vector>
+#include <span>
 
 namespace cpm {
 
-namespace Percolation_sub {
-
-/// How a level gets from clique to clique: by the overlaps of the cliques as they are, or by those
-/// from before a merge.
-class Adjacency {
-public:
-    virtual ~Adjacency() = default;
-    /// Whether each community lies inside one community of the next smaller k.
-    virtual bool Levels_nest() const = 0;
-    /// Starts the level of k, 1 or more: no clique is visited.
-    virtual void Start_level(std::uint32_t k) = 0;
-    /// The first clique from this one on that is not visited, or the number of cliques.
-    virtual std::size_t Next_unvisited(std::size_t from) const = 0;
-    /// Visits the cliques that a community begins with and appends them, ascending; none when
-    /// `first`, unvisited and of k nodes or more, begins no community.
-    virtual void Visit_first(Clique_number first, Flat_array<Adjacent_clique>& members) = 0;
-    /// Visits the unvisited cliques adjacent to `from` and appends them, ascending.
-    virtual void Visit_adjacent(Adjacent_clique const& from,
-                                Flat_array<Adjacent_clique>& members) = 0;
-};
-
-} // namespace Percolation_sub
-
-class Percolation {
+class Percolation : private Community_taker {
 public:
     /// What a search has found, the number of nodes and the numbers of the links. What is found
     /// and the numbers must outlive this object.
@@ -59,17 +36,11 @@ public:
     void Coms_from_appr_ovlp_matr(Communities& coms, std::uint32_t k, Progress* progress = nullptr);
 
 private:
-    bool Grow_community(Clique_number first, Pace& pace);
-    void Join(std::size_t first_new);
-    void List(Communities& coms);
+    void Take(std::span<Adjacent_clique const> members) override;
 
     std::shared_ptr<Ranked_cliques const> cliques_;
-    std::size_t n_exact_;
-    std::unique_ptr<Percolation_sub::Adjacency> adjacency_;
-    Community_sets sets_;
-    std::uint32_t last_k_ = 0;                 ///< 0: none yet
-    Flat_array<Adjacent_clique> members_;      ///< of the community under way
-    Flat_array<std::uint32_t> to_follow_;      ///< places of those not yet followed, the next last
+    Percolation_walk walk_;
+    Community_lister lister_;
     List_of_lists<Clique_number> com_cliques_; ///< as found
 };
 

@@ -26,6 +26,10 @@ Console::Console(int descriptor) : descriptor_(descriptor), buffer_(buffer_size)
     Set_buffer(buffer_.data(), buffer_.data() + buffer_.size());
 }
 
+Console::Console(Text_sink& text) : text_(&text), buffer_(buffer_size) {
+    Set_buffer(buffer_.data(), buffer_.data() + buffer_.size());
+}
+
 Console::~Console() {
     Flush();
 }
@@ -50,8 +54,12 @@ void Console::Tick() {
 
 void Console::Flush() {
     std::string_view const text(buffer_.data(), static_cast<std::size_t>(Next() - buffer_.data()));
-    // Nobody is left to be told about a standard output that fails.
-    static_cast<void>(Write_all(descriptor_, text));
+    if (text_ != nullptr) {
+        text_->Put(text);
+    } else {
+        // Nobody is left to be told about a standard output that fails.
+        static_cast<void>(Write_all(descriptor_, text));
+    }
     Set_buffer(buffer_.data(), buffer_.data() + buffer_.size());
 }
 

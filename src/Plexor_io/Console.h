@@ -18,6 +18,8 @@ public:
     /// Writes to the open file descriptor, which stays the caller's. A descriptor that takes no
     /// more text (closed, a reader gone) swallows the rest: the results on disk are what counts.
     explicit Console(int descriptor);
+    /// Passes everything on to `text` instead, which must outlive it.
+    explicit Console(Text_sink& text);
     ~Console() override;
 
     /// A whole message or report stands in the buffer: passes the buffer on, unless that has been
@@ -34,7 +36,8 @@ protected:
     void Make_room(std::size_t bytes) override;
 
 private:
-    int descriptor_;
+    int descriptor_ = -1;
+    Text_sink* text_ = nullptr; ///< in place of the descriptor
     std::vector<char> buffer_;
     std::int64_t moment_began_ = 0;
     int n_in_moment_ = 0; ///< messages passed on since then

@@ -4,9 +4,9 @@
 #define PLEXOR_FIND_COMS_H
 
 #include "Clique_find/Find_cliques.h"
-#include "Coms_funcs/Community_graph.h"
 #include "Coms_funcs/Edge_numbering.h"
 #include "Coms_funcs/Percolation.h"
+#include "Plexor_io/Level_writer.h"
 #include "Plexor_io/Link_writer.h"
 #include "Plexor_io/Name_labels.h"
 #include "Plexor_io/Result_files.h"
@@ -43,22 +43,28 @@ public:
     /// Finds the communities at k and writes their files into the directory "k=<k>" of the output
     /// directory. Throws what the intensity of a k-clique and preparing the directory can throw.
     void Find_coms(std::uint32_t k);
+    /// The same for every k from the largest clique's size down to 3, on so many threads.
+    void Find_all(unsigned n_threads);
 
 private:
     void From_overlaps(std::uint32_t k);
     void From_k_cliques(std::uint32_t k);
-    void Write(std::uint32_t k);
-    void Write_statistics(Level_files const& files);
 
     Coms_input input_;
     Run_files& files_;
     Progress& progress_;
     Edge_numbering edges_;
     Link_writer link_writer_;
-    std::unique_ptr<Percolation> percolation_; ///< none in intensity runs
+    Level_context context_;
+    Level_writer writer_;
+    std::unique_ptr<Percolation> percolation_; ///< made when the first k asks for it
     Communities coms_;                         ///< of the k under way
-    Community_graph graph_;                    ///< likewise
 };
+
+/// The communities at k by intensity. Says what it does on the console and writes the k-cliques.
+Communities Coms_from_k_cliques(Set_list const& cliques, Index_links const& links,
+                                Level_context const& context, Level_files const& files,
+                                Progress& progress);
 
 } // namespace cpm
 

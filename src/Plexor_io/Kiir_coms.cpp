@@ -45,7 +45,8 @@ void Kiir_coms_cliques_PX(Communities const& coms, std::size_t n_exact_cliques,
     }
 }
 
-void Kiir_com_links_PX(Communities const& coms, Link_writer& lines, Level_files const& files) {
+void Kiir_com_links_PX(Communities const& coms, Link_writer const& lines,
+                       Level_files const& files) {
     Text_file file(files.File(files.run.Flag_before('_') + "communities_links"), files.run);
     Put_header("links inside the ", files, file);
     file.Put('\n');

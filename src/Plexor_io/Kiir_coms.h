@@ -24,7 +24,7 @@ void Kiir_coms_cliques_PX(Communities const& coms, std::size_t n_exact_cliques,
                           Level_files const& files);
 
 /// The links inside each community, one per line.
-void Kiir_com_links_PX(Communities const& coms, Link_writer& lines, Level_files const& files);
+void Kiir_com_links_PX(Communities const& coms, Link_writer const& lines, Level_files const& files);
 
 } // namespace cpm
 

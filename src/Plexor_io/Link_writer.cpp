@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Plexor_io/Link_writer.h"
 
+#include <vector>
+
 namespace cpm {
 
 Link_writer::Link_writer(Edge_numbering const& edges, Index_links const& links,
@@ -27,17 +29,15 @@ Link_writer::Link_writer(Edge_numbering const& edges, Index_links const& links,
 }
 
 // Where all communities are single cliques nobody asks for links by their numbers.
-void Link_writer::List_firsts() {
+void Link_writer::List_firsts() const {
     firsts_.Reserve(edges_.size());
     for (Node first = 0; first < edges_.Smaller_ends_end(); ++first) {
         firsts_.Resize(firsts_.size() + edges_.Larger_neighbours(first).size(), first);
     }
 }
 
-void Link_writer::Put(std::span<Link_number const> numbers, Text_sink& text) {
-    if (firsts_.empty()) {
-        List_firsts();
-    }
+void Link_writer::Put(std::span<Link_number const> numbers, Text_sink& text) const {
+    std::call_once(needs_firsts_, [this] { List_firsts(); });
     for (Link_number const number : numbers) {
         Node const first = firsts_[number];
         Node const second = edges_.Larger_end(number);
@@ -49,13 +49,14 @@ void Link_writer::Put(std::span<Link_number const> numbers, Text_sink& text) {
     }
 }
 
-void Link_writer::Put_all_pairs(Node_set nodes, Text_sink& text) {
+void Link_writer::Put_all_pairs(Node_set nodes, Text_sink& text) const {
+    std::vector<Link_number> row;
     for (std::size_t i = 0; i + 1 < nodes.size(); ++i) {
         Node_set const others = nodes.subspan(i + 1);
         if (!reversed_.empty()) {
-            row_.clear();
-            edges_.Append_numbers(nodes[i], others, row_);
-            Put(row_, text);
+            row.clear();
+            edges_.Append_numbers(nodes[i], others, row);
+            Put(row, text);
         } else {
             for (Node const other : others) {
                 Put_line(nodes[i], other, text);

@@ -10,8 +10,8 @@
 #include "graph/Types.h"
 #include "support/Bits.h"
 
+#include <mutex>
 #include <span>
-#include <vector>
 
 namespace cpm {
 
@@ -22,13 +22,13 @@ public:
     /// approximated clique).
     Link_writer(Edge_numbering const& edges, Index_links const& links, Name_labels const& labels);
 
-    /// The lines of the pairs of these numbers, in this order.
-    void Put(std::span<Link_number const> numbers, Text_sink& text);
+    /// The lines of the pairs of these numbers, in this order. Several threads may write at once.
+    void Put(std::span<Link_number const> numbers, Text_sink& text) const;
     /// The lines of all pairs of these nodes, which are ascending; the table holds these pairs.
-    void Put_all_pairs(Node_set nodes, Text_sink& text);
+    void Put_all_pairs(Node_set nodes, Text_sink& text) const;
 
 private:
-    void List_firsts();
+    void List_firsts() const;
     void Put_line(Node first, Node second, Text_sink& text) const {
         labels_.Put(first, text);
         labels_.Put(second, text);
@@ -37,21 +37,21 @@ private:
 
     Edge_numbering const& edges_;
     Name_labels const& labels_;
-    Flat_array<Node> firsts_;            ///< by number: the smaller index; made when first needed
+    mutable std::once_flag needs_firsts_;
+    mutable Flat_array<Node> firsts_;    ///< by number: the smaller index; made when first needed
     Flat_array<std::uint64_t> reversed_; ///< a bit per number: the larger index first; empty if
                                          ///< it never does
-    std::vector<Link_number> row_;
 };
 
 /// Writes the links that it is handed as lines of text. Both must outlive it.
 class Links_to_text : public Link_visitor {
 public:
-    Links_to_text(Link_writer& lines, Text_sink& text) : lines_(lines), text_(text) {}
+    Links_to_text(Link_writer const& lines, Text_sink& text) : lines_(lines), text_(text) {}
     void Numbers(std::span<Link_number const> numbers) override { lines_.Put(numbers, text_); }
     void All_pairs(Node_set nodes) override { lines_.Put_all_pairs(nodes, text_); }
 
 private:
-    Link_writer& lines_;
+    Link_writer const& lines_;
     Text_sink& text_;
 };
 

@@ -25,7 +25,10 @@
 #include "Plexor_io/Open_dir.h"
 
 #include <cstdint>
+#include <memory>
+#include <mutex>
 #include <string>
+#include <utility>
 
 namespace cpm {
 
@@ -70,6 +73,8 @@ public:
     /// is accepted for now. Throws Xerror_msg.
     explicit Result_place(std::string path);
     Result_place(Result_place&&) = default;
+    /// The same place, for another thread: it has a directory of some k of its own.
+    Result_place Another() const { return Result_place(shared_); }
 
     /// Makes the output directory unless it is there, and refuses it as the constructor does when
     /// it is another one than before. Throws Xerror_msg, also when it cannot be made.
@@ -81,11 +86,22 @@ public:
 private:
     friend New_file;
 
-    void Take(bool known_empty);
+    // The output directory, one for all threads. They make directories in it one at a time; the
+    // files in itself are made by one of them.
+    struct Shared {
+        std::string path;
+        Open_dir dir;
+        bool expects_first_file =
+            false; ///< it was found empty, and no file has been made in it yet
+        std::mutex mutex;
 
-    std::string path_;
-    Open_dir dir_;
-    bool expects_first_file_ = false; ///< it was found empty, and no file has been made in it yet
+        void Take(bool known_empty);
+        void Prepare();
+    };
+
+    explicit Result_place(std::shared_ptr<Shared> shared) : shared_(std::move(shared)) {}
+
+    std::shared_ptr<Shared> shared_;
     std::string k_path_; ///< of the directory of k prepared last; "" when there is none
     Open_dir k_dir_;
 };

@@ -12,6 +12,7 @@
 #include "Plexor_io/Result_files.h"
 #include "Plexor_io/Usage.h"
 #include "graph/Convert_links.h"
+#include "parallel/Thread_count.h"
 
 #include <malloc.h>
 #include <new>
@@ -58,18 +59,6 @@ Found_cliques Search(Index_links const& links, Run_settings const& run, Clock& c
     return found;
 }
 
-void Find_all_coms(Coms_input input, std::uint32_t largest, Run_files& files, Progress& progress) {
-    Run_settings const& run = input.run;
-    Coms_finder finder(std::move(input), files, progress);
-    if (run.k_given) {
-        finder.Find_coms(run.k);
-        return;
-    }
-    for (std::uint32_t k = largest; k > 2; --k) {
-        finder.Find_coms(k);
-    }
-}
-
 // Hands on which files could not be written, however the run ends.
 class Failures_kept {
 public:
@@ -85,7 +74,8 @@ private:
 
 // All that comes after the command line.
 void Run_from_links(Run_settings& run, Input_request const& request, Link_source const& source,
-                    Clock& clock, Progress& progress, Console& console, Run_outcome& outcome) {
+                    Clock& clock, Progress& progress, Console& console,
+                    Community_stage const& communities, Run_outcome& outcome) {
     Link_map named_links;
     Get_links(run, request, source, named_links);
     Extend_alap_szoveg(run.header_text, run);
@@ -103,8 +93,7 @@ void Run_from_links(Run_settings& run, Input_request const& request, Link_source
     Kiir_cliques_PX(found.cliques, found.n_exact, labels, files);
     console.Put_line(" done.");
     std::uint32_t const largest = Max_clique_size_in_cl_vec(found.cliques);
-    Find_all_coms({found, std::move(network.links), labels, n_nodes, largest, run}, largest, files,
-                  progress);
+    communities({found, std::move(network.links), labels, n_nodes, largest, run}, files, progress);
     Print_banner(console);
 }
 
@@ -150,24 +139,37 @@ void Begin(Console& console) {
 
 } // namespace
 
+void Find_communities(Coms_input input, Run_files& files, Progress& progress) {
+    Run_settings const& run = input.run;
+    Coms_finder finder(std::move(input), files, progress);
+    if (run.k_given) {
+        finder.Find_coms(run.k);
+    } else {
+        finder.Find_all(Thread_count(run.n_threads));
+    }
+}
+
 Run_outcome Run(Run_settings const& settings, Input_request const& request,
-                Link_source const& source, Progress& progress, Console& console) {
+                Link_source const& source, Progress& progress, Console& console,
+                Community_stage const& communities) {
     Run_settings run = settings;
     return Outcome_of(run, console, [&](Run_outcome& outcome) {
         Begin(console);
         Processor_clock clock;
-        Run_from_links(run, request, source, clock, progress, console, outcome);
+        Run_from_links(run, request, source, clock, progress, console, communities, outcome);
     });
 }
 
 Run_outcome Run_command_line(int argc, char const* const* argv, Clock& clock, Progress& progress,
-                             Console& console) {
+                             Console& console, unsigned n_threads) {
     Run_settings run;
+    run.n_threads = n_threads;
     return Outcome_of(run, console, [&](Run_outcome& outcome) {
         Begin(console);
         Input_request request;
         Take_command_line(argc, argv, run, request, console);
-        Run_from_links(run, request, Links_of_file(request), clock, progress, console, outcome);
+        Run_from_links(run, request, Links_of_file(request), clock, progress, console,
+                       Find_communities, outcome);
     });
 }
 

@@ -16,6 +16,7 @@ struct Run_settings {
     double intensity_threshold = 0; ///< means something only in an intensity run
     bool k_given = false;
     unsigned k = 0;          ///< the only k to extract communities at, when given
+    unsigned n_threads = 1;  ///< 0: one a processor. No switch: the program has one thread
     bool weighted = false;   ///< the links were read with their weights
     std::string com_flag;    ///< "", "directed" or "intensity"
     std::string header_text; ///< the comment lines that describe the run in its result files

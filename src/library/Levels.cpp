@@ -8,20 +8,115 @@
 #include "library/Library_data.h"
 #include "library/Public_errors.h"
 #include "library/Told.h"
+#include "parallel/Parallel_percolation.h"
+#include "parallel/Pipeline.h"
+#include "parallel/Thread_count.h"
 
 #include <plexor/Error.h>
 
 #include <utility>
+#include <vector>
 
 namespace plexor {
 
 namespace detail {
 
+namespace {
+
+void Find_by_intensity(Level_base const& base, double intensity, Level_data& level,
+                       cpm::Progress& progress) {
+    cpm::Index_links const& links = base.graph->links;
+    cpm::K_clique_list k_cliques;
+    cpm::Generate_k_cls_from_cls(base.cliques->found.cliques, links, k_cliques, level.k, intensity,
+                                 progress);
+    cpm::Intensity_coms_from_k_cliques(std::move(k_cliques), level.coms, links, intensity,
+                                       progress);
+}
+
+std::shared_ptr<Level_data> New_level(std::shared_ptr<Level_base const> base, std::uint32_t k) {
+    auto level = std::make_shared<Level_data>();
+    level->base = std::move(base);
+    level->k = k;
+    return level;
+}
+
+// The levels from one k down to 3, made by several threads ahead of Next().
+class Levels_ahead : public cpm::Piece_work {
+public:
+    Levels_ahead(std::shared_ptr<Level_base const> base,
+                 std::shared_ptr<cpm::Ranked_cliques const> ranked, std::optional<double> intensity,
+                 std::uint32_t first_k, unsigned n_threads)
+        : base_(std::move(base)), ranked_(std::move(ranked)), intensity_(intensity),
+          ks_(first_k - 2) {
+        for (std::size_t place = 0; place < ks_.size(); ++place) {
+            ks_[place] = first_k - static_cast<std::uint32_t>(place);
+        }
+        levels_.resize(ks_.size());
+        if (!intensity_) {
+            percolation_.emplace(base_->cliques->found, *ranked_, base_->edges, ks_, n_threads);
+        }
+        // A level that waits holds its communities, one under way the lists of its thread.
+        pipeline_.emplace(*this, ks_.size(), n_threads, std::size_t{2} * n_threads);
+    }
+
+    std::shared_ptr<Level_data const> Next(cpm::Progress& progress) {
+        pipeline_->Next(progress);
+        return std::move(levels_[next_++]);
+    }
+
+private:
+    void Prepare(std::size_t place, unsigned thread, cpm::Progress& progress) override {
+        if (intensity_) {
+            levels_[place] = New_level(base_, ks_[place]);
+            Find_by_intensity(*base_, *intensity_, *levels_[place], progress);
+        } else {
+            percolation_->Walk(place, thread, progress);
+        }
+    }
+    void Join(std::size_t place, unsigned, cpm::Progress& progress) override {
+        if (!intensity_) {
+            percolation_->Join(place, progress);
+        }
+    }
+    void Finish(std::size_t place, unsigned, cpm::Progress&) override {
+        if (!intensity_) {
+            levels_[place] = New_level(base_, ks_[place]);
+            levels_[place]->coms = percolation_->Take(place);
+        }
+    }
+
+    std::shared_ptr<Level_base const> base_;
+    std::shared_ptr<cpm::Ranked_cliques const> ranked_;
+    std::optional<double> intensity_;
+    std::vector<std::uint32_t> ks_;
+    std::optional<cpm::Parallel_percolation> percolation_;
+    std::vector<std::shared_ptr<Level_data>> levels_; ///< by place
+    std::size_t next_ = 0;
+    std::optional<cpm::Pipeline> pipeline_; ///< ended first
+};
+
+} // namespace
+
 struct Levels_data {
     std::shared_ptr<Level_base const> base;
     Level_options options;
-    std::unique_ptr<cpm::Percolation> percolation; ///< none with an intensity
+    unsigned n_threads = 1;
     std::uint32_t next_k = 0;
+    std::shared_ptr<cpm::Ranked_cliques const> ranked; ///< none with an intensity
+    std::unique_ptr<cpm::Percolation> percolation;     ///< of the calling thread
+    std::unique_ptr<Levels_ahead> ahead;               ///< as long as Next() gives no error
+
+    void Find(Level_data& level, cpm::Progress& progress) {
+        if (options.intensity) {
+            Find_by_intensity(*base, *options.intensity, level, progress);
+            return;
+        }
+        if (!percolation) {
+            percolation =
+                std::make_unique<cpm::Percolation>(base->cliques->found, ranked, base->edges);
+        }
+        percolation->Coms_from_appr_ovlp_matr(level.coms, level.k, &progress);
+    }
 };
 
 } // namespace detail
@@ -40,20 +135,6 @@ std::shared_ptr<Level_base const> Make_base(Graph const& graph, Cliques const& c
     base->edges =
         cpm::Edge_numbering(base->graph->links, base->graph->n_nodes, found.cliques, found.n_exact);
     return base;
-}
-
-void Find_by_overlaps(Levels_data& levels, Level_data& level, cpm::Progress& progress) {
-    levels.percolation->Coms_from_appr_ovlp_matr(level.coms, level.k, &progress);
-}
-
-void Find_by_intensity(Levels_data& levels, Level_data& level, cpm::Progress& progress) {
-    cpm::Index_links const& links = levels.base->graph->links;
-    double const intensity = *levels.options.intensity;
-    cpm::K_clique_list k_cliques;
-    cpm::Generate_k_cls_from_cls(levels.base->cliques->found.cliques, links, k_cliques, level.k,
-                                 intensity, progress);
-    cpm::Intensity_coms_from_k_cliques(std::move(k_cliques), level.coms, links, intensity,
-                                       progress);
 }
 
 // Makes links of what a community hands out, in the direction in which `plexor` writes them: the
@@ -120,10 +201,11 @@ Levels::Levels(Graph const& graph, Cliques const& cliques, Level_options const& 
         data_ = std::make_unique<Levels_data>();
         data_->base = Make_base(graph, cliques);
         data_->options = options;
+        data_->n_threads = cpm::Thread_count(options.threads);
         data_->next_k = cliques.Largest();
         if (!options.intensity) {
-            data_->percolation = std::make_unique<cpm::Percolation>(
-                found, data_->base->graph->n_nodes, data_->base->edges);
+            data_->ranked =
+                std::make_shared<cpm::Ranked_cliques>(found.cliques, data_->base->graph->n_nodes);
         }
     });
 }
@@ -136,23 +218,36 @@ std::optional<Level> Levels::Next() {
     if (data_->next_k < 3) {
         return std::nullopt;
     }
-    Level level = At(data_->next_k);
+    Level level = data_->n_threads > 1 ? Next_made_ahead() : At(data_->next_k);
     --data_->next_k;
     return level;
 }
 
+Level Levels::Next_made_ahead() {
+    detail::Told_progress progress(data_->options.progress);
+    std::unique_ptr<detail::Levels_ahead>& ahead = data_->ahead;
+    try {
+        return Level(detail::Rethrow_as_public([&] {
+            progress.Level_began(data_->next_k, data_->base->cliques->largest);
+            if (!ahead) {
+                ahead = std::make_unique<detail::Levels_ahead>(data_->base, data_->ranked,
+                                                               data_->options.intensity,
+                                                               data_->next_k, data_->n_threads);
+            }
+            return ahead->Next(progress);
+        }));
+    } catch (...) {
+        ahead.reset();
+        throw;
+    }
+}
+
 Level Levels::At(std::uint32_t k) {
-    auto level = std::make_shared<Level_data>();
-    level->base = data_->base;
-    level->k = k;
+    std::shared_ptr<Level_data> level = detail::New_level(data_->base, k);
     detail::Told_progress progress(data_->options.progress);
     detail::Rethrow_as_public([&] {
         progress.Level_began(k, data_->base->cliques->largest);
-        if (data_->options.intensity) {
-            Find_by_intensity(*data_, *level, progress);
-        } else {
-            Find_by_overlaps(*data_, *level, progress);
-        }
+        data_->Find(*level, progress);
     });
     return Level(std::move(level));
 }

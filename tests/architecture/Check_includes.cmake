@@ -7,12 +7,13 @@ set(knows_support support)
 set(knows_graph graph support)
 set(knows_Clique_find Clique_find graph support)
 set(knows_Coms_funcs Coms_funcs Clique_find graph support)
-set(knows_library library plexor Coms_funcs Clique_find graph support)
+set(knows_parallel parallel Coms_funcs Clique_find graph support)
+set(knows_library library plexor parallel Coms_funcs Clique_find graph support)
 set(knows_records records graph support)
-set(knows_Plexor_io Plexor_io Coms_funcs Clique_find graph support)
+set(knows_Plexor_io Plexor_io parallel Coms_funcs Clique_find graph support)
 set(knows_main "" Plexor_io support) # main and what it settles for its process
 # The rooms of the library: they neither print nor read nor change the process.
-set(silent_rooms support graph Clique_find Coms_funcs library records)
+set(silent_rooms support graph Clique_find Coms_funcs parallel library records)
 set(loud_headers iostream fstream cstdio csignal unistd.h fcntl.h)
 
 file(GLOB_RECURSE files RELATIVE ${SOURCE} ${SOURCE}/*.cpp ${SOURCE}/*.h)

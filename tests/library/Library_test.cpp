@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <optional>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -266,6 +268,137 @@ TEST(Levels, by_intensity_go_by_k_cliques) {
     EXPECT_EQ(
         Kind_thrown([&] { Levels(directed, plexor::Find_cliques(directed), {.intensity = 1}); }),
         Error::Kind::bad_argument);
+}
+
+// Overlapping teams: several levels with many communities.
+Graph Teams() {
+    std::vector<Edge> edges;
+    std::vector<double> weights;
+    std::uint32_t state = 12345;
+    auto const random = [&state](std::uint32_t range) {
+        state = state * 1664525 + 1013904223;
+        return (state >> 8) % range;
+    };
+    for (int team = 0; team < 150; ++team) {
+        std::uint32_t const begin = random(300);
+        std::vector<std::uint32_t> members;
+        for (std::uint32_t i = 0; i < 3 + random(8); ++i) {
+            members.push_back(begin + random(25));
+        }
+        for (std::uint32_t const a : members) {
+            for (std::uint32_t const b : members) {
+                edges.push_back({a, b});
+                weights.push_back(1 + random(100));
+            }
+        }
+    }
+    return Graph::From_edges(edges, weights);
+}
+
+// All that a level tells.
+std::string Told(Level const& level) {
+    std::ostringstream text;
+    text << level.K() << ' ' << level.size() << ' ' << level.Number_of_exact() << '\n';
+    for (std::size_t i = 0; i < level.size(); ++i) {
+        for (plexor::Node const node : level[i]) {
+            text << node << ' ';
+        }
+        for (std::uint32_t const clique : level.Cliques_of(i)) {
+            text << clique << ' ';
+        }
+        for (Edge const edge : level.Links_of(i)) {
+            text << edge.source << '-' << edge.target << ' ';
+        }
+    }
+    level.For_each_overlap([&](plexor::Overlap const& one) {
+        text << one.first << ' ' << one.second << ' ' << one.shared << '\n';
+    });
+    return text.str();
+}
+
+TEST(Threads, give_the_same_levels_whatever_their_number) {
+    Graph const graph = Teams();
+    Cliques const cliques = plexor::Find_cliques(graph);
+    for (std::optional<double> const intensity : {std::optional<double>(), std::optional(80.0)}) {
+        Levels alone(graph, cliques, {.intensity = intensity});
+        std::vector<std::string> expected;
+        while (auto const level = alone.Next()) {
+            expected.push_back(Told(*level));
+        }
+        ASSERT_GT(expected.size(), 5U);
+        for (unsigned const threads : {0U, 2U, 3U, 8U}) {
+            Levels levels(graph, cliques, {.intensity = intensity, .threads = threads});
+            std::vector<std::string> told;
+            while (auto const level = levels.Next()) {
+                told.push_back(Told(*level));
+                // Beside those made ahead, on this thread.
+                EXPECT_EQ(Told(levels.At(level->K())), told.back());
+            }
+            EXPECT_EQ(told, expected) << threads << " threads";
+        }
+    }
+}
+
+TEST(Threads, leave_levels_that_need_nothing_else) {
+    std::vector<Level> kept;
+    {
+        Graph const graph = Teams();
+        Levels levels(graph, plexor::Find_cliques(graph), {.threads = 3});
+        while (auto level = levels.Next()) {
+            kept.push_back(*level);
+        }
+    }
+    Graph const graph = Teams();
+    Levels alone(graph, plexor::Find_cliques(graph));
+    for (Level const& level : kept) {
+        EXPECT_EQ(Told(level), Told(*alone.Next()));
+    }
+}
+
+TEST(Threads, end_with_their_levels) {
+    Graph const graph = Teams();
+    Cliques const cliques = plexor::Find_cliques(graph);
+    for (int n_taken = 0; n_taken < 4; ++n_taken) {
+        Levels levels(graph, cliques, {.threads = 4});
+        for (int i = 0; i < n_taken; ++i) {
+            levels.Next();
+        }
+    }
+}
+
+// Cancels when told to, and holds that it is asked on the thread it was made on.
+class On_this_thread : public plexor::Progress {
+public:
+    bool Cancel() override {
+        EXPECT_EQ(std::this_thread::get_id(), thread_);
+        return cancel;
+    }
+    void Level_started(std::uint32_t k) override {
+        EXPECT_EQ(std::this_thread::get_id(), thread_);
+        ks.push_back(k);
+    }
+    bool cancel = false;
+    std::vector<std::uint32_t> ks;
+
+private:
+    std::thread::id thread_ = std::this_thread::get_id();
+};
+
+TEST(Threads, are_watched_from_the_calling_one_and_can_be_cancelled) {
+    Graph const graph = Teams();
+    Cliques const cliques = plexor::Find_cliques(graph);
+    On_this_thread progress;
+    Levels levels(graph, cliques, {.progress = &progress, .threads = 3});
+    Level const first = *levels.Next();
+    progress.cancel = true;
+    EXPECT_THROW(levels.Next(), plexor::Cancelled);
+    EXPECT_THROW(levels.Next(), plexor::Cancelled);
+    progress.cancel = false;
+    Level const second = *levels.Next();
+    EXPECT_EQ(second.K(), first.K() - 1);
+    std::uint32_t const k = second.K();
+    EXPECT_THAT(progress.ks, ElementsAre(k + 1, k, k, k));
+    EXPECT_EQ(Told(second), Told(Levels(graph, cliques).At(k)));
 }
 
 TEST(Library, serves_two_threads_at_once) {

@@ -2,7 +2,8 @@
 // The program with a clock that only counts. With two whole numbers in the environment variable
 // PLEXOR_FAKE_CLOCK_COIN, a seed and a percentage, a coin decides which attempts at nodes overrun:
 // these at their first reading after the start, all others never. Without it the C library's clock
-// is read, whose place Fake_clock.cpp takes.
+// is read, whose place Fake_clock.cpp takes. With a number in PLEXOR_TEST_THREADS the run has so
+// many threads, as it has behind other doors than the program.
 #include "Clique_find/Clock.h"
 #include "Coin.h"
 #include "Plexor_io/Console.h"
@@ -52,7 +53,11 @@ int main(int argc, char** argv) {
             tossing.emplace(coin);
         }
         cpm::Clock& clock = tossing ? static_cast<cpm::Clock&>(*tossing) : counting;
-        cpm::Run_command_line(argc, argv, clock, progress, console);
+        unsigned n_threads = 1;
+        if (char const* const text = std::getenv("PLEXOR_TEST_THREADS"); text != nullptr) {
+            std::istringstream(text) >> n_threads;
+        }
+        cpm::Run_command_line(argc, argv, clock, progress, console, n_threads);
     } catch (std::bad_alloc const&) {
         cpm::Write_out_of_memory();
     }

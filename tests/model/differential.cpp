@@ -29,7 +29,7 @@ namespace {
 constexpr char const* usage =
     "usage: differential --program PATH [--fake-clock-program PATH] [--seed N] [--cases N]\n"
     "                    [--coin-cases N] [--large-cases N] [--one SEED]\n"
-    "                    [--network FILE [--switches LIST]...] [--keep DIR]\n"
+    "                    [--network FILE [--switches LIST]...] [--threads N] [--keep DIR]\n"
     "  --program             the program under test\n"
     "  --fake-clock-program  the same program linked with Fake_clock.cpp; without it the cases with\n"
     "                        a time limit are left out\n"
@@ -40,6 +40,8 @@ constexpr char const* usage =
     "  --one                 only the case of this seed\n"
     "  --network             no random cases, but runs on this link file: one for each --switches\n"
     "  --switches            what stands after '-i FILE', all in one argument; nothing by default\n"
+    "  --threads             how many threads the programs are told to have, where they listen (see\n"
+    "                        Fake_clock_main.cpp); 0 for another number each case, 1 to 8\n"
     "  --keep                where failed cases are kept (a new directory)\n";
 
 struct Options {
@@ -51,6 +53,7 @@ struct Options {
     std::uint32_t large_cases = 0;
     std::string network; // empty: random cases
     std::vector<std::string> switches;
+    std::optional<std::uint32_t> threads;
     std::string keep;
 };
 
@@ -94,6 +97,8 @@ private:
 /// Bounds on a program that has gone astray: seconds of processor time, bytes of a file.
 constexpr rlim_t most_seconds = 60;
 constexpr rlim_t most_bytes = rlim_t{1} << 28;
+/// Tells a program how many threads to have.
+constexpr char const* threads_variable = "PLEXOR_TEST_THREADS";
 
 std::string Text_of(Coin const& coin) {
     return std::to_string(coin.seed) + " " + std::to_string(coin.percent);
@@ -334,6 +339,7 @@ private:
         return test.timed ? options_.fake_clock_program : options_.program;
     }
     Compared Compare(Case const& test, Reached& reached) const;
+    void Set_threads(std::uint32_t seed) const;
     void Try(Case const& test, std::string const& name, std::string const& again);
     void Shrink(Case& test) const;
     void Keep(Case test, std::string const& name, std::string const& again);
@@ -414,6 +420,9 @@ void Runner::Keep(Case test, std::string const& name, std::string const& again) 
     if (test.clock.coin.percent > 0) {
         command += "PLEXOR_FAKE_CLOCK_COIN=" + Quoted(Text_of(test.clock.coin)) + " ";
     }
+    if (char const* const threads = std::getenv(threads_variable); threads != nullptr) {
+        command += std::string(threads_variable) + "=" + threads + " ";
+    }
     command += Quoted(Program_for(test));
     auto const args = Args_in(test, box_);
     for (std::size_t i = 1; i < args.size(); ++i) {
@@ -426,7 +435,19 @@ void Runner::Keep(Case test, std::string const& name, std::string const& again) 
     if (!options_.fake_clock_program.empty()) {
         std::cout << " --fake-clock-program " << Quoted(options_.fake_clock_program);
     }
+    if (options_.threads) {
+        std::cout << " --threads " << *options_.threads;
+    }
     std::cout << " " << again << "\n\n" << std::flush;
+}
+
+/// The case of this seed has the same number of threads whenever it is run.
+void Runner::Set_threads(std::uint32_t seed) const {
+    constexpr std::uint32_t most = 8;
+    if (options_.threads) {
+        std::uint32_t const n = *options_.threads > 0 ? *options_.threads : 1 + seed % most;
+        ::setenv(threads_variable, std::to_string(n).c_str(), 1);
+    }
 }
 
 /// `again`: the options by which this program repeats the case.
@@ -482,11 +503,13 @@ void Runner::Go() {
         for (std::uint32_t i = 0; i < options_.cases; ++i) {
             std::uint32_t const seed = options_.seed + i;
             std::string const name = std::to_string(seed);
+            Set_threads(seed);
             Try(Random_case(seed), name, "--one " + name);
         }
         for (std::uint32_t i = 0; i < options_.coin_cases; ++i) {
             std::uint32_t const seed = options_.seed + i;
             std::string const name = std::to_string(seed);
+            Set_threads(seed);
             Try(Coin_case(seed), "coin-" + name, "--coin-cases 1 --seed " + name);
         }
         for (std::uint32_t i = 0; i < options_.large_cases; ++i) {
@@ -497,6 +520,7 @@ void Runner::Go() {
     }
     for (std::size_t i = 0; i < options_.switches.size(); ++i) {
         std::string const& switches = options_.switches[i];
+        Set_threads(static_cast<std::uint32_t>(i));
         Try(Given_case(options_.network, switches), "network-" + std::to_string(i + 1),
             "--network " + Quoted(options_.network) + " --switches " + Quoted(switches));
     }
@@ -543,6 +567,8 @@ Options Read_options(int argc, char** argv) {
             options.network = std::filesystem::canonical(value);
         } else if (name == "--switches") {
             options.switches.push_back(value);
+        } else if (name == "--threads") {
+            options.threads = static_cast<std::uint32_t>(std::stoul(value));
         } else if (name == "--keep") {
             options.keep = value;
         } else {

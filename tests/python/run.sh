@@ -12,6 +12,7 @@ need g++ g++ cmake cmake make make $python python3 \
     /usr/include/pybind11/pybind11.h pybind11-dev /usr/include/python3.11/Python.h python3-dev \
     $packages/numpy python3-numpy $packages/pandas python3-pandas $packages/scipy python3-scipy \
     $packages/networkx python3-networkx $packages/igraph python3-igraph $packages/tqdm python3-tqdm \
+    $packages/distributed python3-distributed \
     $packages/matplotlib python3-matplotlib $packages/setuptools python3-setuptools \
     $packages/wheel python3-wheel /usr/lib/python3.11/ensurepip python3-venv \
     $packages/pytest python3-pytest $packages/mypy python3-mypy

@@ -194,3 +194,38 @@ except MemoryError:
 """
     done = subprocess.run([sys.executable, "-c", script], capture_output=True, text=True)
     assert done.stdout == "MemoryError True\n", done.stderr
+
+
+@pytest.mark.parametrize("threads", [0, 2, 3, 8])
+@pytest.mark.parametrize("network", EXAMPLES)
+def test_threads(network: str, threads: int, examples: Path, run_plexor: Run) -> None:
+    path = examples / network
+    files = plexor.load(run_plexor(path))
+    made = plexor.Network.read(path)
+    assert_same(plexor.find_communities(made, threads=threads), files)
+    for level in plexor.levels(made, threads=threads):
+        assert_same_level(level, files[level.k])
+
+
+def test_threads_with_an_intensity_and_some_k(examples: Path) -> None:
+    made = from_columns(examples / "uk-faculty.txt", True)
+    for question in ({"intensity": 5}, {"k": [7, 3, 5]}, {"directed": True}):
+        alone = plexor.find_communities(made, **question)
+        several = plexor.find_communities(made, threads=3, **question)
+        assert several.ks == alone.ks
+        for k in alone.ks:
+            assert_same_level(several[k], alone[k])
+
+
+def test_threads_that_nobody_waits_for(examples: Path) -> None:
+    made = plexor.Network.read(examples / "us-airports.txt")
+    walk = plexor.levels(made, threads=4)
+    kept = next(walk)
+    del walk
+    assert len(kept) == 1
+
+
+@pytest.mark.parametrize("threads", [-1, 1025, 1.5, True, "2"])
+def test_threads_that_cannot_be(threads: object) -> None:
+    with pytest.raises(ValueError, match="threads"):
+        plexor.find_communities(plexor.Network([], []), threads=threads)  # type: ignore[call-overload]

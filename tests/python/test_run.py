@@ -35,6 +35,24 @@ def tree(directory: Path) -> dict[str, bytes]:
     }
 
 
+@pytest.mark.parametrize("switches, question", SWITCHES, ids=lambda x: str(x))
+def test_threads(
+    switches: list[str], question: dict, examples: Path, program: Path, tmp_path: Path
+) -> None:
+    links = tmp_path / "links.txt"
+    links.write_bytes((examples / "uk-faculty.txt").read_bytes())
+    printed = subprocess.run([program, "-i", links, *switches], capture_output=True).stdout
+    (directory,) = tmp_path.glob("links.txt_files*")
+    directory.rename(tmp_path / "other")
+    for threads in (0, 2, 8):
+        with open(tmp_path / "log", "wb") as log:
+            done = plexor.run(links, threads=threads, log=log.fileno(), **question)
+        assert done.path == directory and not done.not_written
+        assert tree(directory) == tree(tmp_path / "other")
+        assert (tmp_path / "log").read_bytes() == printed
+        directory.rename(tmp_path / f"other{threads}")
+
+
 @pytest.mark.parametrize("way", ["file", "memory"])
 @pytest.mark.parametrize("switches, question", SWITCHES, ids=lambda x: str(x))
 def test_files_and_output(

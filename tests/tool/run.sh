@@ -11,6 +11,7 @@ packages=/usr/lib/python3/dist-packages
 need g++ g++ cmake cmake make make bash bash zsh zsh fish fish groff groff $python python3 \
     $packages/numpy python3-numpy $packages/scipy python3-scipy $packages/pandas python3-pandas \
     $packages/networkx python3-networkx $packages/igraph python3-igraph \
+    $packages/distributed python3-distributed \
     $packages/lxml python3-lxml $packages/jsonschema python3-jsonschema \
     $packages/pytest python3-pytest $packages/hypothesis python3-hypothesis \
     $packages/mypy python3-mypy

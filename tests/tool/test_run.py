@@ -409,3 +409,40 @@ def test_files_that_could_not_be_written_fail_the_run(
     assert done.status == 1
     assert done.said == "plexor-tool: could not write 'out/graph'\n"
     assert json.loads(done.out)["not_written"] == ["out/graph"]
+
+
+@pytest.mark.parametrize("threads", ["0", "2", "8"])
+def test_threads(in_process: Tool, tmp_path: Path, threads: str) -> None:
+    assert in_process("run", FACULTY, "-o", tmp_path / "one").status == 0
+    assert in_process("run", FACULTY, "-o", tmp_path / "several", "--threads", threads).status == 0
+    assert tree(tmp_path / "several") == tree(tmp_path / "one")
+
+
+@pytest.mark.parametrize("threads", ["-1", "two", "1.5", "1025", ""])
+def test_threads_that_cannot_be(in_process: Tool, tmp_path: Path, threads: str) -> None:
+    outcome = in_process("run", FACULTY, "-o", tmp_path / "out", f"--threads={threads}")
+    assert outcome.status == 2 and not (tmp_path / "out").exists()
+
+
+def test_the_workers_of_a_scheduler(in_process: Tool, tmp_path: Path) -> None:
+    distributed = pytest.importorskip("distributed")
+    assert in_process("run", FACULTY, "-o", tmp_path / "one").status == 0
+    with distributed.LocalCluster(
+        n_workers=2, threads_per_worker=1, dashboard_address=None, silence_logs=50
+    ) as cluster:
+        address = cluster.scheduler_address
+        many = tmp_path / "many"
+        assert in_process("run", FACULTY, "-o", many, "--dask", address).status == 0
+        assert tree(many) == tree(tmp_path / "one")
+        assert in_process("run", AIRPORTS, "-o", many, "-O", "--dask", address, "--shared", tmp_path).status == 0
+    assert in_process("run", AIRPORTS, "-o", tmp_path / "other").status == 0
+    assert tree(many) == tree(tmp_path / "other")
+    assert {path.name for path in tmp_path.iterdir()} == {"one", "many", "other"}
+
+
+@pytest.mark.parametrize("options", [["--dask", "x", "--threads", "2"], ["--shared", "."]])
+def test_options_of_clusters_that_do_not_go_together(
+    in_process: Tool, tmp_path: Path, options: list[str]
+) -> None:
+    outcome = in_process("run", FACULTY, "-o", tmp_path / "out", *options)
+    assert outcome.status == 2 and not (tmp_path / "out").exists()

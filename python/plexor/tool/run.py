@@ -13,6 +13,7 @@ from __future__ import annotations
 import argparse
 import contextlib
 import ctypes
+import importlib
 import json
 import os
 import re
@@ -77,6 +78,22 @@ def add_arguments(parser: argparse.ArgumentParser) -> None:
         "-I", "--intensity", metavar="WEIGHT", help="k-cliques above this intensity only"
     )
     parser.add_argument("-k", "--clique-size", metavar="K", help="communities at this k alone")
+    parser.add_argument(
+        "--threads",
+        metavar="N",
+        default="1",
+        help="work on several k at a time, with the same results; 0 is one thread a processor",
+    )
+    parser.add_argument(
+        "--dask",
+        metavar="ADDRESS",
+        help="make each k on a worker of this Dask scheduler, with the same results",
+    )
+    parser.add_argument(
+        "--shared",
+        metavar="DIR",
+        help="with --dask: where the cliques lie meanwhile, for all workers to see",
+    )
     parser.add_argument(
         "--summary", metavar="FILE", help="write how the run went and what it found as JSON"
     )
@@ -162,6 +179,12 @@ def _check(arguments: argparse.Namespace) -> None:
         text = getattr(arguments, name)
         if text is not None and not re.fullmatch(r"[0-9]{1,9}", text):
             raise UsageError(f"{switch} takes a whole number, not '{text}'")
+    if not re.fullmatch(r"[0-9]{1,4}", arguments.threads) or int(arguments.threads) > 1024:
+        raise UsageError(f"--threads takes a whole number up to 1024, not '{arguments.threads}'")
+    if arguments.dask is not None and arguments.threads != "1":
+        raise UsageError("--dask and --threads do not go together")
+    if arguments.shared is not None and arguments.dask is None:
+        raise UsageError("--shared goes with --dask")
     if limit is not None and limit <= 0:
         raise UsageError("-t takes a time above 0")
     if lower is not None and upper is not None and lower >= upper:
@@ -249,7 +272,7 @@ def _run(arguments: argparse.Namespace, summary: _Summary, console: Console) -> 
     del reading
     if not replaces:
         end = _finished(arguments, links, arguments.output, final, console)
-        _say_end(end, summary, _left(final), console)
+        _say_end(end, summary, _left(final, arguments), console)
         if not end.completed or end.not_written:
             return 1
         made = final
@@ -294,7 +317,10 @@ def _finished(
         None if lower is None else float(lower),
         None if upper is None else float(upper),
     )
+    client: Any = None
     try:
+        if arguments.dask is not None:
+            client = _client(arguments.dask)
         done = plexor.run(
             links,
             output,
@@ -304,6 +330,9 @@ def _finished(
             intensity=None if arguments.intensity is None else float(arguments.intensity),
             time_limit=None if arguments.time_limit is None else float(arguments.time_limit),
             digits=6 if arguments.digits is None else int(arguments.digits),
+            threads=int(arguments.threads),
+            client=client,
+            shared=arguments.shared,
             name=None if isinstance(links, str) else arguments.file,
             progress=not console.quiet and sys.stderr.isatty(),
         )
@@ -311,23 +340,40 @@ def _finished(
         if final is None:
             console.error("the results of before are as they were")
         else:
-            console.error(_left(final))
+            console.error(_left(final, arguments))
         raise
     except PlexorError as error:
         return _End(False, " ".join(str(error).split()))
+    finally:
+        if client is not None:
+            client.close()
     return _End(True, "", [str(path) for path in done.not_written])
 
 
-def _left(final: Path) -> str:
+def _client(address: str) -> Any:
+    """Of Dask's scheduler at the address."""
+    try:
+        distributed: Any = importlib.import_module("distributed")
+    except ImportError as error:
+        raise ToolError("--dask needs the Python package distributed (python3-distributed)") from error
+    try:
+        return distributed.Client(address)
+    except (OSError, ValueError) as error:
+        raise ToolError(f"no Dask scheduler at {address}: {error}") from error
+
+
+def _left(final: Path, arguments: argparse.Namespace) -> str:
     """What is on the disk of a run that did not end."""
     if not final.is_dir():
         return f"nothing is in '{final}'"
     there = sorted(entry.name for entry in final.iterdir())
     levels = sum(1 for name in there if _LEVEL.fullmatch(name))
     files = len(there) - levels
+    one_by_one = arguments.threads == "1" and arguments.dask is None
+    which = "the last of them" if one_by_one else "some of them maybe"
     return (
         f"'{final}' has {plural(files, 'file')} and the folders of {plural(levels, 'k', 'k')}, "
-        "the last of them incomplete"
+        f"{which} incomplete"
     )
 
 
