@@ -218,7 +218,7 @@ py::tuple Whole_run(std::string const& input, std::optional<std::string> const& 
     {
         py::gil_scoped_release const release;
         report = level_source ? Run_to_cliques(request, named, watcher, of_levels)
-                        : Run(request, named, watcher);
+                              : Run(request, named, watcher);
     }
     if (level_source) {
         (*level_source)["first"] = Out(of_levels.first);
