@@ -104,7 +104,7 @@ def test_an_attempt_that_was_cut_short_leaves_nothing(
     final = tmp_path / "many"
     plexor._engine.run(
         os.fsencode(links), os.fsencode(final), None, False, None, None, None, None, 6, 1, -1, None,
-        None, levels,
+        None, None, levels,
     )
     assert not list(final.glob("k=*"))
     arrays, parts = tmp_path / "arrays", tmp_path / "parts"
