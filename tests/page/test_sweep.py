@@ -119,7 +119,7 @@ def test_the_recipe_for_snakemake_gives_the_same_bytes(tmp_path: Path, monkeypat
     if shutil.which("snakemake") is None:
         pytest.skip("Snakemake is not there")
     # The recipe as the page has it, with plexor-tool as it is found here.
-    page = (networks.ROOT / "docs" / "many-machines.md").read_text().split("## Snakemake\n")[1].split("\n## ")[0]
+    page = (networks.ROOT / "docs" / "many-machines.md").read_text().split("### Snakemake\n")[1].split("\n### ")[0]
     recipe = "".join(line[4:] + "\n" if line.startswith("    ") else "\n" for line in page.split("\n"))
     assert recipe.count("plexor-tool sweep net.txt -w 0.1:0.9:0.1 -o sweep") == 2
     tool = tmp_path / "plexor-tool"
