@@ -178,7 +178,7 @@ bool Dir_before_first_clock::Mehet_tovabb() {
     return false;
 }
 
-// Invariant: a set lies in a clique found at a done node exactly when it can be lined up together
+// Invariant: a set lies in a clique found at a done node exactly when it is acyclic together
 //            with some done node.
 // Relies on: at a done node all maximal sets with it have been found, of three nodes or more.
 // Buys:      no clique is looked at, however many there are.

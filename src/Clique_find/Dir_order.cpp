@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The order of the sets that can be lined up.
+// The order of the acyclic sets.
 //
 // Takes    the surroundings of a node, sets of its centre and candidates.
 // Leaves   their order.

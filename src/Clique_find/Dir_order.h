@@ -44,7 +44,7 @@ private:
 
 class Dir_order {
 public:
-    /// Sorts sets that can be lined up, none inside another, each of ascending places of candidates
+    /// Sorts acyclic sets, none inside another, each of ascending places of candidates
     /// and then the centre: the numbers of the sets in the order in which they are listed. It is
     /// the order in which they are first met when a line, at first of the centre alone, grows in
     /// every possible way: by gaps from the front, and in a gap by ascending nodes.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Directed_bron_kerbosch: finds the sets around one node that can be lined up: sets of nodes, two
-// by two linked, whose one-way links (those without a reverse) close no cycle. Just these can be
-// put in a line such that every node has a link to every later one.
+// Directed_bron_kerbosch: finds the acyclic sets around one node: sets of nodes, two by two
+// linked, whose one-way links (those without a reverse) close no cycle. Just these can be put in a
+// line such that every node has a link to every later one.
 #ifndef PLEXOR_DIRECTED_BRON_KERBOSCH_H
 #define PLEXOR_DIRECTED_BRON_KERBOSCH_H
 
@@ -29,7 +29,7 @@ struct Memory {
     std::vector<std::uint64_t> work;
     std::vector<Place> rivals;
 
-    /// An open branch: the set lined up so far has grown by one candidate.
+    /// An open branch: the set so far has grown by one candidate.
     struct Level {
         std::size_t rivals_begin = 0; ///< in rivals; they end where the next level's begin
         Place placed = 0;             ///< the candidate that opened the branch
@@ -51,10 +51,10 @@ struct Memory {
 
 class Directed_bron_kerbosch {
 public:
-    /// Finds every set of the centre and two candidates or more that can be lined up, and that no
-    /// other candidate and no excluded node can join. False when the pace ended the search, or when
-    /// they need more than `max_bytes`: then the search goes on to its end to see whether there is
-    /// time for that, and All_kept() is false.
+    /// Finds every acyclic set of the centre and two candidates or more that no other candidate and
+    /// no excluded node can join. False when the pace ended the search, or when they need more than
+    /// `max_bytes`: then the search goes on to its end to see whether there is time for that, and
+    /// All_kept() is false.
     bool Find(Dir_surroundings const& around, Pace* pace,
               std::size_t max_bytes = std::numeric_limits<std::size_t>::max());
     bool All_kept() const { return memory_.all_kept; }

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Takes    the graph, a node; within a time which nodes are done.
-// Leaves   each maximal set of three nodes or more that can be lined up once, found at the first of
-//          its nodes.
+// Leaves   each maximal acyclic set of three nodes or more once, found at the first of its nodes.
 // Order    see Dir_order.
 // Cost     where all links have their reverse, or one-way links close no cycle, that of the
 //          undirected search, and the sorting. Memory: that of one node, and Known_cliques.
@@ -110,7 +109,7 @@ bool Directed_finder::Find_around(std::size_t max_bytes, Set_list& cliques) {
     return true;
 }
 
-// Where one-way links close no cycle, nodes two by two linked can always be lined up.
+// Where one-way links close no cycle, all sets of nodes two by two linked are acyclic.
 bool Directed_finder::Find_acyclic(std::size_t max_bytes) {
     constexpr std::size_t steps_a_link = 4;
     if (!local_.Start(around_.Centre(), pace_.Is_bounded() ? &pace_ : nullptr)) {

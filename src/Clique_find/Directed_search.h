@@ -1,17 +1,16 @@
 // SPDX-License-Identifier: MIT
-// Maximal sets that can be lined up, by branching with pivots on bit rows.
+// Maximal acyclic sets, by branching with pivots on bit rows.
 //
 // Takes    the surroundings of a node.
 // Leaves   each set of the centre and two candidates or more that is a directed clique and no part
-// of one with
-//          another candidate or an excluded node.
+//          of one with another candidate or an excluded node.
 // Order    none: the caller sorts.
 // Cost     what counts in practice is a few branches a set, each of so many words a candidate as
 //          the candidates fill. Memory: three rows of bits a node, and the sets of this one node.
 // Tested   Clique_find_dir_test.cpp: all subsets of random digraphs, and the literal gap search.
 //
-// A set can be lined up when it is two by two linked and its one-way links close no cycle; every
-// part of it then can, too. That is all that branching needs: a node that cannot join a set cannot
+// A set is acyclic when it is two by two linked and its one-way links close no cycle; every
+// part of it then is, too. That is all that branching needs: a node that cannot join a set cannot
 // join a larger one.
 #ifndef PLEXOR_DIRECTED_SEARCH_H
 #define PLEXOR_DIRECTED_SEARCH_H
@@ -41,7 +40,7 @@ public:
     bool Recurrent_inc_inv_dir(Pace* pace);
 
 private:
-    // A level's sets. Its candidates can each join the set lined up; the tried ones could, and so
+    // A level's sets. Its candidates can each join the set so far; the tried ones could, and so
     // could its rivals, which are excluded nodes.
     enum Level_set : std::size_t { candidates, tried, to_try, cyclic, n_level_sets };
 
@@ -219,7 +218,7 @@ template <std::size_t fixed_words>
     Set_bit(Set_of(depth, tried), placed);
     Set_bit(memory_.lined_up.data(), placed);
 
-    // A rival without a link to a candidate can extend only the set lined up so far, which is not
+    // A rival without a link to a candidate can extend only the set so far, which is not
     // maximal while there are candidates.
     bool const no_more = Empty(still);
     std::size_t const rivals_end = memory_.rivals.size();
@@ -276,9 +275,9 @@ template <std::size_t fixed_words> void Search<fixed_words>::Look_for_cycles() {
 }
 
 // Finds candidates of which a set must hold one to close a cycle with the pivot; returns how many.
-// Such a cycle runs through nodes linked with the pivot, in the set lined up and the candidates,
-// and somewhere through a candidate, since the pivot can join the set lined up. The first candidate
-// on its way from the pivot is one reached directly or over the set lined up; the last one leads
+// Such a cycle runs through nodes linked with the pivot, in the set so far and the candidates,
+// and somewhere through a candidate, since the pivot can join the set so far. The first candidate
+// on its way from the pivot is one reached directly or over the set so far; the last one leads
 // back in the same way. The smaller of these two choices is taken.
 template <std::size_t fixed_words>
 std::size_t Search<fixed_words>::Cycle_breakers(Place pivot, Word* breakers) {
@@ -326,7 +325,7 @@ std::size_t Search<fixed_words>::Cycle_breakers(Place pivot, Word* breakers) {
 // when every set of this branch can be joined by a node from outside it.
 // Invariant: a maximal set without the pivot holds a candidate that is not linked with the pivot,
 //            or one that closes a cycle with it.
-// Relies on: the pivot can join the set lined up; it could join the maximal set otherwise.
+// Relies on: the pivot can join the set so far; it could join the maximal set otherwise.
 // Buys:      only the pivot (if it is a candidate) and those candidates are tried.
 // Pinned by: Clique_find_dir_test
 template <std::size_t fixed_words>
@@ -372,7 +371,7 @@ template <std::size_t fixed_words>
     return least > 0;
 }
 
-// The set lined up is complete. It is new when nothing from outside can join it.
+// The set is complete. It is new when nothing from outside can join it.
 template <std::size_t fixed_words> void Search<fixed_words>::Iktatjuk_az_uj_vert_clt() {
     std::size_t const depth = Depth();
     bool const has_rivals = memory_.rivals.size() > memory_.levels.back().rivals_begin;

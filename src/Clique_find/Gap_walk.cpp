@@ -9,16 +9,16 @@
 //          bytes for each node that may join each line on the way, no more than for each link.
 // Tested   Gap_walk_test.cpp
 //
-// Invariant: a line is left when its nodes and all that may join it can be lined up: their set is
-//            listed here, once for all, or it is listed elsewhere.
+// Invariant: a line is left when its nodes and all that may join it are an acyclic set, which is
+//            listed here, once for all, or is listed elsewhere.
 // Relies on: whatever the line becomes is a part of that set. The set is met first by the steps of
 //            its First_line: if these begin with the steps that led here it is met behind this
 //            line and nowhere before; if they do not, it is met elsewhere. If another node can join
 //            the set, no part of it is listed at all.
 // Buys:      nothing that has been listed need be kept in mind; and the walk is never behind the
 //            search by gaps, which leaves a line only when that set lies in a known one: then it
-//            can be lined up.
-// Breaks if: a line whose set cannot be lined up were left for another reason than that nothing
+//            is acyclic.
+// Breaks if: a line whose set is not acyclic were left for another reason than that nothing
 //            that it may become is met here first (Keeps_its_order), or is maximal (Any_can_join).
 // Pinned by: Gap_walk_test, timed_prefix
 #include "Clique_find/Gap_walk.h"
@@ -338,7 +338,7 @@ bool Gap_walk::Has_cycle(Words const& set) {
 }
 
 // Whether some other node can join all of the set; or (`surely`) every part of it, even where the
-// set itself cannot be lined up: then the node must be on no cycle.
+// set itself is not acyclic: then the node must be on no cycle.
 bool Gap_walk::Any_can_join(bool surely) {
     for (Number node = 0; node < places_.size(); ++node) {
         if (node <= n_candidates_ && Has_bit(all_.data(), node)) {

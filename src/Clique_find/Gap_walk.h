@@ -17,9 +17,9 @@ namespace cpm {
 
 class Gap_walk {
 public:
-    /// Lists the sets of the centre and two candidates or more that can be lined up, and that no
-    /// other candidate and no excluded node can join, in the order of Dir_order, until all are
-    /// there, or `most` of them, or the pace says that the time is up. `check` has just looked at
+    /// Lists the acyclic sets of the centre and two candidates or more that no other candidate and
+    /// no excluded node can join, in the order of Dir_order, until all are there, or `most` of
+    /// them, or the pace says that the time is up. `check` has just looked at
     /// the surroundings, of which the links have not been gathered; with `acyclic` their one-way
     /// links close no cycle. False when the walk did not get as far as the check did.
     bool List(Dir_surroundings const& around, Dir_before_first_clock& check, bool acyclic,
