@@ -224,7 +224,9 @@ void Percolating_all_k(benchmark::State& state) {
     std::size_t n_communities = 0;
     Communities coms;
     for (auto _ : state) {
-        Percolation percolation(network.found, network.n_nodes, network.edges);
+        Percolation percolation(
+            network.found, std::make_shared<Ranked_cliques>(network.found.cliques, network.n_nodes),
+            network.edges);
         n_communities = 0;
         for (std::uint32_t k = network.largest; k > 2; --k) {
             percolation.Coms_from_appr_ovlp_matr(coms, k);
@@ -237,7 +239,9 @@ void Percolating_all_k(benchmark::State& state) {
 // The communities at k = 3 with everything that writing them needs.
 struct Lowest_level {
     explicit Lowest_level(Prepared& network)
-        : percolation(network.found, network.n_nodes, network.edges),
+        : percolation(network.found,
+                      std::make_shared<Ranked_cliques>(network.found.cliques, network.n_nodes),
+                      network.edges),
           lines(network.edges, network.links, *network.labels) {
         percolation.Coms_from_appr_ovlp_matr(coms, 3);
     }

@@ -809,6 +809,7 @@ struct Level_files::Data {
     Data(Level_source_view const& source, std::string const& directory)
         : labels(Names_of(source)),
           place(directory), files{place, source.com_flag, source.header, console} {
+        cpm::Found_cliques found;
         found.cliques = Listed(source.cliques, source.clique_offsets);
         found.n_exact = source.n_exact;
         found.nested = source.nested;
@@ -823,12 +824,11 @@ struct Level_files::Data {
         }
         links.weights.Append(source.weight);
         auto const n_nodes = static_cast<cpm::Node>(source.name_offsets.size() - 1);
-        finder.emplace(
-            cpm::Coms_input{found, std::move(links), labels, n_nodes, source.largest, settings},
-            files, progress);
+        finder.emplace(cpm::Coms_input{std::move(found), std::move(links), labels, n_nodes,
+                                       source.largest, settings},
+                       files, progress);
     }
 
-    cpm::Found_cliques found;
     cpm::Name_labels labels;
     cpm::Run_settings settings;
     cpm::Console console{-1};

@@ -181,7 +181,7 @@ void Adjacent_cliques::Visit_adjacent(Adjacent_clique const& from,
     }
     Clique_header const* const headers = cliques_.Headers();
     candidates_.resize(Keep_possible(candidates_.data(), candidates_.size(), headers,
-                                     cliques_.Nodes(), headers[from.clique].signature,
+                                     cliques_.Flat().data(), headers[from.clique].signature,
                                      min_shared_));
     for (Candidate const& candidate : candidates_) {
         Visit_if_adjacent(candidate, adjacent);

@@ -148,10 +148,15 @@ void Community_sets::Unite(Flat_array<T>& sorted, Flat_array<T>& more, std::size
     sorted.Swap(united);
 }
 
-Node_set Community_sets::Nodes(std::size_t community) const {
+Node_set Community_sets::Nodes(std::size_t community) {
     Level_sets::Community const& one = level_->communities[community];
-    return one.sets == none ? cliques_.Cliques()[one.clique]
-                            : Node_set(level_->sets[one.sets].nodes);
+    if (one.sets != none) {
+        return level_->sets[one.sets].nodes;
+    }
+    std::span<Node const> const ranked = cliques_[one.clique];
+    lone_clique_.assign(ranked.begin(), ranked.end());
+    std::ranges::sort(lone_clique_);
+    return lone_clique_;
 }
 
 std::shared_ptr<Community_links const>

@@ -50,7 +50,8 @@ public:
     void Add_community(std::span<Adjacent_clique const> members);
 
     std::size_t size() const { return level_->communities.size(); }
-    Node_set Nodes(std::size_t community) const;
+    /// Its nodes, ascending; they stay there until the next call.
+    Node_set Nodes(std::size_t community);
     /// The communities of this level by their places in `order`, with their links, ascending. What
     /// is given out stays as it is.
     std::shared_ptr<Community_links const> Links(std::vector<std::uint32_t> order) const;
@@ -69,6 +70,7 @@ private:
     Flat_array<std::uint32_t> merged_into_;  ///< old community -> the new one that has it
     Flat_array<Node> more_nodes_;
     Flat_array<Link_number> more_links_;
+    std::vector<Node> lone_clique_;  ///< ascending; its nodes were asked for last
     Flat_array<std::uint64_t> bits_; ///< all zero between calls
 };
 

@@ -10,9 +10,6 @@
 
 namespace cpm {
 
-Percolation::Percolation(Found_cliques const& found, Node n_nodes, Edge_numbering const& edges)
-    : Percolation(found, std::make_shared<Ranked_cliques>(found.cliques, n_nodes), edges) {}
-
 Percolation::Percolation(Found_cliques const& found, std::shared_ptr<Ranked_cliques const> cliques,
                          Edge_numbering const& edges)
     : cliques_(std::move(cliques)), walk_(found, *cliques_),

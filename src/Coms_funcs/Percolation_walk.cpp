@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <utility>
 #include <vector>
 
 namespace cpm {
@@ -105,11 +106,12 @@ std::unique_ptr<Adjacency> Make_adjacency(Found_cliques const& found,
 
 } // namespace
 
-Percolation_walk::Percolation_walk(Found_cliques const& found, Ranked_cliques const& cliques)
-
-    : cliques_(cliques), nested_(Levels_nest(found)), adjacency_(Make_adjacency(found, cliques)) {
-    assert(&cliques.Cliques() == &found.cliques);
+Set_list Cliques_to_rank(Found_cliques& found) {
+    return found.before_merge ? found.cliques : std::move(found.cliques);
 }
+
+Percolation_walk::Percolation_walk(Found_cliques const& found, Ranked_cliques const& cliques)
+    : cliques_(cliques), nested_(Levels_nest(found)), adjacency_(Make_adjacency(found, cliques)) {}
 
 void Percolation_walk::Walk(std::uint32_t k, Community_taker& taker, Progress* progress) {
     constexpr std::uint32_t cliques_a_tick = 2048;
@@ -119,11 +121,11 @@ void Percolation_walk::Walk(std::uint32_t k, Community_taker& taker, Progress* p
     if (k == 0) {
         return;
     }
-    Set_list const& cliques = cliques_.Cliques();
     adjacency_->Start_level(k);
-    for (std::size_t c = adjacency_->Next_unvisited(0); c < cliques.size();
+    for (std::size_t c = adjacency_->Next_unvisited(0); c < cliques_.size();
          c = adjacency_->Next_unvisited(c + 1)) {
-        if (cliques[c].size() >= k && Grow_community(static_cast<Clique_number>(c), pace)) {
+        auto const first = static_cast<Clique_number>(c);
+        if (cliques_[first].size() >= k && Grow_community(first, pace)) {
             taker.Take(members_);
         }
     }

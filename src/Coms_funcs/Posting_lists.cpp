@@ -47,7 +47,7 @@ Posting_lists::Posting_lists(Ranked_cliques const& cliques, Visited_cliques cons
 // Gives each list room for all cliques of its node, those without signatures behind the others.
 // Returns where these begin.
 std::uint64_t Posting_lists::Lay_out(std::uint32_t min_very_long) {
-    for (Node const node : cliques_.Cliques().Flat()) {
+    for (Node const node : cliques_.Flat()) {
         ++states_[node].n_active_cliques;
     }
     std::uint64_t begin = 0;
@@ -73,7 +73,7 @@ void Posting_lists::Clear() {
 }
 
 void Posting_lists::Activate(Clique_number clique) {
-    for (Node const node : cliques_.Cliques()[clique]) {
+    for (Node const node : cliques_[clique]) {
         if (states_[node].n_active_cliques++ == 0) {
             active_nodes_.push_back(node);
         }
@@ -211,12 +211,11 @@ void Posting_lists::Scan_slices(Bit_slices& slices, std::size_t n, Adjacency_que
 // with most neighbours, where the most cliques overlap: numbered as they occur from there, the
 // nodes of one dense region get numbers in a row.
 void Posting_lists::Bucket_nodes() {
-    Set_list const& cliques = cliques_.Cliques();
     bucket_.Resize(states_.size());
     Flat_array<std::uint8_t> numbered(bucket_.size(), 0);
     std::size_t next = 0;
-    for (std::size_t c = cliques.size(); c-- > 0;) {
-        for (Node const node : cliques[c]) {
+    for (std::size_t c = cliques_.size(); c-- > 0;) {
+        for (Node const node : cliques_[static_cast<Clique_number>(c)]) {
             if (numbered[node] == 0) {
                 numbered[node] = 1;
                 bucket_[node] = static_cast<Node_bucket>(next++ % slices_.N_buckets());

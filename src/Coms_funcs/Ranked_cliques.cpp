@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Takes    the clique list.
 // Leaves   it ranked: the order of a clique's nodes is by how many cliques hold them, then by node.
-// Cost     4 bytes per clique member and 36 bytes per clique; a sort of each clique's nodes.
+// Cost     36 bytes per clique beside the members; a sort of each clique's nodes.
 // Tested   Adjacent_cliques_test.cpp.
 #include "Coms_funcs/Ranked_cliques.h"
 
@@ -30,27 +30,26 @@ Wide_signature Wide_signature_of(std::span<Node const> nodes) {
     return signature;
 }
 
-Ranked_cliques::Ranked_cliques(Set_list const& cliques, Node n_nodes)
-    : cliques_(cliques), n_nodes_(n_nodes) {
+Ranked_cliques::Ranked_cliques(Set_list cliques, Node n_nodes) : n_nodes_(n_nodes) {
     Flat_array<Clique_number> n_cliques(std::size_t{n_nodes} + 1, 0); // that hold the node
     for (Node const node : cliques.Flat()) {
         ++n_cliques[node];
     }
-    ranked_.Append(cliques.Flat());
-    headers_.Reserve(cliques.size() + 1);
-    std::uint64_t begin = 0;
-    for (std::size_t c = 0; c < cliques.size(); ++c) {
-        headers_.push_back({Wide_signature_of(cliques[c]), begin});
-        std::uint64_t const end = begin + cliques[c].size();
-        std::sort(ranked_.begin() + begin, ranked_.begin() + end, [&](Node a, Node b) {
-            return n_cliques[a] != n_cliques[b] ? n_cliques[a] < n_cliques[b] : a < b;
-        });
-        begin = end;
-    }
-    headers_.push_back({{}, begin});
     by_size_ = Groups<Clique_number>(
         cliques.size(), Largest(cliques) + 1, [&](std::size_t c) { return cliques[c].size(); },
         [](std::size_t c) { return c; });
+    headers_.Reserve(cliques.size() + 1);
+    for (std::size_t c = 0; c < cliques.size(); ++c) {
+        headers_.push_back({Wide_signature_of(cliques[c]), cliques.Starts()[c]});
+    }
+    headers_.push_back({{}, cliques.Total()});
+    ranked_ = cliques.Take_flat();
+    for (std::size_t c = 0; c < size(); ++c) {
+        std::sort(ranked_.begin() + headers_[c].begin, ranked_.begin() + headers_[c + 1].begin,
+                  [&](Node a, Node b) {
+                      return n_cliques[a] != n_cliques[b] ? n_cliques[a] < n_cliques[b] : a < b;
+                  });
+    }
 }
 
 } // namespace cpm

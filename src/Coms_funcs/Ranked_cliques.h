@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Ranked_cliques: the clique list with the nodes of each clique ranked rarest first (a node is rare
 // when few cliques hold it), and what is known of a clique without its nodes. Const once built: all
-// levels and all threads share one.
+// levels and all threads share one. They are ranked where they lie: of a large network's cliques
+// there is no room for a second copy.
 #ifndef PLEXOR_RANKED_CLIQUES_H
 #define PLEXOR_RANKED_CLIQUES_H
 
@@ -46,11 +47,9 @@ struct Clique_header {
 
 class Ranked_cliques {
 public:
-    /// The cliques must outlive this.
-    Ranked_cliques(Set_list const& cliques, Node n_nodes);
+    Ranked_cliques(Set_list cliques, Node n_nodes);
 
-    Set_list const& Cliques() const { return cliques_; }
-    std::size_t size() const { return cliques_.size(); }
+    std::size_t size() const { return headers_.size() - 1; }
     Node Number_of_nodes() const { return n_nodes_; }
     /// The nodes of all cliques together.
     std::uint64_t Total() const { return ranked_.size(); }
@@ -63,7 +62,7 @@ public:
     /// That of each clique, and one more, which tells where the nodes of the last one end.
     Clique_header const* Headers() const { return headers_.data(); }
     /// The ranked nodes of all cliques, one clique after the other.
-    Node const* Nodes() const { return ranked_.data(); }
+    std::span<Node const> Flat() const { return {ranked_.data(), ranked_.size()}; }
 
     std::size_t Largest_size() const { return by_size_.size() - 1; }
     /// The cliques of so many nodes, ascending.
@@ -75,7 +74,6 @@ public:
     void Prefetch_nodes(Clique_number clique) const { __builtin_prefetch((*this)[clique].data()); }
 
 private:
-    Set_list const& cliques_;
     Node n_nodes_;
     Flat_array<Node> ranked_;
     Flat_array<Clique_header> headers_;

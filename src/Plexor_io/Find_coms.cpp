@@ -45,7 +45,9 @@ void Coms_finder::Find_all(unsigned n_threads) {
 
 void Coms_finder::From_overlaps(std::uint32_t k) {
     if (!percolation_) {
-        percolation_ = std::make_unique<Percolation>(input_.found, input_.n_nodes, edges_);
+        auto cliques =
+            std::make_shared<Ranked_cliques>(Cliques_to_rank(input_.found), input_.n_nodes);
+        percolation_ = std::make_unique<Percolation>(input_.found, std::move(cliques), edges_);
     }
     progress_.Level_began(k, input_.largest_clique);
     percolation_->Coms_from_appr_ovlp_matr(coms_, k, &progress_);

@@ -36,7 +36,7 @@ public:
             threads_.push_back(std::make_unique<Own>(files.place, input.context));
         }
         if (!Intensity()) {
-            ranked_.emplace(input.found.cliques, input.context.n_nodes);
+            ranked_.emplace(Cliques_to_rank(input.found), input.context.n_nodes);
             percolation_.emplace(input.found, *ranked_, input.edges, ks, n_threads);
         }
     }

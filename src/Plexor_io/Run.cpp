@@ -87,13 +87,14 @@ void Run_from_links(Run_settings& run, Input_request const& request, Link_source
     Node const n_nodes = network.N_nodes();
     Name_labels const labels(std::move(network.names));
     ::malloc_trim(0); // what reading needed goes back before the lists of the search grow beside it
-    Found_cliques const found = Search(network.links, run, clock, progress, console);
+    Found_cliques found = Search(network.links, run, clock, progress, console);
     console.Put_line("___________________________");
     console.Put_line(" Writing cliques to disk...");
     Kiir_cliques_PX(found.cliques, found.n_exact, labels, files);
     console.Put_line(" done.");
     std::uint32_t const largest = Max_clique_size_in_cl_vec(found.cliques);
-    communities({found, std::move(network.links), labels, n_nodes, largest, run}, files, progress);
+    communities({std::move(found), std::move(network.links), labels, n_nodes, largest, run}, files,
+                progress);
     Print_banner(console);
 }
 

@@ -27,7 +27,7 @@ struct Parallel_percolation::Level : public Community_taker {
     void Take(std::span<Adjacent_clique const> members) override {
         for (Adjacent_clique const& member : members) {
             com_cliques.Append(member.clique);
-            if (cliques.Cliques()[member.clique].size() < known_from) {
+            if (cliques[member.clique].size() < known_from) {
                 new_nodes.push_back(member.new_nodes);
             }
         }
@@ -78,7 +78,7 @@ void Parallel_percolation::Join(std::size_t place, Progress& progress) {
         pace.Spend(1);
         members_.clear();
         for (Clique_number const clique : level.com_cliques[i]) {
-            bool const is_known = cliques_.Cliques()[clique].size() >= level.known_from;
+            bool const is_known = cliques_[clique].size() >= level.known_from;
             members_.push_back({clique, is_known ? 0 : *next_new++});
         }
         lister_.Add_sets(members_);

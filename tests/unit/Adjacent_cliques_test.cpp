@@ -20,7 +20,8 @@ std::uint32_t Shared(Node_set a, Node_set b) {
 // All pairs, one by one. Visits as the index does.
 class By_pairs {
 public:
-    explicit By_pairs(Ranked_cliques const& ranked) : cliques_(ranked.Cliques()), ranked_(ranked) {}
+    By_pairs(Set_list const& cliques, Ranked_cliques const& ranked)
+        : cliques_(cliques), ranked_(ranked) {}
 
     void Start_level(std::uint32_t min_shared, std::uint32_t min_size) {
         min_shared_ = min_shared;
@@ -221,7 +222,7 @@ void Compare_levels(Set_list const& cliques, Node n, std::uint32_t largest,
     // Half of the time some lists have no signatures, or none has.
     Adjacent_cliques index(ranked,
                            random.Percent(50) ? Posting_lists::very_long : 1 + random.Below(12));
-    By_pairs by_pairs(ranked);
+    By_pairs by_pairs(cliques, ranked);
     for (std::uint32_t min_size = largest + 2; min_size > 1; --min_size) {
         std::uint32_t const min_shared = min_size - 1;
         std::uint32_t const size = random.Percent(50) ? min_size : min_shared;
@@ -280,7 +281,7 @@ TEST(Adjacent_cliques, A_list_scanned_many_times_forgets_visited_cliques_only) {
     }
     Ranked_cliques const ranked(cliques, 602);
     Adjacent_cliques index(ranked);
-    By_pairs by_pairs(ranked);
+    By_pairs by_pairs(cliques, ranked);
     Random_numbers random(79);
     for (std::uint32_t const min_shared : {3U, 2U, 1U, 2U}) {
         index.Start_level(min_shared, 3);

@@ -42,7 +42,7 @@ struct Network {
 
     Network(Set_list const& list, Node n) : cliques(list), n_nodes(n) {}
 
-    Pairs Links_of(std::size_t community) const {
+    Pairs Links_of(std::size_t community) {
         std::vector<std::uint32_t> order(sets.size());
         std::iota(order.begin(), order.end(), 0U);
         Pairs result;

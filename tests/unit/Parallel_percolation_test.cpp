@@ -142,7 +142,9 @@ TEST(Parallel_percolation, Gives_what_one_level_after_the_other_gives) {
         unsigned const n_threads = 1 + round % 5;
         Listing_work work(network.found, ranked, network.edges, ks, n_threads);
         Pipeline pipeline(work, ks.size(), n_threads, 1 + round % 7);
-        Percolation percolation(network.found, network.n, network.edges);
+        Percolation percolation(network.found,
+                                std::make_shared<Ranked_cliques>(network.found.cliques, network.n),
+                                network.edges);
         Progress nobody;
         for (std::size_t place = 0; place < ks.size(); ++place) {
             pipeline.Next(nobody);

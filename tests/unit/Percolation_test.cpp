@@ -189,7 +189,7 @@ TEST(Percolation, No_clique_of_k_nodes_gives_no_communities) {
     Set_list const cliques{{1, 2, 3}};
     Edge_numbering const edges(To_index_links(Complete(1, 3)), 3, cliques, 1);
     Found_cliques const found{cliques, 1};
-    Percolation percolation(found, 3, edges);
+    Percolation percolation(found, std::make_shared<Ranked_cliques>(found.cliques, 3), edges);
     Communities coms;
     percolation.Coms_from_appr_ovlp_matr(coms, 4);
     EXPECT_EQ(coms.size(), 0U);
@@ -200,7 +200,7 @@ TEST(Percolation, A_clique_without_a_neighbour_is_a_community_with_all_its_pairs
     Set_list const cliques{{1, 2, 3}};
     Edge_numbering const edges(To_index_links(Complete(1, 3)), 3, cliques, 1);
     Found_cliques const found{cliques, 1};
-    Percolation percolation(found, 3, edges);
+    Percolation percolation(found, std::make_shared<Ranked_cliques>(found.cliques, 3), edges);
     Result const result = Communities_at(3, percolation, edges);
     EXPECT_EQ(result.nodes, (Lists{{1, 2, 3}}));
     EXPECT_EQ(result.cliques, (Lists{{0}}));
@@ -213,7 +213,7 @@ TEST(Percolation, A_shared_pair_is_listed_once_smaller_node_first) {
     links.erase({1, 4});
     Edge_numbering const edges(To_index_links(links), 4, cliques, 2);
     Found_cliques const found{cliques, 2};
-    Percolation percolation(found, 4, edges);
+    Percolation percolation(found, std::make_shared<Ranked_cliques>(found.cliques, 4), edges);
     Result const result = Communities_at(3, percolation, edges);
     EXPECT_EQ(result.links,
               (std::vector<std::vector<Node_pair>>{{{1, 2}, {1, 3}, {2, 3}, {2, 4}, {3, 4}}}));
@@ -234,7 +234,7 @@ TEST(Percolation, Approximated_communities_follow_and_may_hold_exact_cliques) {
     }
     Edge_numbering const edges(To_index_links(links), 13, cliques, 3);
     Found_cliques const found{cliques, 3};
-    Percolation percolation(found, 13, edges);
+    Percolation percolation(found, std::make_shared<Ranked_cliques>(found.cliques, 13), edges);
     Result const result = Communities_at(3, percolation, edges);
     EXPECT_EQ(result.cliques, (Lists{{0}, {2}, {1, 3}, {4}}));
     EXPECT_EQ(result.n_exact, 2U);
@@ -247,7 +247,7 @@ TEST(Percolation, K_0_finds_nothing_and_k_1_needs_a_shared_node) {
     links.merge(Complete(6, 8));
     Edge_numbering const edges(To_index_links(links), 8, cliques, 3);
     Found_cliques const found{cliques, 3};
-    Percolation percolation(found, 8, edges);
+    Percolation percolation(found, std::make_shared<Ranked_cliques>(found.cliques, 8), edges);
     EXPECT_EQ(Communities_at(0, percolation, edges).nodes.size(), 0U);
     EXPECT_EQ(Communities_at(1, percolation, edges).cliques, (Lists{{0, 1}, {2}}));
     EXPECT_EQ(Communities_at(2, percolation, edges).cliques, (Lists{{0, 1}, {2}}));
@@ -266,7 +266,8 @@ TEST(Percolation, A_long_chain_does_not_exhaust_the_stack) {
     links.pairs.push_back({length + 1, length + 2});
     Edge_numbering const edges(links, length + 2, cliques, length);
     Found_cliques const found{cliques, length};
-    Percolation percolation(found, length + 2, edges);
+    Percolation percolation(found, std::make_shared<Ranked_cliques>(found.cliques, length + 2),
+                            edges);
     Communities coms;
     percolation.Coms_from_appr_ovlp_matr(coms, 3);
     ASSERT_EQ(coms.size(), 1U);
@@ -293,7 +294,7 @@ TEST(Percolation, Random_networks_agree_with_the_matrix) {
         Edge_numbering const edges(index_links, n, cliques, n_exact);
         By_matrix by_matrix(cliques, n_exact);
         Found_cliques const found{cliques, n_exact};
-        Percolation percolation(found, n, edges);
+        Percolation percolation(found, std::make_shared<Ranked_cliques>(found.cliques, n), edges);
         auto const largest = static_cast<std::uint32_t>(Largest(cliques));
         for (std::uint32_t k = largest + 1; k > 1; --k) {
             ASSERT_EQ(Communities_at(k, percolation, edges), by_matrix.Communities_at(k))
@@ -331,7 +332,9 @@ TEST(Percolation,
     std::vector<Communities> kept;
     auto const largest = static_cast<std::uint32_t>(Largest(network.found.cliques));
     {
-        Percolation percolation(network.found, 40, network.edges);
+        Percolation percolation(network.found,
+                                std::make_shared<Ranked_cliques>(network.found.cliques, 40),
+                                network.edges);
         for (std::uint32_t k = largest; k > 1; --k) {
             kept.emplace_back();
             percolation.Coms_from_appr_ovlp_matr(kept.back(), k);
