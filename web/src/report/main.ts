@@ -148,6 +148,10 @@ async function draw(current: Level): Promise<void> {
     byId("picture-title").textContent = community === null ? "Communities and their overlaps" : `Community ${community} and its neighbours`;
     document.body.dataset.drawn = "no";
     let drawn: cytoscape.Core | null;
+    await nextSlice();
+    if (ended()) {
+        return;
+    }
     if (community === null) {
         container.setAttribute("aria-label", `Picture: ${count(current.picture.of.length, "community", "communities")} at k = ${current.k} as discs, linked where they share nodes`);
         drawn = await drawOverview(container, data, current, ended);
@@ -646,7 +650,7 @@ function start(): void {
         show(before);
     });
     state = { ...state, ...readHash() };
-    show(null);
+    void nextSlice().then(() => show(null));
     addEventListener("beforeprint", showPrintable);
     let shownDark = isDark();
     onTheme(() => {

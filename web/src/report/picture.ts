@@ -16,7 +16,7 @@ export const MAX_ELEMENTS = 2000;
 
 export type Style = cytoscape.StylesheetJson;
 
-const ELEMENTS_AT_ONCE = 120;
+const ELEMENTS_AT_ONCE = 40;
 
 /** A picture with its elements, added in short slices and shown when all are there; null if the reader has gone on meanwhile. */
 export async function makeCore(
@@ -25,7 +25,6 @@ export async function makeCore(
     container.style.opacity = "0";
     const cy = cytoscape({
         container,
-        elements: elements.slice(0, ELEMENTS_AT_ONCE),
         style,
         layout: { name: "preset" },
         minZoom: 0.03,
@@ -35,13 +34,19 @@ export async function makeCore(
         selectionType: "single",
         pixelRatio: "auto",
     });
-    for (let i = ELEMENTS_AT_ONCE; i < elements.length; i += ELEMENTS_AT_ONCE) {
+    for (let i = 0; i < elements.length; i += ELEMENTS_AT_ONCE) {
         await nextSlice();
         if (ended()) {
             cy.destroy();
             return null;
         }
-        cy.add(elements.slice(i, i + ELEMENTS_AT_ONCE));
+        // What fitting into view asks of all of them at once is worked out here, and kept.
+        cy.add(elements.slice(i, i + ELEMENTS_AT_ONCE)).boundingBox({});
+    }
+    await nextSlice();
+    if (ended()) {
+        cy.destroy();
+        return null;
     }
     container.style.opacity = "";
     return cy;
