@@ -32,13 +32,16 @@ std::size_t Weight(Graph const& graph, Node node) {
 // that handing it out costs more than a small part of it. Small networks have some blocks as well,
 // however little there is to gain. A node that outweighs a block is one by itself.
 std::vector<std::size_t> Search_blocks(Graph const& graph, unsigned n_threads) {
+    constexpr std::size_t min_weight = std::size_t{1} << 14;
     constexpr std::size_t max_weight = std::size_t{1} << 20;
-    constexpr std::size_t blocks_a_thread = 32;
+    constexpr std::size_t enough_blocks = 1024;
+    constexpr std::size_t min_blocks_a_thread = 32;
     std::size_t total = 0;
     for (Node node = 1; node <= graph.size(); ++node) {
         total += Weight(graph, node);
     }
-    std::size_t const wanted = std::min(max_weight, total / (blocks_a_thread * n_threads) + 1);
+    std::size_t const wanted = std::min(std::clamp(total / enough_blocks, min_weight, max_weight),
+                                        total / (min_blocks_a_thread * n_threads) + 1);
     std::vector<std::size_t> begins{0};
     std::size_t weight = 0;
     for (std::size_t i = 0; i < graph.size(); ++i) {

@@ -155,9 +155,10 @@ TEST(Parallel_finder, Cuts_the_nodes_into_blocks) {
     }
     EXPECT_EQ(Search_blocks(Graph{Index_links{}}, 2), std::vector<std::size_t>{0});
     // Equal nodes: each of the threads has 32 of them.
-    EXPECT_NEAR(static_cast<double>(Search_blocks(Chain(10000), 4).size()), 129.0, 3.0);
-    // A large network: no block is long.
-    EXPECT_GT(Search_blocks(Chain(1000000), 1).size(), 40U);
+    EXPECT_NEAR(static_cast<double>(Search_blocks(Chain(1000), 2).size()), 65.0, 3.0);
+    // A larger network: as many as are enough for a few threads, more for more of them.
+    EXPECT_NEAR(static_cast<double>(Search_blocks(Chain(1000000), 2).size()), 1024.0, 40.0);
+    EXPECT_GT(Search_blocks(Chain(1000000), 100).size(), 3000U);
 }
 
 // Counts the blocks that are waited for; a test can throw at one.
