@@ -7,6 +7,7 @@
 #include <plexor/Progress.h>
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -21,6 +22,9 @@ struct Search_options {
     Clock* clock = nullptr;
     /// Whom to tell; null for nobody.
     Progress* progress = nullptr;
+    /// How many threads search; 0 for one a processor. The cliques and their order are the same
+    /// whatever the number. A search with a time limit has one, the calling thread.
+    unsigned threads = 1;
 };
 
 namespace detail {
@@ -57,8 +61,21 @@ private:
 
 /// Searches the whole graph. The cliques come in the order in which `plexor` lists them.
 /// Throws Error: bad_argument (a time limit that is not above 0), too_large (2^32 cliques);
-/// Cancelled.
+/// Cancelled; std::system_error when the system has no thread to give.
 PLEXOR_API Cliques Find_cliques(Graph const& graph, Search_options const& options = {});
+
+/// Calls visit(clique), on the calling thread, for each clique that Find_cliques() would list, in
+/// the same order, until it returns false. Returns whether it never did. The order is that of the
+/// start nodes, fewest neighbours first and at equal numbers by index: at each of them the cliques
+/// without a node before it, in an undirected graph lexicographically. The list is never kept, and
+/// may have any length: in memory are the cliques of one start node at a time, with several threads
+/// also some that were found ahead (64 MB a thread, and what was being found when these were full).
+/// What the visitor throws ends the search and arrives at the caller.
+/// Throws Error: bad_argument (a time limit: which cliques there are in the end depends on what is
+/// approximated last, so they cannot be handed out before); Cancelled; std::system_error when the
+/// system has no thread to give.
+PLEXOR_API bool For_each_clique(Graph const& graph, std::function<bool(Nodes clique)> const& visit,
+                                Search_options const& options = {});
 
 } // namespace plexor
 

@@ -54,7 +54,7 @@ complete -c plexor-tool -n "__fish_seen_subcommand_from run" -s D -l directed -d
 complete -c plexor-tool -n "__fish_seen_subcommand_from run" -s U -l undirected -d 'undirected cliques'
 complete -c plexor-tool -n "__fish_seen_subcommand_from run" -s I -l intensity -x -d 'k-cliques above this intensity only'
 complete -c plexor-tool -n "__fish_seen_subcommand_from run" -s k -l clique-size -x -d 'communities at this k alone'
-complete -c plexor-tool -n "__fish_seen_subcommand_from run" -l threads -x -d 'work on several k at a time, with the same results'
+complete -c plexor-tool -n "__fish_seen_subcommand_from run" -l threads -x -d 'search on so many threads, then make several k at a time,...'
 complete -c plexor-tool -n "__fish_seen_subcommand_from run" -l dask -x -d 'make each k on a worker of this Dask scheduler, with the ...'
 complete -c plexor-tool -n "__fish_seen_subcommand_from run" -l shared -r -d 'with --dask: where the cliques lie meanwhile, for all wor...'
 complete -c plexor-tool -n "__fish_seen_subcommand_from run" -l summary -r -d 'write how the run went and what it found as JSON'

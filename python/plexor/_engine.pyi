@@ -22,6 +22,7 @@ class Search:
         upper: float | None,
         intensity: float | None,
         time_limit: float | None,
+        threads: int,
         progress: Callable[[int, int], None] | None,
     ) -> None: ...
     @property

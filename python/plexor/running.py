@@ -56,7 +56,8 @@ def run(
     then `name` is the path that the headers of the files show (else that of the file which the
     network was read from, or "network"). `output` is the directory; None for the name that the
     program would choose, which needs a file or a `name`. `digits` are those of thresholds in that
-    name. With several `threads` (0: one a processor) files of several k are written at a time.
+    name. Several `threads` (0: one a processor) share out the nodes of the clique search, then
+    make several k at a time.
 
     With a `client` of Dask (distributed.Client) each k is a task for its workers, which must see the
     output directory under the same absolute name, and so the folder `shared` (None: beside the output

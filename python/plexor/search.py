@@ -71,6 +71,7 @@ def find_cliques(
     directed: bool = False,
     weights: Weights | None = None,
     time_limit: float | None = None,
+    threads: int = 1,
     progress: Progress = False,
 ) -> Cliques:
     """All maximal cliques of three nodes or more, in the order of the program's file `cliques`.
@@ -78,13 +79,16 @@ def find_cliques(
     In a directed question a clique is a set of nodes that can be put in a line such that each has a
     link to every later one. `weights=(low, high)` leaves out links whose weight is not strictly
     between the bounds; None is no bound. `time_limit` is in seconds of processor time an attempt at
-    one node: nodes that take longer are given up, and their cliques approximated.
+    one node: nodes that take longer are given up, and their cliques approximated. `threads` share
+    out the nodes, 0 is one a processor; the result is the same whatever their number. With a time
+    limit the search has one.
 
     Raises ValueError for a question that cannot be asked, KeyboardInterrupt after Ctrl-C.
     """
     question = _question(network, directed, weights, None, time_limit)
+    _check_threads(threads)
     with Reporter(progress) as reporter:
-        return Cliques(_search(network, question, reporter)[0])
+        return Cliques(_search(network, question, threads, reporter)[0])
 
 
 @overload
@@ -126,8 +130,9 @@ def find_communities(
     largest clique down to 3) without `k`. They have the order and the numbers of the program.
 
     `intensity` asks for communities of k-cliques whose link weights have a geometric mean above it.
-    `threads` work on several `k` at the same time, each with an index of the cliques of its own; 0
-    is one a processor. The result is the same whatever their number. The other parameters are those of find_cliques.
+    `threads` share out the nodes of the search, then work on several `k` at the same time, each
+    with an index of the cliques of its own; 0 is one a processor. The result is the same whatever
+    their number. The other parameters are those of find_cliques.
 
     Raises ValueError for a question that cannot be asked (directed with an intensity, an intensity
     with a time limit, a time limit that is not positive, bounds of weights that leave nothing
@@ -144,7 +149,7 @@ def find_communities(
     else:
         ks = sorted({_checked_k(one) for one in k}, reverse=True)
     with Reporter(progress) as reporter:
-        result, engine = _search(network, question, reporter)
+        result, engine = _search(network, question, threads, reporter)
         if ks is None:
             ks = list(range(engine.largest, 2, -1))
         at = _level_maker(engine, ks, threads)
@@ -176,7 +181,7 @@ def _walk(
     network: Network, question: Parameters, threads: int, progress: Progress
 ) -> Iterator[Level]:
     with Reporter(progress) as reporter:
-        result, engine = _search(network, question, reporter)
+        result, engine = _search(network, question, threads, reporter)
         ks = list(range(engine.largest, 2, -1))
         at = _level_maker(engine, ks, threads)
         for done, k in enumerate(ks):
@@ -274,10 +279,12 @@ _SearchResult = tuple[Result, _engine.Search]
 
 def search(network: Network) -> _SearchResult:
     """A plain search, and the engine's hold of it for what is to follow."""
-    return _search(network, Parameters(), Reporter(False))
+    return _search(network, Parameters(), 1, Reporter(False))
 
 
-def _search(network: Network, question: Parameters, reporter: Reporter) -> _SearchResult:
+def _search(
+    network: Network, question: Parameters, threads: int, reporter: Reporter
+) -> _SearchResult:
     source, target = network._ends_in_order()
     engine = _engine.Search(
         source,
@@ -288,6 +295,7 @@ def _search(network: Network, question: Parameters, reporter: Reporter) -> _Sear
         *question.weights,
         question.intensity,
         question.time_limit,
+        threads,
         reporter.cliques(),
     )
     return Result(question, _EngineResult(network, engine, question), {}), engine

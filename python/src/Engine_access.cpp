@@ -19,6 +19,7 @@
 #include "Plexor_io/Run.h"
 #include "Plexor_io/Text_sink.h"
 #include "graph/Link_order.h"
+#include "parallel/Parallel_finder.h"
 #include "parallel/Parallel_percolation.h"
 #include "parallel/Pipeline.h"
 #include "parallel/Thread_count.h"
@@ -27,7 +28,6 @@
 #include "support/Version.h"
 
 #include <algorithm>
-#include <ctime>
 #include <limits>
 #include <mutex>
 #include <unordered_map>
@@ -51,16 +51,6 @@ public:
 
 private:
     Watcher& watcher_;
-};
-
-// The processor time of the thread: other threads of the process may be busy with other things.
-class Thread_clock : public cpm::Clock {
-public:
-    double Now() override {
-        timespec now{};
-        ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-        return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-    }
 };
 
 // The engine's nodes begin at 1, and its offsets have no sign.
@@ -131,7 +121,7 @@ struct Search_data {
 
     cpm::Node N_nodes() const { return static_cast<cpm::Node>(nodes.size()); }
     void Number_links(std::size_t n_nodes);
-    void Find(Watcher& watcher);
+    void Find(unsigned n_threads, Watcher& watcher);
     void Prepare_levels();
     void Number_edges();
 };
@@ -173,11 +163,11 @@ void Search_data::Number_links(std::size_t n_nodes) {
     }
 }
 
-void Search_data::Find(Watcher& watcher) {
+void Search_data::Find(unsigned n_threads, Watcher& watcher) {
     cpm::Graph const graph(links, question.directed);
-    Thread_clock clock;
+    cpm::Thread_clock clock;
     Told progress(watcher);
-    Find_cliques(found, graph, question.time_limit, clock, progress);
+    Find_cliques(found, graph, question.time_limit, clock, cpm::Thread_count(n_threads), progress);
 }
 
 void Search_data::Prepare_levels() {
@@ -211,7 +201,8 @@ void Search_data::Number_edges() {
     }
 }
 
-Search::Search(Links_in const& links, Question const& question, Watcher& watcher)
+Search::Search(Links_in const& links, Question const& question, unsigned n_threads,
+               Watcher& watcher)
     : data_(std::make_shared<Search_data>()) {
     data_->question = question;
     watcher.Tick();
@@ -219,7 +210,7 @@ Search::Search(Links_in const& links, Question const& question, Watcher& watcher
         Select(data_->selected, links, question);
         data_->Number_links(links.n_nodes);
         watcher.Tick();
-        data_->Find(watcher);
+        data_->Find(n_threads, watcher);
     } catch (cpm::Xerror_msg const& error) {
         Throw(error);
     }

@@ -154,7 +154,8 @@ class Search {
 public:
     /// Numbers the nodes that keep a link, in the order in which the links name them when sorted by
     /// (source, target), and finds all maximal cliques of three nodes or more.
-    Search(Links_in const& links, Question const& question, Watcher& watcher);
+    /// So many threads search, 0 as many as there are processors; within a time limit one.
+    Search(Links_in const& links, Question const& question, unsigned n_threads, Watcher& watcher);
 
     /// Node of the search -> node on the way in.
     Array<Number> Nodes() const;

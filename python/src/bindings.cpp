@@ -123,13 +123,14 @@ std::unique_ptr<Search> Make_search(In<Number> const& source, In<Number> const& 
                                     std::optional<In<double>> const& weight, std::size_t n_nodes,
                                     bool directed, std::optional<double> lower,
                                     std::optional<double> upper, std::optional<double> intensity,
-                                    std::optional<double> time_limit, py::object progress) {
+                                    std::optional<double> time_limit, unsigned threads,
+                                    py::object progress) {
     Links_in const links{View(source), View(target),
                          weight ? View(*weight) : std::span<double const>(), n_nodes};
     Question const question{directed, lower, upper, intensity, time_limit};
     Python_watcher watcher(std::move(progress));
     py::gil_scoped_release const release;
-    return std::make_unique<Search>(links, question, watcher);
+    return std::make_unique<Search>(links, question, threads, watcher);
 }
 
 Level At(Search const& search, Number k) {
@@ -320,7 +321,7 @@ PYBIND11_MODULE(_engine, module) {
     py::class_<Search>(module, "Search")
         .def(py::init(&Make_search), py::arg("source"), py::arg("target"), py::arg("weight"),
              py::arg("n_nodes"), py::arg("directed"), py::arg("lower"), py::arg("upper"),
-             py::arg("intensity"), py::arg("time_limit"), py::arg("progress"))
+             py::arg("intensity"), py::arg("time_limit"), py::arg("threads"), py::arg("progress"))
         .def("nodes", [](Search const& search) { return Out(search.Nodes()); })
         .def("links",
              [](Search const& search) {

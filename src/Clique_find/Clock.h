@@ -40,6 +40,17 @@ private:
     std::uint64_t ticks_ = 0;
 };
 
+/// The processor time that the calling thread has used: other threads of its process may be busy
+/// with other things.
+class Thread_clock : public Clock {
+public:
+    double Now() override {
+        timespec now{};
+        ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+        return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+    }
+};
+
 } // namespace cpm
 
 #endif

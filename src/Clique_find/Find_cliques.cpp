@@ -42,4 +42,10 @@ void Find_cliques(Found_cliques& found, Graph const& graph, std::optional<double
     }
 }
 
+void Find_cliques(Found_cliques& found, Graph const& graph, Exact_finder& finder,
+                  Progress& progress, std::size_t max_cliques) {
+    Search_graph(found.cliques, graph, finder, progress, max_cliques);
+    found.n_exact = found.cliques.size();
+}
+
 } // namespace cpm

@@ -5,6 +5,7 @@
 
 #include "Clique_find/Clique_limit.h"
 #include "Clique_find/Clock.h"
+#include "Clique_find/Finder.h"
 #include "graph/Graph.h"
 #include "graph/Types.h"
 #include "support/Progress.h"
@@ -28,6 +29,10 @@ struct Found_cliques {
 /// Throws Too_large when there are more than `max_cliques` cliques of all kinds.
 void Find_cliques(Found_cliques& found, Graph const& graph, std::optional<double> max_time_per_node,
                   Clock& clock, Progress& progress, std::size_t max_cliques = max_n_cliques);
+
+/// The same without a limit, by this finder (see Search_graph()).
+void Find_cliques(Found_cliques& found, Graph const& graph, Exact_finder& finder,
+                  Progress& progress, std::size_t max_cliques = max_n_cliques);
 
 } // namespace cpm
 

@@ -13,18 +13,23 @@
 
 namespace cpm {
 
-class Finder {
+/// Finds all cliques, however long it takes.
+class Exact_finder {
 public:
-    Finder() = default;
-    Finder(Finder const&) = delete;
-    Finder& operator=(Finder const&) = delete;
-    virtual ~Finder() = default;
+    Exact_finder() = default;
+    Exact_finder(Exact_finder const&) = delete;
+    Exact_finder& operator=(Exact_finder const&) = delete;
+    virtual ~Exact_finder() = default;
 
     /// Appends the cliques of three nodes or more whose first node in the order of the graph is
-    /// `node`, in the order in which they are to be listed. What it appends depends on the graph
-    /// and the node alone: nodes can be shared out among finders, and come in any order.
+    /// `node`, in the order in which they are to be listed.
     virtual void Find(Node node, Set_list& cliques) = 0;
+};
 
+/// Finds all cliques of a node, or those that it can within a time. What Find() appends depends on
+/// the graph and the node alone: nodes can be shared out among finders, and come in any order.
+class Finder : public Exact_finder {
+public:
     /// Leaves in `found`, which is empty, the cliques of three nodes or more that hold `node` and
     /// no done node and that no node of the network extends, in the order in which they are to be
     /// listed. Then the node is done, unless the budget says that the time is up: in that case

@@ -3,7 +3,8 @@
 //
 // Takes    the nodes in their order, a finder of the cliques of one node, perhaps a time limit.
 // Leaves   the cliques of the nodes done; then what was found at the nodes given up.
-// Order    the nodes done, in the order they were done; then the pending sets, lexicographically.
+// Order    the nodes done, in the order they were done (without a limit: that of the graph); then
+//          the pending sets, lexicographically.
 // Cost     beside the finder's: a node a report, a copy of what is found within a limit, and the
 //          pending sets.
 // Tested   Search_driver_test.cpp, Clique_find_test.cpp, Clique_find_time_test.cpp,
@@ -51,6 +52,26 @@ private:
     std::deque<Node> again_;
 };
 
+void Begin_without_limit(Graph const& graph, Progress& progress) {
+    progress.Search_began({.directed = graph.Directed(), .max_time = std::nullopt});
+    if (!graph.Directed()) {
+        progress.Nodes_sorted();
+    }
+}
+
+void Search_all(Set_list& cliques, Graph const& graph, Exact_finder& finder, Progress& progress,
+                std::size_t max_cliques) {
+    cliques.clear();
+    std::uint32_t to_do = Count(graph.size());
+    for (Node const node : graph.Nodes()) {
+        progress.Node_started(to_do--, Count(graph.size()));
+        finder.Find(node, cliques);
+        Check_n_cliques(cliques.size(), max_cliques);
+    }
+    progress.Search_done(Count(cliques.size()), true);
+    cliques.Shrink_to_fit();
+}
+
 } // namespace
 
 std::unique_ptr<Finder> Make_finder(Graph const& graph, Progress& progress) {
@@ -62,37 +83,53 @@ std::unique_ptr<Finder> Make_finder(Graph const& graph, Progress& progress) {
 
 void Search_graph(Set_list& cliques, Graph const& graph, std::optional<Time_limit> limit,
                   std::vector<Node>& core, Progress& progress, std::size_t max_cliques) {
-    Progress::Clique_search search{.directed = graph.Directed(), .max_time = std::nullopt};
     if (limit) {
-        search.max_time = limit->max_time;
+        progress.Search_began({.directed = graph.Directed(), .max_time = limit->max_time});
+        Search_nodes(cliques, graph.Nodes(), *Make_finder(graph, progress), *limit, core, progress,
+                     max_cliques);
+    } else {
+        core.clear();
+        Begin_without_limit(graph, progress);
+        Search_all(cliques, graph, *Make_finder(graph, progress), progress, max_cliques);
     }
-    cliques.clear();
-    progress.Search_began(search);
-    if (!graph.Directed() && !limit) {
-        progress.Nodes_sorted();
+}
+
+void Search_graph(Set_list& cliques, Graph const& graph, Exact_finder& finder, Progress& progress,
+                  std::size_t max_cliques) {
+    Begin_without_limit(graph, progress);
+    Search_all(cliques, graph, finder, progress, max_cliques);
+}
+
+bool Visit_cliques(Graph const& graph, Exact_finder& finder, Progress& progress,
+                   std::function<bool(Node_set)> const& visit) {
+    Set_list found;
+    std::uint32_t to_do = Count(graph.size());
+    for (Node const node : graph.Nodes()) {
+        progress.Node_started(to_do--, Count(graph.size()));
+        found.clear();
+        finder.Find(node, found);
+        for (std::size_t i = 0; i < found.size(); ++i) {
+            if (!visit(found[i])) {
+                return false;
+            }
+        }
     }
-    Search_nodes(cliques, graph.Nodes(), *Make_finder(graph, progress), limit, core, progress,
-                 max_cliques);
+    return true;
 }
 
 void Search_nodes(Set_list& cliques, std::vector<Node> const& order, Finder& finder,
-                  std::optional<Time_limit> limit, std::vector<Node>& core, Progress& progress,
+                  Time_limit limit, std::vector<Node>& core, Progress& progress,
                   std::size_t max_cliques) {
     cliques.clear();
     Node_queue queue(order); // Invariant: it holds just the nodes that are not done.
-    Pending_sets pending(limit ? order.size() : 0);
+    Pending_sets pending(order.size());
     Set_list found;
     std::uint32_t skipped_in_row = 0;
     while (queue.size() > 0) {
         progress.Node_started(Count(queue.size()), Count(order.size()));
         Node const node = queue.Take();
-        if (!limit) {
-            finder.Find(node, cliques);
-            Check_n_cliques(cliques.size(), max_cliques);
-            continue;
-        }
         found.clear();
-        Time_budget budget(limit->clock, limit->max_time);
+        Time_budget budget(limit.clock, limit.max_time);
         finder.Find_within(node, budget, found);
         if (!budget.Too_slow()) {
             for (std::size_t i = 0; i < found.size(); ++i) {

@@ -11,6 +11,7 @@
 #include "graph/Types.h"
 #include "support/Progress.h"
 
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -29,12 +30,23 @@ void Search_graph(Set_list& cliques, Graph const& graph, std::optional<Time_limi
                   std::vector<Node>& core, Progress& progress,
                   std::size_t max_cliques = max_n_cliques);
 
-/// Searches the nodes 1 to order.size(), in this order. Within a limit a node that takes longer
+/// The same without a limit, by this finder: it is asked for the nodes in the order of the graph,
+/// for each once.
+void Search_graph(Set_list& cliques, Graph const& graph, Exact_finder& finder, Progress& progress,
+                  std::size_t max_cliques = max_n_cliques);
+
+/// Calls visit(clique) for the cliques that a search without a limit lists, in its order, until it
+/// returns false, and returns whether it never did. The finder is used likewise. The progress is
+/// told which node comes next. Keeps the cliques of one node at a time.
+bool Visit_cliques(Graph const& graph, Exact_finder& finder, Progress& progress,
+                   std::function<bool(Node_set)> const& visit);
+
+/// Searches the nodes 1 to order.size(), in this order, within the limit. A node that takes longer
 /// goes to the end of the queue; when all nodes in the queue have done so in a row, the search
 /// ends. Leaves the cliques found, then the sets found at nodes given up that lie in no clique
 /// before them, ascending. The beginning of the search has been told already.
 void Search_nodes(Set_list& cliques, std::vector<Node> const& order, Finder& finder,
-                  std::optional<Time_limit> limit, std::vector<Node>& core, Progress& progress,
+                  Time_limit limit, std::vector<Node>& core, Progress& progress,
                   std::size_t max_cliques = max_n_cliques);
 
 } // namespace cpm

@@ -2,7 +2,6 @@
 #include "Plexor_io/Run.h"
 
 #include "Clique_find/Appr_core_cliques.h"
-#include "Clique_find/Find_cliques.h"
 #include "Plexor_io/Find_coms.h"
 #include "Plexor_io/Header_text.h"
 #include "Plexor_io/Kiir_cliques.h"
@@ -12,6 +11,7 @@
 #include "Plexor_io/Result_files.h"
 #include "Plexor_io/Usage.h"
 #include "graph/Convert_links.h"
+#include "parallel/Parallel_finder.h"
 #include "parallel/Thread_count.h"
 
 #include <malloc.h>
@@ -55,7 +55,7 @@ Found_cliques Search(Index_links const& links, Run_settings const& run, Clock& c
     Graph const graph(links, run.directed);
     console.Put_line(" Graph created from the links OK.");
     Found_cliques found;
-    Find_cliques(found, graph, limit, clock, progress);
+    Find_cliques(found, graph, limit, clock, Thread_count(run.n_threads), progress);
     return found;
 }
 

@@ -60,6 +60,17 @@ public:
     void Append(std::span<T const> values) { members_.Append(values); }
     void Close_list() { offsets_.push_back(members_.size()); }
 
+    /// Appends the lists numbered `first` to `end` - 1 of another list of lists.
+    void Append_lists(List_of_lists const& other, std::size_t first, std::size_t end) {
+        std::uint64_t const from = other.offsets_[first];
+        std::uint64_t const to = members_.size();
+        members_.Append(
+            {other.members_.data() + from, other.members_.data() + other.offsets_[end]});
+        for (std::size_t i = first; i < end; ++i) {
+            offsets_.push_back(other.offsets_[i + 1] - from + to);
+        }
+    }
+
     /// Keeps the lists of which `keep(number)` is true, in their order; it is asked for each once,
     /// ascending, while the list is still where it was.
     template <class Keep> void Keep_if(Keep const& keep) {

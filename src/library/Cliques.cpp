@@ -2,9 +2,12 @@
 #include <plexor/Cliques.h>
 
 #include "Clique_find/Appr_core_cliques.h"
+#include "Clique_find/Search_driver.h"
 #include "library/Library_data.h"
 #include "library/Public_errors.h"
 #include "library/Told.h"
+#include "parallel/Parallel_finder.h"
+#include "parallel/Thread_count.h"
 
 #include <plexor/Error.h>
 
@@ -19,7 +22,8 @@ void Search(cpm::Found_cliques& found, detail::Graph_data const& graph,
     detail::Told_progress progress(options.progress);
     detail::Told_clock clock(options.clock);
     cpm::Graph const searched(graph.links, graph.directed);
-    cpm::Find_cliques(found, searched, options.time_limit, clock, progress);
+    cpm::Find_cliques(found, searched, options.time_limit, clock,
+                      cpm::Thread_count(options.threads), progress);
 }
 
 } // namespace
@@ -33,6 +37,20 @@ Cliques Find_cliques(Graph const& graph, Search_options const& options) {
     detail::Rethrow_as_public([&] { Search(data->found, *data->graph, options); });
     data->largest = cpm::Max_clique_size_in_cl_vec(data->found.cliques);
     return Cliques(std::move(data));
+}
+
+bool For_each_clique(Graph const& graph, std::function<bool(Nodes)> const& visit,
+                     Search_options const& options) {
+    if (options.time_limit) {
+        throw Error(Error::Kind::bad_argument, "a time limit needs the whole list of cliques");
+    }
+    return detail::Rethrow_as_public([&] {
+        detail::Told_progress progress(options.progress);
+        cpm::Graph const searched(graph.Data()->links, graph.Directed());
+        auto const finder =
+            cpm::Make_finder(searched, cpm::Thread_count(options.threads), progress);
+        return cpm::Visit_cliques(searched, *finder, progress, visit);
+    });
 }
 
 Cliques::Cliques(std::shared_ptr<detail::Clique_data const> data) : data_(std::move(data)) {}

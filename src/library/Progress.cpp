@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include <plexor/Progress.h>
 
-#include <plexor/Error.h>
+#include "Clique_find/Clock.h"
 
-#include <ctime>
+#include <plexor/Error.h>
 
 namespace plexor {
 
@@ -22,9 +22,7 @@ Clock::~Clock() = default;
 void Clock::Start() {}
 
 double Thread_clock::Now() {
-    timespec now{};
-    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+    return cpm::Thread_clock().Now();
 }
 
 } // namespace plexor

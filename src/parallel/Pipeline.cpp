@@ -133,7 +133,8 @@ Pipeline::Task Pipeline::Choose() {
         to_finish_.pop_back();
         return {Step::finish, piece};
     }
-    if (n_begun_ < first_failed_ && n_begun_ - n_out_ < window_) {
+    std::size_t const n_ahead = n_begun_ - n_out_;
+    if (n_begun_ < first_failed_ && n_ahead < window_ && (n_ahead == 0 || work_.Has_room())) {
         return {Step::prepare, n_begun_++};
     }
     // Behind a piece that has failed none is needed.

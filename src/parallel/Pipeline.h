@@ -24,7 +24,8 @@
 namespace cpm {
 
 /// The three parts of a piece. `thread` is the number of the thread that calls, from 0 on. What
-/// takes long calls progress.Tick(), which throws when the work has been given up.
+/// takes long calls progress.Tick(), which throws when the work has been given up; a thread has the
+/// same progress as long as it works.
 class Piece_work {
 public:
     virtual ~Piece_work() = default;
@@ -34,6 +35,10 @@ public:
     virtual void Join(std::size_t piece, unsigned thread, Progress& progress) = 0;
     /// Called for several pieces at a time, each once it is joined.
     virtual void Finish(std::size_t piece, unsigned thread, Progress& progress) = 0;
+    /// False when what waits to be handed out needs so much memory that no more should be prepared.
+    /// Asked by any thread, under the lock of the pipeline, for pieces beyond the one that is
+    /// handed out next: so the work goes on whatever the answer.
+    virtual bool Has_room() { return true; }
 };
 
 class Pipeline {

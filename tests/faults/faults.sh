@@ -3,9 +3,11 @@
 # What the program does when the machine lets it down: files that cannot be read or written, a full
 # disk, a reader or a terminal that goes away, too little memory. Every run must end with status 0
 # and a line that says what is wrong, and must leave other people's files alone.
-#   faults.sh CASE PROGRAM LOST_TERMINAL SIZE_48 GONE_BETWEEN    status 77: not on this machine
+#   faults.sh CASE PROGRAM LOST_TERMINAL SIZE_48 GONE_BETWEEN THREADED
+# Status 77: not on this machine.
 # SIZE_48 is a library that makes every directory look as if it had 48 bytes, GONE_BETWEEN one that
-# puts a link to "full" in the place of the directory "out" between two looks at it.
+# puts a link to "full" in the place of the directory "out" between two looks at it. THREADED is the
+# program with as many threads as PLEXOR_TEST_THREADS says.
 #
 # Nothing here depends on time. Where something has to happen in the middle of a run, the program is
 # held there: its reports are longer than a pipe, and nobody reads on until it has happened.
@@ -15,6 +17,7 @@ program=$2
 lost_terminal=$3
 size_48=$4
 gone_between=$5
+threaded=$6
 
 work=$(mktemp -d "${TMPDIR:-/tmp}/plexor_faults_XXXXXX")
 mounted=""
@@ -573,6 +576,33 @@ case_too_little_memory_with_a_time_limit() {
     limits="ulimit -v 20000"
     run -i strip.txt -o out -t 100
     says "ERROR: not enough memory for this network. Try a weight threshold (-w, -W) or a machine with more memory."
+}
+
+# 3 ** 12 cliques, found by three threads: what fails is one of these, or their lists being put
+# together.
+case_too_little_memory_for_a_search_on_several_threads() {
+    counts_aside
+    can_limit_memory
+    awk 'BEGIN { for (a = 0; a < 36; ++a) for (b = a + 1; b < 36; ++b)
+                     if (int(a / 3) != int(b / 3)) print "n" a, "n" b }' >groups.txt
+    cp "$threaded" plexor
+    export PLEXOR_TEST_THREADS=3
+    reached=0
+    for kilobytes in 16000 20000 24000 28000 32000 36000 40000; do
+        rm -rf out
+        limits="ulimit -v $kilobytes"
+        run -i groups.txt -o out -k 13
+        if grep -q '^ERROR' out.txt; then
+            says "ERROR: not enough memory for this network. Try a weight threshold (-w, -W), a time limit for the clique search (-t), or a machine with more memory."
+            says_nothing_of "Writing cliques to disk"
+            reached=$((reached + 1))
+        fi
+    done
+    [ "$reached" -ge 3 ] || fail "the limits were hardly reached"
+    limits=:
+    rm -rf out
+    run -i groups.txt -o out -k 13
+    ran_to_its_end
 }
 
 if [ "$case" = "" ] || ! command -v "case_$case" >/dev/null; then

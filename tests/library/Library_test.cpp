@@ -316,6 +316,113 @@ std::string Told(Level const& level) {
     return text.str();
 }
 
+// Each pair of the teams one way, the other, or both ways.
+Graph Directed_teams() {
+    Graph const teams = Teams();
+    std::vector<Edge> edges;
+    for (std::size_t i = 0; i < teams.Number_of_links(); ++i) {
+        Edge const link = teams.Link(i);
+        if (i % 4 != 0) {
+            edges.push_back(link);
+        }
+        if (i % 4 == 0 || i % 4 == 3) {
+            edges.push_back({link.target, link.source});
+        }
+    }
+    return Graph::From_edges(edges, {}, {.directed = true});
+}
+
+TEST(Threads, find_the_same_cliques_whatever_their_number) {
+    for (Graph const& graph : {Teams(), Directed_teams()}) {
+        Cliques const expected = plexor::Find_cliques(graph);
+        ASSERT_GT(expected.size(), 20U);
+        for (unsigned const threads : {0U, 2U, 3U, 8U}) {
+            Cliques const cliques = plexor::Find_cliques(graph, {.threads = threads});
+            EXPECT_TRUE(std::ranges::equal(cliques.Members(), expected.Members()));
+            EXPECT_TRUE(std::ranges::equal(cliques.Offsets(), expected.Offsets()));
+            EXPECT_EQ(cliques.Number_of_exact(), expected.Number_of_exact());
+        }
+    }
+}
+
+TEST(Threads, of_a_search_end_when_it_is_cancelled) {
+    Graph const graph = Moon_moser(60); // 3 ** 60 cliques
+    for (int const questions : {0, 1, 3}) {
+        Stop_after stop(questions);
+        EXPECT_THROW(plexor::Find_cliques(graph, {.progress = &stop, .threads = 3}),
+                     plexor::Cancelled);
+        EXPECT_GT(stop.n_nodes, 0);
+    }
+}
+
+std::vector<std::vector<plexor::Node>>
+Visited(Graph const& graph, plexor::Search_options const& options, std::size_t most = 1000000) {
+    std::vector<std::vector<plexor::Node>> cliques;
+    std::thread::id const here = std::this_thread::get_id();
+    bool const all = plexor::For_each_clique(
+        graph,
+        [&](plexor::Nodes clique) {
+            EXPECT_EQ(std::this_thread::get_id(), here);
+            cliques.emplace_back(clique.begin(), clique.end());
+            return cliques.size() < most;
+        },
+        options);
+    EXPECT_EQ(all, cliques.size() < most);
+    return cliques;
+}
+
+TEST(Visitor, is_handed_the_cliques_in_the_order_of_the_list) {
+    for (Graph const& graph : {Teams(), Directed_teams(), Moon_moser(5), Graph::From_edges({})}) {
+        Cliques const cliques = plexor::Find_cliques(graph);
+        std::vector<std::vector<plexor::Node>> expected;
+        for (std::size_t i = 0; i < cliques.size(); ++i) {
+            expected.emplace_back(cliques[i].begin(), cliques[i].end());
+        }
+        for (unsigned const threads : {0U, 1U, 2U, 8U}) {
+            EXPECT_EQ(Visited(graph, {.threads = threads}), expected) << threads << " threads";
+        }
+    }
+}
+
+TEST(Visitor, ends_a_search_when_it_has_seen_enough) {
+    Graph const graph = Teams();
+    auto const all = Visited(graph, {});
+    for (unsigned const threads : {1U, 3U}) {
+        for (std::size_t const most : {std::size_t{1}, std::size_t{7}, all.size()}) {
+            auto const some = Visited(graph, {.threads = threads}, most);
+            ASSERT_EQ(some.size(), most);
+            EXPECT_TRUE(std::ranges::equal(some, std::span(all).first(most)));
+        }
+    }
+}
+
+TEST(Visitor, throws_to_the_caller) {
+    struct Enough {};
+    auto const throw_enough = [](plexor::Nodes) -> bool { throw Enough(); };
+    for (unsigned const threads : {1U, 3U}) {
+        EXPECT_THROW(plexor::For_each_clique(Teams(), throw_enough, {.threads = threads}), Enough);
+    }
+}
+
+TEST(Visitor, is_watched_and_can_be_cancelled) {
+    Graph const graph = Moon_moser(60);
+    for (unsigned const threads : {1U, 3U}) {
+        Stop_after stop(1);
+        EXPECT_THROW(plexor::For_each_clique(graph, [](plexor::Nodes) { return true; },
+                                             {.progress = &stop, .threads = threads}),
+                     plexor::Cancelled);
+        EXPECT_GT(stop.n_nodes, 0);
+    }
+}
+
+TEST(Visitor, does_not_go_with_a_time_limit) {
+    EXPECT_EQ(Kind_thrown([] {
+                  plexor::For_each_clique(Teams(), [](plexor::Nodes) { return true; },
+                                          {.time_limit = 1});
+              }),
+              Error::Kind::bad_argument);
+}
+
 TEST(Threads, give_the_same_levels_whatever_their_number) {
     Graph const graph = Teams();
     Cliques const cliques = plexor::Find_cliques(graph);

@@ -515,6 +515,7 @@ void Runner::Go() {
         for (std::uint32_t i = 0; i < options_.large_cases; ++i) {
             std::uint32_t const seed = options_.seed + i;
             std::string const name = std::to_string(seed);
+            Set_threads(seed);
             Try(Large_case(seed), "large-" + name, "--large-cases 1 --seed " + name);
         }
     }

@@ -207,6 +207,16 @@ def test_threads(network: str, threads: int, examples: Path, run_plexor: Run) ->
         assert_same_level(level, files[level.k])
 
 
+@pytest.mark.parametrize("question", [{}, {"directed": True}, {"time_limit": 1000}])
+@pytest.mark.parametrize("network", EXAMPLES)
+def test_threads_of_a_search(network: str, question: dict, examples: Path) -> None:
+    made = plexor.Network.read(examples / network)
+    alone = plexor.find_cliques(made, **question)
+    for threads in (0, 2, 3, 8):
+        several = plexor.find_cliques(made, threads=threads, **question)
+        assert several.sets == alone.sets and several.n_exact == alone.n_exact
+
+
 def test_threads_with_an_intensity_and_some_k(examples: Path) -> None:
     made = from_columns(examples / "uk-faculty.txt", True)
     for question in ({"intensity": 5}, {"k": [7, 3, 5]}, {"directed": True}):
@@ -229,3 +239,5 @@ def test_threads_that_nobody_waits_for(examples: Path) -> None:
 def test_threads_that_cannot_be(threads: object) -> None:
     with pytest.raises(ValueError, match="threads"):
         plexor.find_communities(plexor.Network([], []), threads=threads)  # type: ignore[call-overload]
+    with pytest.raises(ValueError, match="threads"):
+        plexor.find_cliques(plexor.Network([], []), threads=threads)  # type: ignore[arg-type]

@@ -38,12 +38,13 @@ def test_a_function_is_told(small: plexor.Network) -> None:
     assert cliques and cliques == sorted(cliques)
 
 
-def test_what_the_function_raises_ends_the_search(busy: plexor.Network) -> None:
+@pytest.mark.parametrize("threads", [1, 3])
+def test_what_the_function_raises_ends_the_search(busy: plexor.Network, threads: int) -> None:
     def refuse(stage: str, done: int, total: int) -> None:
         raise RuntimeError("enough")
 
     with pytest.raises(RuntimeError, match="enough"):
-        plexor.find_cliques(busy, progress=refuse)
+        plexor.find_cliques(busy, threads=threads, progress=refuse)
 
 
 def test_a_bar(small: plexor.Network, capsys: pytest.CaptureFixture[str]) -> None:
@@ -73,15 +74,16 @@ def interrupt_when(begun: threading.Event) -> threading.Thread:
     return thread
 
 
+@pytest.mark.parametrize("threads", [1, 3])
 def test_ctrl_c_ends_a_search_and_leaves_nothing_broken(
-    busy: plexor.Network, small: plexor.Network
+    busy: plexor.Network, small: plexor.Network, threads: int
 ) -> None:
     before = plexor.find_communities(small)
     for _ in range(3):
         begun = threading.Event()
         thread = interrupt_when(begun)
         with pytest.raises(KeyboardInterrupt):
-            plexor.find_cliques(busy, progress=lambda *_: begun.set())
+            plexor.find_cliques(busy, threads=threads, progress=lambda *_: begun.set())
         thread.join()
     after = plexor.find_communities(small)
     assert after.cliques == before.cliques and after.ks == before.ks

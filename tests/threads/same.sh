@@ -52,6 +52,7 @@ else
     compare us-airports -I 30000 -w 20000
     compare us-airports -t 100 -D
     compare us-airports -k 7
+    compare github -k 15
     compare uk-faculty
     compare uk-faculty -D
     compare uk-faculty -I 2

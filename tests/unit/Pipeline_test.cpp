@@ -43,6 +43,9 @@ public:
         ++n_finished[piece];
     }
 
+    bool Has_room() override { return has_room; }
+
+    bool has_room = true;
     Part on_prepare;
     Part on_join;
     Part on_finish;
@@ -86,6 +89,20 @@ TEST(Pipeline, Does_each_part_once_and_joins_in_order) {
             EXPECT_LE(work.most_under_way, window + 1); // one may have been handed out unnoticed
         }
     }
+}
+
+TEST(Pipeline, Goes_on_with_one_piece_at_a_time_where_there_is_no_room) {
+    constexpr std::size_t n = 100;
+    Counting_work work(n);
+    work.has_room = false;
+    Progress nobody;
+    Pipeline pipeline(work, n, 3, 1000);
+    for (std::size_t piece = 0; piece < n; ++piece) {
+        pipeline.Next(nobody);
+        ++work.n_out;
+    }
+    EXPECT_EQ(work.joined, Numbers_to(n));
+    EXPECT_LE(work.most_under_way, 2U); // one may have been handed out unnoticed
 }
 
 TEST(Pipeline, Of_nothing_has_nothing_to_do) {

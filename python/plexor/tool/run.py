@@ -82,7 +82,8 @@ def add_arguments(parser: argparse.ArgumentParser) -> None:
         "--threads",
         metavar="N",
         default="1",
-        help="work on several k at a time, with the same results; 0 is one thread a processor",
+        help="search on so many threads, then make several k at a time, with the same results; "
+        "0 is one thread a processor",
     )
     parser.add_argument(
         "--dask",
