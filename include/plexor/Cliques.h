@@ -69,7 +69,8 @@ PLEXOR_API Cliques Find_cliques(Graph const& graph, Search_options const& option
 /// start nodes, fewest neighbours first and at equal numbers by index: at each of them the cliques
 /// without a node before it, in an undirected graph lexicographically. The list is never kept, and
 /// may have any length: in memory are the cliques of one start node at a time, with several threads
-/// also some that were found ahead (64 MB a thread, and what was being found when these were full).
+/// also some that were found ahead (64 MB a thread, 1 GB at most, and what was being found when
+/// these were full).
 /// What the visitor throws ends the search and arrives at the caller.
 /// Throws Error: bad_argument (a time limit: which cliques there are in the end depends on what is
 /// approximated last, so they cannot be handed out before); Cancelled; std::system_error when the

@@ -11,6 +11,7 @@
 #include "parallel/Pipeline.h"
 #include "support/Progress.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstddef>
 #include <memory>
@@ -31,7 +32,8 @@ public:
     Parallel_finder(Graph const& graph, unsigned n_threads, Progress& progress,
                     std::size_t max_waiting);
     Parallel_finder(Graph const& graph, unsigned n_threads, Progress& progress)
-        : Parallel_finder(graph, n_threads, progress, n_threads * usual_bytes_a_thread) {}
+        : Parallel_finder(graph, n_threads, progress,
+                          std::min(n_threads, 16U) * usual_bytes_a_thread) {}
     ~Parallel_finder() override;
 
     /// To be called for the nodes of the graph in their order, each once, and not again after it
