@@ -9,8 +9,8 @@
 set -eu
 cd "$(dirname "$0")"
 . cmake/Need.sh
-need g++ g++ cmake cmake make make bash bash pkg-config pkg-config \
-    /usr/include/gtest/gtest.h libgtest-dev /usr/include/gmock/gmock.h libgmock-dev
+# shellcheck disable=SC2086
+need $for_tests
 
 # Says every 20 seconds that what was said before is still going on, until this shell ends.
 say_still() {

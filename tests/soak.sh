@@ -10,8 +10,8 @@
 set -eu
 cd "$(dirname "$0")/.."
 . cmake/Need.sh
-need g++ g++ cmake cmake make make bash bash pkg-config pkg-config \
-    /usr/include/gtest/gtest.h libgtest-dev /usr/include/gmock/gmock.h libgmock-dev
+# shellcheck disable=SC2086
+need $for_tests
 minutes=${1:-60}
 # Above those of the fixed tests, which are small, and within 32 bits.
 seed=${2:-$(($(date +%s) % 4000000000 + 100000000))}

@@ -5,13 +5,14 @@
     tests/mutation/mutate.py --seed 1 --count 60          60 random mutants
     tests/mutation/mutate.py --seed 1 --count 60 --list   only say which
     tests/mutation/mutate.py --only 'src/support/'        of files whose path begins so
+    tests/mutation/mutate.py --jobs 1                     on one core
 
 A mutant is one changed token or one dropped statement of src/. Which mutants a seed stands for
 depends on the seed and the source alone, and the first 20 of 60 are those of --count 20. Each is
 built and tested in a copy of the source below --work (a folder in the temporary directory), by
-the C++ tests of `./test.sh quick`: first those that need nothing built but the program, then, where
-these notice nothing, all others, until one fails. Results are kept there, so that a run that was
-interrupted goes on where it was.
+the C++ tests of `./test.sh quick`: first those that need nothing built but the program, the golden
+cases before random ones, then, where these notice nothing, all others, until one fails. Results are
+kept there, so that a run that was interrupted goes on where it was.
 
 A mutant may loop, eat memory or write without end. So tests run in a mount namespace where only
 --work can be written, or, where the system does not allow that, as the user nobody (from root),
@@ -37,19 +38,23 @@ import time
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 # Nothing here can be seen by a test that has to be the same everywhere: how memory is asked for.
-NOT_MUTATED = ("src/support/Large_pages", "src/support/Huge_pages")
+# And no program holds the records: tests alone need them.
+NOT_MUTATED = ("src/support/Large_pages", "src/support/Huge_pages", "src/records/")
 MAX_BYTES = 3 << 30  # of the folder that tests write to
 MAX_MEMORY = 8 << 30
 MAX_CPU = 900  # seconds of one process
 MAX_WALL = 2400  # seconds of one ctest
 NOBODY = 65534
 
-# What to build, and which tests of these to run, the ones that need little first.
-WHOLE_RUNS = "^(golden/[^n]|differential$|differential_coin$|differential/uk)"
+# What to build, which tests of these to run, and the seconds that one of them may take, the ones that
+# need little first.
+GOLDEN = "^golden/[^n]"
+RANDOM = "^(differential$|differential_coin$|differential/uk)"
 STAGES = (
-    (["plexor", "plexor_fake_clock"], ["-R", WHOLE_RUNS]),
-    (["all"], ["-R", "^(unit|library)/", "-E", WHOLE_RUNS]),
-    ([], ["-E", WHOLE_RUNS + "|^(unit|library)/|^golden/network"]),
+    (["plexor", "plexor_fake_clock"], ["-R", GOLDEN], 60),
+    ([], ["-R", RANDOM], 300),
+    (["all"], ["-R", "^(unit|library)/"], 120),
+    ([], ["-E", f"{GOLDEN}|{RANDOM}|^(unit|library)/|^golden/network"], 600),
 )
 
 # The source is formatted, so that binary operators have blanks around them and templates do not.
@@ -281,20 +286,21 @@ class Sandbox:
         return why or status
 
 
-def build(work, log, targets):
+def build(work, log, targets, jobs):
     return subprocess.run(
-        ["cmake", "--build", os.path.join(work, "build"), "-j2", "--target"] + targets,
+        ["cmake", "--build", os.path.join(work, "build"), f"-j{jobs}", "--target"] + targets,
         stdout=log,
         stderr=subprocess.STDOUT,
     ).returncode
 
 
 def first_failure(text):
-    found = re.search(r"\d+ - (\S+) \((.*)\)", text)
+    # A list of tests that were skipped may come before that of the failed ones.
+    found = re.search(r"\d+ - (\S+) \((?!Skipped|Disabled)(.*)\)", text)
     return f"{found.group(1)} ({found.group(2)})" if found else "?"
 
 
-def judge(mutant, work, sandbox):
+def judge(mutant, work, sandbox, jobs):
     """killed, survived or not built; and by which test."""
     path = os.path.join(work, "source", mutant["path"])
     with open(path, encoding="utf-8") as file:
@@ -309,14 +315,14 @@ def judge(mutant, work, sandbox):
         with open(path, "w", encoding="utf-8") as file:
             file.write("\n".join(lines))
         build_dir = os.path.join(work, "build")
-        for targets, tests in STAGES:
+        for targets, tests, seconds in STAGES:
             with open(log_name, "w+", encoding="utf-8", errors="replace") as log:
-                if targets and build(work, log, targets) != 0:
+                if targets and build(work, log, targets, jobs) != 0:
                     return "not built", ""
                 log.seek(0)
                 log.truncate()
                 outcome = sandbox.run(
-                    ["ctest", "-j2", "--stop-on-failure", "--timeout", "1200"] + tests,
+                    ["ctest", f"-j{jobs}", "--stop-on-failure", "--timeout", str(seconds)] + tests,
                     build_dir,
                     log,
                 )
@@ -330,7 +336,7 @@ def judge(mutant, work, sandbox):
             file.write(original)
 
 
-def prepare(work, sandbox):
+def prepare(work, sandbox, jobs):
     """A copy of the source, built and found good. It is made anew when the source has changed."""
     files = subprocess.run(
         ["git", "ls-files", "-z"], cwd=ROOT, check=True, capture_output=True, text=True
@@ -369,10 +375,10 @@ def prepare(work, sandbox):
     )
     log_name = os.path.join(work, "log")
     with open(log_name, "w", encoding="utf-8") as log:
-        if build(work, log, ["all"]) != 0:
+        if build(work, log, ["all"], jobs) != 0:
             sys.exit(f"the source does not build: {log_name}")
     with open(log_name, "w", encoding="utf-8") as log:
-        command = ["ctest", "-j2", "--timeout", "1200", "-E", "^golden/network"]
+        command = ["ctest", f"-j{jobs}", "--timeout", "1200", "-E", "^golden/network"]
         if sandbox.run(command, os.path.join(work, "build"), log) != 0:
             sys.exit(f"the tests fail without any change: {log_name}")
     with open(stamp, "w", encoding="ascii") as file:
@@ -399,6 +405,7 @@ def main():
     parser.add_argument("--only", default="")
     parser.add_argument("--list", action="store_true")
     parser.add_argument("--work", default=os.path.join(tempfile.gettempdir(), "plexor-mutation"))
+    parser.add_argument("--jobs", type=int, default=os.cpu_count())
     options = parser.parse_args()
 
     mutants = all_mutants(options.only)
@@ -412,7 +419,7 @@ def main():
     work = os.path.realpath(options.work)
     os.makedirs(work, exist_ok=True)
     sandbox = Sandbox(work)
-    prepare(work, sandbox)
+    prepare(work, sandbox, options.jobs)
     results_name = os.path.join(work, "results")
     results = {}
     if os.path.exists(results_name):
@@ -420,7 +427,7 @@ def main():
             results = {entry["name"]: entry for entry in map(json.loads, file)}
     for number, mutant in enumerate(sample, 1):
         if mutant["name"] not in results:
-            outcome, by = judge(mutant, work, sandbox)
+            outcome, by = judge(mutant, work, sandbox, options.jobs)
             entry = {"name": mutant["name"], "outcome": outcome, "by": by}
             results[mutant["name"]] = entry
             with open(results_name, "a", encoding="utf-8") as file:
