@@ -18,7 +18,7 @@ seed=${2:-$(($(date +%s) % 4000000000 + 100000000))}
 
 cmake --preset test >/dev/null
 cmake --build --preset test --target plexor plexor_fake_clock differential random_trees \
-    lost_terminal size_48 gone_between
+    lost_terminal size_48 gone_between no_threads
 build=build/test
 
 # A line of what the command says, or all of it when it fails.

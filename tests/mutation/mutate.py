@@ -19,8 +19,8 @@ A mutant may loop, eat memory or write without end. So tests run in a mount name
 with limits for memory, file sizes and processor time; and are ended when their folder grows too
 large.
 
-The file `equivalent` lists survivors that cannot be caught because they behave the same, with the
-reason. The exit status is 1 when others survive.
+The file `equivalent` lists mutants that cannot be caught because they behave the same, with the
+reason. They are not run, unless --known asks for it. The exit status is 1 when others survive.
 """
 
 import argparse
@@ -243,7 +243,7 @@ class Sandbox:
         resource.setrlimit(resource.RLIMIT_FSIZE, (1 << 30, 1 << 30))
         resource.setrlimit(resource.RLIMIT_CPU, (MAX_CPU, MAX_CPU))
         resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
-        os.nice(10)
+        os.nice(max(0, 10 - os.nice(0)))
 
     def run(self, command, folder, log):
         """The exit status, or a word why it was ended."""
@@ -406,6 +406,7 @@ def main():
     parser.add_argument("--list", action="store_true")
     parser.add_argument("--work", default=os.path.join(tempfile.gettempdir(), "plexor-mutation"))
     parser.add_argument("--jobs", type=int, default=os.cpu_count())
+    parser.add_argument("--known", action="store_true", help="run those of `equivalent`, too")
     options = parser.parse_args()
 
     mutants = all_mutants(options.only)
@@ -425,7 +426,10 @@ def main():
     if os.path.exists(results_name):
         with open(results_name, encoding="utf-8") as file:
             results = {entry["name"]: entry for entry in map(json.loads, file)}
+    known = known_equivalents()
     for number, mutant in enumerate(sample, 1):
+        if mutant["name"] in known and mutant["name"] not in results and not options.known:
+            results[mutant["name"]] = {"name": mutant["name"], "outcome": "equivalent", "by": ""}
         if mutant["name"] not in results:
             outcome, by = judge(mutant, work, sandbox, options.jobs)
             entry = {"name": mutant["name"], "outcome": outcome, "by": by}
@@ -435,14 +439,13 @@ def main():
         entry = results[mutant["name"]]
         print(f"{number}: {entry['outcome']}  {mutant['name']}  {entry['by']}", flush=True)
 
-    known = known_equivalents()
     count = {"killed": 0, "survived": 0, "not built": 0, "equivalent": 0}
     survivors = []
     for mutant in sample:
         outcome = results[mutant["name"]]["outcome"]
-        if outcome == "survived":
-            if mutant["name"] in known:
-                outcome = "equivalent"
+        if outcome == "survived" and mutant["name"] in known:
+            outcome = "equivalent"
+        if outcome in ("survived", "equivalent"):
             survivors.append(mutant["name"])
         count[outcome] += 1
     behaving = count["killed"] + count["survived"]
@@ -450,7 +453,7 @@ def main():
           + (f" ({100 * count['killed'] / behaving:.1f} %)" if behaving else "")
           + f"; {count['equivalent']} known to be equivalent, {count['not built']} did not compile")
     for name in survivors:
-        print(f"survived: {name}\n    {known.get(name, 'NOT KNOWN TO BE EQUIVALENT')}")
+        print(f"survives: {name}\n    {known.get(name, 'NOT KNOWN TO BE EQUIVALENT')}")
     return 1 if count["survived"] else 0
 
 
