@@ -9,8 +9,8 @@
 set -eu
 cd "$(dirname "$0")"
 . cmake/Need.sh
-need g++ g++ cmake cmake make make bash bash pkg-config pkg-config \
-    /usr/include/gtest/gtest.h libgtest-dev /usr/include/gmock/gmock.h libgmock-dev
+# shellcheck disable=SC2086
+need $for_tests
 
 # Says every 20 seconds that what was said before is still going on, until this shell ends.
 say_still() {
@@ -45,7 +45,8 @@ case "${1:-}" in
     step tests/python/run.sh tests/python/run.sh
     step tests/tool/run.sh tests/tool/run.sh
     step tests/page/run.sh tests/page/run.sh
-    need clang++ clang clang-format clang-format
+    need clang++ clang clang-format clang-format \
+        /usr/share/doc/libclang-rt-14-dev/copyright libclang-rt-14-dev
     find src python/src tests bench -name '*.cpp' -o -name '*.h' |
         xargs clang-format --dry-run --Werror
     step test-clang run_preset test-clang

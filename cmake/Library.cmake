@@ -24,8 +24,10 @@ endforeach()
 set_target_properties(plexor_library PROPERTIES
     EXPORT_NAME plexor VERSION ${PROJECT_VERSION} SOVERSION 0)
 set_target_properties(plexor_static PROPERTIES EXPORT_NAME plexor_static)
-# What a program needs must be in the library itself.
-target_link_options(plexor_library PRIVATE LINKER:--no-undefined)
+# What a program needs must be in the library itself; only the sanitizers' part is the program's.
+if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize=")
+    target_link_options(plexor_library PRIVATE LINKER:--no-undefined)
+endif()
 
 # --- Installation: the library a package, what building against it needs another. ---
 include(GNUInstallDirs)

@@ -1,7 +1,12 @@
 # SPDX-License-Identifier: MIT
 # Installs what is missing. To be sourced; needs root or sudo only when something is missing.
 #   need COMMAND-OR-FILE PACKAGE [COMMAND-OR-FILE PACKAGE ...]
+#   need $for_tests          what the presets with tests need, but for Clang
 # And lets builds and tests use all processors, unless the environment says how many.
+
+# shellcheck disable=SC2034
+for_tests="g++ g++ cmake cmake make make bash bash pkg-config pkg-config
+    /usr/include/gtest/gtest.h libgtest-dev /usr/include/gmock/gmock.h libgmock-dev"
 
 need() {
     missing=""

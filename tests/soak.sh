@@ -10,15 +10,15 @@
 set -eu
 cd "$(dirname "$0")/.."
 . cmake/Need.sh
-need g++ g++ cmake cmake make make bash bash pkg-config pkg-config \
-    /usr/include/gtest/gtest.h libgtest-dev /usr/include/gmock/gmock.h libgmock-dev
+# shellcheck disable=SC2086
+need $for_tests
 minutes=${1:-60}
 # Above those of the fixed tests, which are small, and within 32 bits.
 seed=${2:-$(($(date +%s) % 4000000000 + 100000000))}
 
 cmake --preset test >/dev/null
 cmake --build --preset test --target plexor plexor_fake_clock differential random_trees \
-    lost_terminal size_48 gone_between
+    lost_terminal size_48 gone_between no_threads plexor_threads
 build=build/test
 
 # A line of what the command says, or all of it when it fails.

@@ -3,11 +3,12 @@
 # What the program does when the machine lets it down: files that cannot be read or written, a full
 # disk, a reader or a terminal that goes away, too little memory. Every run must end with status 0
 # and a line that says what is wrong, and must leave other people's files alone.
-#   faults.sh CASE PROGRAM LOST_TERMINAL SIZE_48 GONE_BETWEEN THREADED
+#   faults.sh CASE PROGRAM LOST_TERMINAL SIZE_48 GONE_BETWEEN NO_THREADS THREADED
 # Status 77: not on this machine.
 # SIZE_48 is a library that makes every directory look as if it had 48 bytes, GONE_BETWEEN one that
-# puts a link to "full" in the place of the directory "out" between two looks at it. THREADED is the
-# program with as many threads as PLEXOR_TEST_THREADS says.
+# puts a link to "full" in the place of the directory "out" between two looks at it, NO_THREADS one
+# that ends a process which starts a thread. THREADED is the program with as many threads as
+# PLEXOR_TEST_THREADS says.
 #
 # Nothing here depends on time. Where something has to happen in the middle of a run, the program is
 # held there: its reports are longer than a pipe, and nobody reads on until it has happened.
@@ -17,7 +18,8 @@ program=$2
 lost_terminal=$3
 size_48=$4
 gone_between=$5
-threaded=$6
+no_threads=$6
+threaded=$7
 
 work=$(mktemp -d "${TMPDIR:-/tmp}/plexor_faults_XXXXXX")
 mounted=""
@@ -363,6 +365,18 @@ case_directory_that_counts_as_empty() {
     [ "$(cat other/input_params.txt)" = foreign ] || fail "somebody else's file was changed"
 }
 
+# What has one thread can be counted on to have one.
+case_one_thread() {
+    (LD_PRELOAD=$no_threads ./plexor -h >/dev/null 2>&1) || skip "no preloading in this build"
+    as_user="env LD_PRELOAD=$no_threads"
+    strip 20 >strip.txt
+    for switches in "" "-D" "-t 10" "-D -t 10" "-k 3"; do
+        # shellcheck disable=SC2086
+        run -i strip.txt $switches -o "with $switches"
+        ran_to_its_end
+    done
+}
+
 # A path that has gone is no empty directory: what comes in its place is looked at.
 case_directory_replaced_between_two_looks() {
     (LD_PRELOAD=$gone_between ./plexor -h >/dev/null 2>&1) || skip "no preloading in this build"
@@ -380,7 +394,7 @@ case_two_runs_at_once() {
     ./plexor -i net.txt -o whole_1 >/dev/null
     ./plexor -i other.txt -o whole_2 >/dev/null
     # The headers name the input; each file tells whose it is.
-    for turn in $(seq 200); do
+    for turn in $(seq $((75 * ${PLEXOR_TEST_ROUNDS:-1}))); do
         rm -rf here
         case $((turn % 3)) in
         0) mkdir -p here/out ;;
@@ -409,7 +423,7 @@ case_two_runs_at_once_past_a_file() {
     printf 'cat dog\ndog eel\neel cat\neel fox\n' >other.txt
     ./plexor -i net.txt -o whole_1 >/dev/null
     ./plexor -i other.txt -o whole_2 >/dev/null
-    for turn in $(seq 100); do
+    for turn in $(seq $((40 * ${PLEXOR_TEST_ROUNDS:-1}))); do
         rm -rf here
         mkdir here
         echo mine >here/out

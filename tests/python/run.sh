@@ -8,7 +8,8 @@ cd "$(dirname "$0")/../.."
 # Debian's Python with Debian's packages, whatever other Python is first in the path.
 python=/usr/bin/python3
 packages=/usr/lib/python3/dist-packages
-need g++ g++ cmake cmake make make $python python3 \
+# shellcheck disable=SC2086
+need $for_tests $python python3 \
     /usr/include/pybind11/pybind11.h pybind11-dev /usr/include/python3.11/Python.h python3-dev \
     $packages/numpy python3-numpy $packages/pandas python3-pandas $packages/scipy python3-scipy \
     $packages/networkx python3-networkx $packages/igraph python3-igraph $packages/tqdm python3-tqdm \
@@ -17,7 +18,8 @@ need g++ g++ cmake cmake make make $python python3 \
     $packages/wheel python3-wheel /usr/lib/python3.11/ensurepip python3-venv \
     $packages/pytest python3-pytest $packages/mypy python3-mypy
 
-cmake --preset python >/dev/null
-cmake --build --preset python --target plexor plexor_python
+# In the folder of the tests of the program, which has the engine already.
+cmake --preset test -D PLEXOR_PYTHON=ON >/dev/null
+cmake --build --preset test --target plexor plexor_python
 PYTHONPATH=python $python -m mypy
 PYTHONPATH=python exec $python -m pytest -q -p no:cacheprovider "$@"

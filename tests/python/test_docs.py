@@ -14,8 +14,8 @@ from conftest import PROGRAM, ROOT
 @pytest.mark.parametrize("page", ["docs/python.md", "README.md"])
 def test_sessions(page: str, program: Path, tmp_path: Path, monkeypatch: pytest.MonkeyPatch) -> None:
     (tmp_path / "examples").symlink_to(ROOT / "examples")
-    (tmp_path / "build" / "python").mkdir(parents=True)
-    (tmp_path / "build" / "python" / "plexor").symlink_to(PROGRAM)
+    (tmp_path / "build" / "release").mkdir(parents=True)
+    (tmp_path / "build" / "release" / "plexor").symlink_to(PROGRAM)
     monkeypatch.chdir(tmp_path)
     failed, tried = doctest.testfile(
         os.fspath(ROOT / page), module_relative=False, encoding="utf-8"

@@ -21,7 +21,7 @@ def venv(tmp_path_factory: pytest.TempPathFactory) -> Path:
     environment = dict(os.environ)
     environment.pop("PYTHONPATH", None)
     if not os.environ.get("PLEXOR_PYTHON_LONG"):
-        environment["PLEXOR_BUILD_DIR"] = str(ROOT / "build" / "python")
+        environment["PLEXOR_BUILD_DIR"] = str(ROOT / "build" / "test")
 
     def run(*command: object) -> None:
         subprocess.run(command, check=True, cwd=ROOT, env=environment, stdout=subprocess.DEVNULL)

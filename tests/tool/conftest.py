@@ -14,7 +14,7 @@ from pathlib import Path
 import pytest
 
 ROOT = Path(__file__).resolve().parents[2]
-PROGRAM = Path(os.environ.get("PLEXOR_PROGRAM", ROOT / "build" / "python" / "plexor"))
+PROGRAM = Path(os.environ.get("PLEXOR_PROGRAM", ROOT / "build" / "test" / "plexor"))
 
 # A shell starts what is in the background deaf to interrupts, and children inherit that.
 signal.signal(signal.SIGINT, signal.default_int_handler)

@@ -8,7 +8,8 @@ cd "$(dirname "$0")/../.."
 # Debian's Python with Debian's packages, whatever other Python is first in the path.
 python=/usr/bin/python3
 packages=/usr/lib/python3/dist-packages
-need g++ g++ cmake cmake make make bash bash zsh zsh fish fish groff groff $python python3 \
+# shellcheck disable=SC2086
+need $for_tests zsh zsh fish fish groff groff $python python3 \
     $packages/numpy python3-numpy $packages/scipy python3-scipy $packages/pandas python3-pandas \
     $packages/networkx python3-networkx $packages/igraph python3-igraph \
     $packages/distributed python3-distributed \
@@ -16,7 +17,8 @@ need g++ g++ cmake cmake make make bash bash zsh zsh fish fish groff groff $pyth
     $packages/pytest python3-pytest $packages/hypothesis python3-hypothesis \
     $packages/mypy python3-mypy
 
-cmake --preset python >/dev/null
-cmake --build --preset python
+# In the folder of the tests of the program, which has the engine already.
+cmake --preset test -D PLEXOR_PYTHON=ON >/dev/null
+cmake --build --preset test --target plexor plexor_python
 PYTHONPATH=python $python -m mypy
 PYTHONPATH=python exec $python -m pytest -q -p no:cacheprovider tests/tool "$@"

@@ -477,6 +477,31 @@ TEST(Intensity_coms_from_k_cliques, Hands_out_many_links_in_pieces_as_often_as_a
     }
 }
 
+// Triangles that share node 0 and nothing else are not adjacent. Of so many pairs with node 0 some
+// have equal hash values, which must not be taken for equal pairs.
+TEST(Intensity_coms_from_k_cliques, Tells_sets_apart_whose_hash_values_are_equal) {
+    constexpr Node n_triangles = 400000;
+    K_clique_list k_cliques(3);
+    Index_links links;
+    for (Node i = 0; i < n_triangles; ++i) {
+        k_cliques.Add(std::vector<Node>{0, 2 * i + 1, 2 * i + 2});
+        links.pairs.push_back({0, 2 * i + 1});
+        links.pairs.push_back({0, 2 * i + 2});
+    }
+    k_cliques.Finish();
+    for (Node i = 0; i < n_triangles; ++i) {
+        links.pairs.push_back({2 * i + 1, 2 * i + 2});
+    }
+    links.weights.Resize(links.pairs.size(), 1);
+    Disjoint_sets communities(k_cliques.size());
+    class : public cpm::Progress {
+    } nobody;
+    Coms_from_k_cls_sub::Get_node_com_inds(k_cliques, communities, Link_rows(links), 0.5, nobody);
+    for (std::uint32_t i = 0; i < k_cliques.size(); ++i) {
+        ASSERT_EQ(communities.Find(i), i) << "united with another triangle";
+    }
+}
+
 TEST(Intensity_coms_from_k_cliques, Stays_exact_when_the_sets_of_one_node_take_many_rounds) {
     // Node 1 is in every k-clique. With the pairs of the other nodes above the threshold or not at
     // random, the shared triples 1 a b are, too.
