@@ -47,21 +47,18 @@ Posting_lists::Posting_lists(Ranked_cliques const& cliques, Visited_cliques cons
 // Gives each list room for all cliques of its node, those without signatures behind the others.
 // Returns where these begin.
 std::uint64_t Posting_lists::Lay_out(std::uint32_t min_very_long) {
-    for (Node const node : cliques_.Flat()) {
-        ++states_[node].n_active_cliques;
-    }
+    std::span<Clique_number const> const n_cliques = cliques_.N_cliques();
     std::uint64_t begin = 0;
     std::uint64_t begin_of_very_long = 0;
     for (bool const very_long_ones : {false, true}) {
-        for (Node_state& state : states_) {
-            if ((state.n_active_cliques >= min_very_long) == very_long_ones) {
-                state.begin = begin;
-                begin += state.n_active_cliques;
+        for (std::size_t node = 0; node < states_.size(); ++node) {
+            if ((n_cliques[node] >= min_very_long) == very_long_ones) {
+                states_[node].begin = begin;
+                begin += n_cliques[node];
             }
         }
         begin_of_very_long = very_long_ones ? begin_of_very_long : begin;
     }
-    Clear();
     return begin_of_very_long;
 }
 

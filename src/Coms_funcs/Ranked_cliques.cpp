@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Takes    the clique list.
 // Leaves   it ranked: the order of a clique's nodes is by how many cliques hold them, then by node.
-// Cost     36 bytes per clique beside the members; a sort of each clique's nodes.
+// Cost     36 bytes per clique beside the members, 4 bytes per node; a sort of each clique's nodes.
 // Tested   Adjacent_cliques_test.cpp.
 #include "Coms_funcs/Ranked_cliques.h"
 
@@ -30,10 +30,10 @@ Wide_signature Wide_signature_of(std::span<Node const> nodes) {
     return signature;
 }
 
-Ranked_cliques::Ranked_cliques(Set_list cliques, Node n_nodes) : n_nodes_(n_nodes) {
-    Flat_array<Clique_number> n_cliques(std::size_t{n_nodes} + 1, 0); // that hold the node
+Ranked_cliques::Ranked_cliques(Set_list cliques, Node n_nodes)
+    : n_cliques_(std::size_t{n_nodes} + 1, 0) {
     for (Node const node : cliques.Flat()) {
-        ++n_cliques[node];
+        ++n_cliques_[node];
     }
     by_size_ = Groups<Clique_number>(
         cliques.size(), Largest(cliques) + 1, [&](std::size_t c) { return cliques[c].size(); },
@@ -47,7 +47,7 @@ Ranked_cliques::Ranked_cliques(Set_list cliques, Node n_nodes) : n_nodes_(n_node
     for (std::size_t c = 0; c < size(); ++c) {
         std::sort(ranked_.begin() + headers_[c].begin, ranked_.begin() + headers_[c + 1].begin,
                   [&](Node a, Node b) {
-                      return n_cliques[a] != n_cliques[b] ? n_cliques[a] < n_cliques[b] : a < b;
+                      return n_cliques_[a] != n_cliques_[b] ? n_cliques_[a] < n_cliques_[b] : a < b;
                   });
     }
 }

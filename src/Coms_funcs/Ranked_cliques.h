@@ -50,7 +50,11 @@ public:
     Ranked_cliques(Set_list cliques, Node n_nodes);
 
     std::size_t size() const { return headers_.size() - 1; }
-    Node Number_of_nodes() const { return n_nodes_; }
+    Node Number_of_nodes() const { return static_cast<Node>(n_cliques_.size() - 1); }
+    /// How many cliques hold each node.
+    std::span<Clique_number const> N_cliques() const {
+        return {n_cliques_.data(), n_cliques_.size()};
+    }
     /// The nodes of all cliques together.
     std::uint64_t Total() const { return ranked_.size(); }
 
@@ -74,7 +78,7 @@ public:
     void Prefetch_nodes(Clique_number clique) const { __builtin_prefetch((*this)[clique].data()); }
 
 private:
-    Node n_nodes_;
+    Flat_array<Clique_number> n_cliques_; ///< by node, 0 to the number of nodes
     Flat_array<Node> ranked_;
     Flat_array<Clique_header> headers_;
     Groups<Clique_number> by_size_;
