@@ -2,7 +2,7 @@
 // Takes    the ranked cliques; at each level the least overlap.
 // Leaves   candidates for adjacency: all cliques that are adjacent, and a few that are not.
 // Order    none: entries move as visited cliques go to the end of their lists.
-// Cost     12 bytes per clique member (4 in very long lists), up to 8 more for slices, 36 bytes per
+// Cost     12 bytes per clique member (4 in very long lists), up to 4 more for slices, 36 bytes per
 //          node. Per level: one entry per clique, then the lists of the rarest nodes of each clique
 //          that asks: a signature per entry, or a few bits where a list is long.
 // Tested   Adjacent_cliques_test.cpp (against all pairs), Adjacent_cliques_room_test.cpp.
@@ -19,7 +19,7 @@ namespace {
 constexpr std::uint32_t min_sliced_length = 512;
 constexpr std::uint8_t scans_before_slicing = 32;
 constexpr std::uint8_t header_scans_before_slicing = 4; // which cost several times as much
-constexpr std::uint64_t slice_bytes_a_member = 8;
+constexpr std::uint64_t slice_bytes_a_member = 4;
 constexpr std::uint64_t min_slice_bytes = std::uint64_t{1} << 20;
 
 // How many buckets of nodes the slices tell apart. With few buckets a large clique seems to hold
@@ -27,7 +27,7 @@ constexpr std::uint64_t min_slice_bytes = std::uint64_t{1} << 20;
 std::size_t N_buckets(Ranked_cliques const& cliques) {
     constexpr std::uint64_t fewest = 128;
     constexpr std::uint64_t most = 1024;
-    constexpr std::uint64_t buckets_a_member = 16;
+    constexpr std::uint64_t buckets_a_member = 8;
     std::uint64_t const mean_size = cliques.Total() / std::max<std::size_t>(cliques.size(), 1);
     return std::bit_ceil(std::clamp(mean_size * buckets_a_member, fewest, most));
 }

@@ -61,9 +61,10 @@ std::vector<std::vector<Clique_number>> By_counting(Network const& network,
     return found;
 }
 
-// With 1,024 buckets of nodes the slices of a list take 128 bytes per clique. At 24 shared nodes
-// each clique is in ten lists, 1,280 bytes in all; a clique of 33 nodes makes room for 264. What
-// does not fit makes all lists give way, and come back, many times over.
+// With 512 buckets of nodes the slices of a list take 64 bytes per clique. At 24 shared nodes each
+// clique is in ten lists, 640 bytes in all, 3.8 MB for all cliques; there is room for 1 MB and 132
+// bytes for each clique of 33 nodes. What does not fit makes all lists give way, and come back,
+// many times over.
 TEST(Adjacent_cliques_room, Lists_that_give_way_to_others_lose_no_adjacent_clique) {
     // With signatures in all lists, and with none.
     for (std::uint32_t const min_very_long : {Posting_lists::very_long, 1U}) {
