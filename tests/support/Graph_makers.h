@@ -77,6 +77,25 @@ inline Index_links To_index_links(Links const& links) {
     return index_links;
 }
 
+/// Each pair one way, or the other, or both ways.
+inline Index_links In_random_directions(Index_links const& pairs, Random_numbers& random) {
+    std::set<Node_pair> arcs;
+    for (Node_pair const& pair : pairs.pairs) {
+        std::uint32_t const ways = random.Below(4);
+        if (ways != 0) {
+            arcs.insert(pair);
+        }
+        if (ways == 0 || ways == 3) {
+            arcs.insert({pair.second, pair.first});
+        }
+    }
+    Index_links links;
+    for (Node_pair const& arc : arcs) {
+        links.pairs.push_back(arc);
+    }
+    return links;
+}
+
 inline Node Last_node(Index_links const& links) {
     Node last = 0;
     for (Node_pair const& pair : links.pairs) {

@@ -48,6 +48,16 @@ def tree(directory: Path) -> dict[str, bytes]:
     }
 
 
+def first_results(tmp_path: Path, in_process: Tool) -> tuple[Path, Path, dict[str, bytes]]:
+    """A link file, the results of a run on it, and what is in these."""
+    links = tmp_path / "net.txt"
+    links.write_bytes(b"a1 b1\nb1 c1\nc1 a1\n")
+    out = tmp_path / "out"
+    assert in_process("run", links, "-o", out).status == 0
+    old = tree(out)
+    return links, out, old
+
+
 SWITCHES = [
     [],
     ["-D"],
@@ -213,11 +223,7 @@ def test_a_negative_threshold(tmp_path: Path, in_process: Tool) -> None:
 
 
 def test_old_results_are_replaced_only_when_asked(tmp_path: Path, in_process: Tool) -> None:
-    links = tmp_path / "net.txt"
-    links.write_bytes(b"a1 b1\nb1 c1\nc1 a1\n")
-    out = tmp_path / "out"
-    assert in_process("run", links, "-o", out).status == 0
-    old = tree(out)
+    links, out, old = first_results(tmp_path, in_process)
     refused = in_process("run", links, "-o", out, "-k", 3)
     assert refused.status == 1 and "-O" in refused.said
     assert tree(out) == old
@@ -253,11 +259,7 @@ def test_a_directory_with_something_else_is_never_replaced(
 
 
 def test_a_failed_run_keeps_the_old_results(tmp_path: Path, in_process: Tool) -> None:
-    links = tmp_path / "net.txt"
-    links.write_bytes(b"a1 b1\nb1 c1\nc1 a1\n")
-    out = tmp_path / "out"
-    assert in_process("run", links, "-o", out).status == 0
-    old = tree(out)
+    links, out, old = first_results(tmp_path, in_process)
     links.write_bytes(b"a1 b1 1\nb1\n")
     assert in_process("run", links, "-o", out, "-O").status == 1
     assert tree(out) == old
@@ -345,11 +347,7 @@ def test_old_results_are_swapped_by_renaming(
 ) -> None:
     from plexor.tool import run
 
-    links = tmp_path / "net.txt"
-    links.write_bytes(b"a1 b1\nb1 c1\nc1 a1\n")
-    out = tmp_path / "out"
-    assert in_process("run", links, "-o", out).status == 0
-    old = tree(out)
+    links, out, old = first_results(tmp_path, in_process)
     links.write_bytes(b"a1 b1\nb1 c1\nc1 a1\nc1 d1\n")
     seen = []
     really = run._put_in_place
@@ -373,11 +371,7 @@ def test_a_swap_that_fails_brings_the_old_results_back(
 ) -> None:
     from plexor.tool import run
 
-    links = tmp_path / "net.txt"
-    links.write_bytes(b"a1 b1\nb1 c1\nc1 a1\n")
-    out = tmp_path / "out"
-    assert in_process("run", links, "-o", out).status == 0
-    old = tree(out)
+    links, out, old = first_results(tmp_path, in_process)
     monkeypatch.setattr(run, "_exchange", lambda *_: False)
     really = Path.rename
 

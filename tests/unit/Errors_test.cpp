@@ -1,21 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "support/Errors.h"
 
-#include <gtest/gtest.h>
+#include "support/Caught_text.h"
 
-#include <string>
+#include <gtest/gtest.h>
 
 namespace cpm {
 namespace {
 
-/// What the handler of a run sees: the text of a standard exception.
-template <class Error> std::string Caught(Error const& error) {
-    try {
-        throw error;
-    } catch (std::exception const& caught) {
-        return caught.what();
-    }
-}
+using test::Caught;
 
 TEST(Error_texts, A_message_is_kept_as_it_is) {
     EXPECT_EQ(Caught(Xerror_msg(" two\nlines \n")), " two\nlines \n");

@@ -10,7 +10,6 @@
 #include <array>
 #include <memory>
 #include <optional>
-#include <set>
 #include <vector>
 
 namespace cpm::test {
@@ -28,22 +27,8 @@ Graph Random_graph(bool directed, Random_numbers& random) {
     if (!directed) {
         return Graph(pairs);
     }
-    std::set<Node_pair> arcs;
     bool const forward = random.Percent(50);
-    for (Node_pair const& pair : pairs.pairs) {
-        std::uint32_t const ways = forward ? 1 : random.Below(4);
-        if (ways != 0) {
-            arcs.insert(pair);
-        }
-        if (ways == 0 || ways == 3) {
-            arcs.insert({pair.second, pair.first});
-        }
-    }
-    Index_links both;
-    for (Node_pair const& arc : arcs) {
-        both.pairs.push_back(arc);
-    }
-    return Graph(both, true);
+    return Graph(forward ? pairs : In_random_directions(pairs, random), true);
 }
 
 // The blocks of start nodes are searched in any order, each by either of two finders.

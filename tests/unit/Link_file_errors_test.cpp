@@ -1,21 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "Plexor_io/Link_file_errors.h"
 
-#include <gtest/gtest.h>
+#include "support/Caught_text.h"
 
-#include <string>
+#include <gtest/gtest.h>
 
 namespace cpm {
 namespace {
 
-/// What the handler of a run sees: the text of a standard exception.
-template <class Error> std::string Caught(Error const& error) {
-    try {
-        throw error;
-    } catch (std::exception const& caught) {
-        return caught.what();
-    }
-}
+using test::Caught;
 
 TEST(Link_file_error_texts, A_file_that_cannot_be_read) {
     Xep_read_file const error("net.txt");

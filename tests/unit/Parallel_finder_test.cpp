@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <functional>
 #include <optional>
-#include <set>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -29,21 +28,7 @@ Graph Random_graph(bool directed, Random_numbers& random) {
     if (!directed) {
         return Graph(pairs);
     }
-    std::set<Node_pair> arcs;
-    for (Node_pair const& pair : pairs.pairs) {
-        std::uint32_t const ways = random.Below(4);
-        if (ways != 0) {
-            arcs.insert(pair);
-        }
-        if (ways == 0 || ways == 3) {
-            arcs.insert({pair.second, pair.first});
-        }
-    }
-    Index_links both;
-    for (Node_pair const& arc : arcs) {
-        both.pairs.push_back(arc);
-    }
-    return Graph(both, true);
+    return Graph(In_random_directions(pairs, random), true);
 }
 
 // Of many start nodes with cliques.
