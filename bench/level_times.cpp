@@ -4,7 +4,10 @@
 // other. The parts are then put on so many threads as a run does it. A thread that walks fewer
 // levels has to catch up with its index, which is measured too: a walk of every k from the start.
 //   level_times FILE
+#include "Makespan.h"
+
 #include "Clique_find/Appr_core_cliques.h"
+#include "Clique_find/Clock.h"
 #include "Clique_find/Find_cliques.h"
 #include "Coms_funcs/Ranked_cliques.h"
 #include "Plexor_io/Read_links.h"
@@ -14,7 +17,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <ctime>
 #include <exception>
 #include <vector>
 
@@ -23,9 +25,7 @@ namespace {
 using namespace cpm;
 
 double Now() {
-    timespec now{};
-    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+    return Thread_clock().Now();
 }
 
 struct Level_times {
@@ -37,15 +37,10 @@ struct Level_times {
 // When the last level is joined. A thread takes the next k when it is free; its walk takes between
 // the two times, the more of the first the more of the levels before it has walked.
 double Makespan(std::vector<Level_times> const& levels, std::size_t n_threads) {
-    std::vector<double> free(n_threads, 0.0);
     double const share = 1 / static_cast<double>(n_threads);
-    double joined = 0;
-    for (Level_times const& level : levels) {
-        auto const thread = std::ranges::min_element(free);
-        *thread += level.walk * share + level.alone * (1 - share);
-        joined = std::max(joined, *thread) + level.join;
-    }
-    return joined;
+    return bench::Makespan(levels, n_threads, [share](Level_times const& level) {
+        return level.walk * share + level.alone * (1 - share);
+    });
 }
 
 void Measure(char const* path) {

@@ -5,6 +5,8 @@
 // thread has to do alone counts as well: making the graph, cutting the blocks, putting the lists
 // together.
 //   search_times FILE [-D]
+#include "Makespan.h"
+
 #include "Clique_find/Find_cliques.h"
 #include "Plexor_io/Read_links.h"
 #include "graph/Convert_links.h"
@@ -72,17 +74,10 @@ std::vector<Block_times> Measure_blocks(Graph const& graph,
     return blocks;
 }
 
-// When the last block is in the list. A thread takes the next block when it is free, and one more
-// thread takes the blocks in their order.
+// When the last block is in the list, put there by one more thread.
 double Makespan(std::vector<Block_times> const& blocks, std::size_t n_threads) {
-    std::vector<double> free(n_threads, 0.0);
-    double joined = 0;
-    for (Block_times const& block : blocks) {
-        auto const thread = std::ranges::min_element(free);
-        *thread += block.search;
-        joined = std::max(joined, *thread) + block.join;
-    }
-    return joined;
+    return bench::Makespan(blocks, n_threads,
+                           [](Block_times const& block) { return block.search; });
 }
 
 void Calculate(Index_links const& links, bool directed) {
