@@ -148,6 +148,7 @@ async function draw(current: Level): Promise<void> {
     byId("picture-title").textContent = community === null ? "Communities and their overlaps" : `Community ${community} and its neighbours`;
     document.body.dataset.drawn = "no";
     let drawn: cytoscape.Core | null;
+    byId("working").hidden = community === null;
     await nextSlice();
     if (ended()) {
         return;
@@ -155,13 +156,7 @@ async function draw(current: Level): Promise<void> {
     if (community === null) {
         container.setAttribute("aria-label", `Picture: ${count(current.picture.of.length, "community", "communities")} at k = ${current.k} as discs, linked where they share nodes`);
         drawn = await drawOverview(container, data, current, ended);
-        if (ended()) {
-            drawn?.destroy();
-            return;
-        }
     } else {
-        byId("working").hidden = false;
-        await nextSlice();
         const planned = planNeighbourhood(data, current, community);
         container.setAttribute("aria-label", planned === null
             ? `Picture: community ${community} and the communities that it overlaps, as discs`
@@ -169,12 +164,12 @@ async function draw(current: Level): Promise<void> {
         plan = planned;
         drawn = planned === null ? await drawLarge(container, data, current, community, ended)
             : await drawNeighbourhood(container, data, current, planned, ended);
-        if (ended()) {
-            drawn?.destroy();
-            return;
-        }
-        byId("working").hidden = true;
     }
+    if (ended()) {
+        drawn?.destroy();
+        return;
+    }
+    byId("working").hidden = true;
     cy = drawn;
     showLegend(current);
     showSide(current);
