@@ -56,7 +56,7 @@ for architecture; do
     echo "== $architecture: GoogleTest"
     set_up -S /usr/src/googletest -B "$build/googletest-build" -D CMAKE_BUILD_TYPE=Release \
         -D CMAKE_INSTALL_PREFIX="$build/googletest"
-    cmake --build "$build/googletest-build" -j2 --target install >/dev/null
+    cmake --build "$build/googletest-build" --target install >/dev/null
     echo "== $architecture: Plexor and its tests"
     # Where sizes have 32 bits the compiler warns of each count of 64 bits that becomes one: of what
     # memory holds there are fewer.
@@ -66,10 +66,10 @@ for architecture; do
         # The script in its place is newer than what it was linked from.
         [ -e "$build/$program.target" ] && rm -f "$build/$program" "$build/$program.target"
     done
-    cmake --build "$build" -j2 --target plexor plexor_fake_clock unit_tests 2>"$build/warnings"
+    cmake --build "$build" --target plexor plexor_fake_clock unit_tests 2>"$build/warnings"
     emulated "$build/plexor"
     emulated "$build/tests/model/plexor_fake_clock"
-    (cd "$build" && ctest -j2 --output-on-failure -R '^golden/' -E '^golden/network') || status=1
+    (cd "$build" && ctest --output-on-failure -R '^golden/' -E '^golden/network') || status=1
     not_here=Huge_pages.An_array_gets_them_with_all_pages_that_it_lies_in
     not_here=$not_here:Text_files.Are_not_made_without_memory_for_their_text
     slow=Hard_cores.*:Adjacent_cliques_room.*:Parallel_percolation.*:Finder.Start_nodes_*

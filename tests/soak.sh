@@ -21,7 +21,7 @@ cmake --build --preset test --target plexor plexor_fake_clock differential rando
     lost_terminal size_48 gone_between no_threads plexor_threads
 build=build/test
 
-# A line of what the command says, or all of it when it fails.
+# The last line of what the command says, or all of it when it fails.
 judged() {
     if "$@" >"$build/soak.log" 2>&1; then
         tail -n 1 "$build/soak.log"
@@ -31,20 +31,15 @@ judged() {
         exit 1
     fi
 }
-differential() {
-    judged "$build/tests/model/differential" --program "$build/plexor" \
-        --fake-clock-program "$build/tests/model/plexor_fake_clock" \
-        --keep "$build/soak" --seed "$seed" "$@"
-}
 
 end=$(($(date +%s) + 60 * minutes))
 round=0
 while :; do
     round=$((round + 1))
     echo "== round $round, seed $seed ($(date +%T))"
-    differential --cases 4000
-    differential --coin-cases 1000
-    differential --large-cases 20
+    judged "$build/tests/model/differential" --program "$build/plexor" \
+        --fake-clock-program "$build/tests/model/plexor_fake_clock" \
+        --cases 4000 --coin-cases 1000 --large-cases 20 --seed "$seed" --keep "$build/soak"
     judged "$build/tests/fuzz/random_trees" --program "$build/plexor" --seed "$seed" --runs 1000
     judged ctest --preset test -R '^faults/'
     [ "$(date +%s)" -ge "$end" ] && break

@@ -33,11 +33,12 @@ constexpr char const* usage =
     "  --program             the program under test\n"
     "  --fake-clock-program  the same program linked with Fake_clock.cpp; without it the cases with\n"
     "                        a time limit are left out\n"
-    "  --seed, --cases       the first seed (1) and how many cases follow (2000)\n"
-    "  --coin-cases          no others, but so many with a time limit that a coin lets strike: nine of\n"
-    "                        ten on networks of 5 to 16 nodes, the others on 70 to 200\n"
-    "  --large-cases         no others, but so many on networks of thousands of nodes\n"
-    "  --one                 only the case of this seed\n"
+    "  --seed                the first seed of each of the following three kinds (1)\n"
+    "  --cases               how many small cases; 2000 when neither these nor others are asked for\n"
+    "  --coin-cases          how many with a time limit that a coin lets strike: nine of ten on\n"
+    "                        networks of 5 to 16 nodes, the others on 70 to 200\n"
+    "  --large-cases         how many on networks of thousands of nodes\n"
+    "  --one                 only the small case of this seed\n"
     "  --network             no random cases, but runs on this link file: one for each --switches\n"
     "  --switches            what stands after '-i FILE', all in one argument; nothing by default\n"
     "  --threads             how many threads the programs are told to have, where they listen (see\n"
@@ -48,7 +49,7 @@ struct Options {
     std::string program;
     std::string fake_clock_program;
     std::uint32_t seed = 1;
-    std::uint32_t cases = 2000;
+    std::uint32_t cases = 0;
     std::uint32_t coin_cases = 0;
     std::uint32_t large_cases = 0;
     std::string network; // empty: random cases
@@ -499,26 +500,18 @@ Case Given_case(std::filesystem::path const& path, std::string const& switches) 
 }
 
 void Runner::Go() {
-    if (options_.network.empty()) {
-        for (std::uint32_t i = 0; i < options_.cases; ++i) {
+    auto const try_random = [&](std::uint32_t n_cases, auto make_case, std::string const& kind,
+                                std::string const& again) {
+        for (std::uint32_t i = 0; i < n_cases; ++i) {
             std::uint32_t const seed = options_.seed + i;
             std::string const name = std::to_string(seed);
             Set_threads(seed);
-            Try(Random_case(seed), name, "--one " + name);
+            Try(make_case(seed), kind + name, again + name);
         }
-        for (std::uint32_t i = 0; i < options_.coin_cases; ++i) {
-            std::uint32_t const seed = options_.seed + i;
-            std::string const name = std::to_string(seed);
-            Set_threads(seed);
-            Try(Coin_case(seed), "coin-" + name, "--coin-cases 1 --seed " + name);
-        }
-        for (std::uint32_t i = 0; i < options_.large_cases; ++i) {
-            std::uint32_t const seed = options_.seed + i;
-            std::string const name = std::to_string(seed);
-            Set_threads(seed);
-            Try(Large_case(seed), "large-" + name, "--large-cases 1 --seed " + name);
-        }
-    }
+    };
+    try_random(options_.cases, Random_case, "", "--one ");
+    try_random(options_.coin_cases, Coin_case, "coin-", "--coin-cases 1 --seed ");
+    try_random(options_.large_cases, Large_case, "large-", "--large-cases 1 --seed ");
     for (std::size_t i = 0; i < options_.switches.size(); ++i) {
         std::string const& switches = options_.switches[i];
         Set_threads(static_cast<std::uint32_t>(i));
@@ -541,6 +534,9 @@ bool Runner::Report() const {
 
 Options Read_options(int argc, char** argv) {
     Options options;
+    bool any_cases = false; // --cases, --coin-cases or --large-cases
+    bool one = false;
+    bool seed = false;
     for (int i = 1; i < argc; i += 2) {
         std::string const name = argv[i];
         if (i + 1 == argc) {
@@ -553,17 +549,20 @@ Options Read_options(int argc, char** argv) {
             options.fake_clock_program = std::filesystem::canonical(value);
         } else if (name == "--seed") {
             options.seed = static_cast<std::uint32_t>(std::stoul(value));
+            seed = true;
         } else if (name == "--cases") {
             options.cases = static_cast<std::uint32_t>(std::stoul(value));
+            any_cases = true;
         } else if (name == "--coin-cases") {
             options.coin_cases = static_cast<std::uint32_t>(std::stoul(value));
-            options.cases = 0;
+            any_cases = true;
         } else if (name == "--large-cases") {
             options.large_cases = static_cast<std::uint32_t>(std::stoul(value));
-            options.cases = 0;
+            any_cases = true;
         } else if (name == "--one") {
             options.seed = static_cast<std::uint32_t>(std::stoul(value));
             options.cases = 1;
+            one = true;
         } else if (name == "--network") {
             options.network = std::filesystem::canonical(value);
         } else if (name == "--switches") {
@@ -578,6 +577,14 @@ Options Read_options(int argc, char** argv) {
     }
     if (options.program.empty() || (options.network.empty() && !options.switches.empty())) {
         throw std::invalid_argument(usage);
+    }
+    bool const random = any_cases || one || seed;
+    if ((one && (any_cases || seed)) || (random && !options.network.empty())) {
+        throw std::invalid_argument("--one and --network go neither together nor with --seed, "
+                                    "--cases, --coin-cases or --large-cases");
+    }
+    if (!any_cases && !one && options.network.empty()) {
+        options.cases = 2000;
     }
     if (!options.network.empty() && options.switches.empty()) {
         options.switches.emplace_back(); // one run without switches
