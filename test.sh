@@ -12,24 +12,16 @@ cd "$(dirname "$0")"
 # shellcheck disable=SC2086
 need $for_tests
 
-# Says every 20 seconds that what was said before is still going on, until this shell ends.
-say_still() {
-    while sleep 20 >/dev/null 2>&1 && kill -0 $$ 2>/dev/null; do
-        echo "   ... still: $1 ($(date +%T))"
-    done
-}
-
 # step WHAT COMMAND...: runs the command, saying what it is and, at the end, how long it took.
 step() {
     what=$1
     shift
     echo "== $what"
     begin=$(date +%s)
-    say_still "$what" &
-    still=$!
-    trap 'kill "$still" 2>/dev/null || true' EXIT
+    say_still "$what"
+    trap say_no_more EXIT
     "$@"
-    kill "$still" 2>/dev/null || true
+    say_no_more
     echo "== $what: $(($(date +%s) - begin)) s"
 }
 
@@ -37,6 +29,11 @@ run_preset() {
     cmake --preset "$1" >/dev/null
     cmake --build --preset "$1"
     ctest --preset "$1"
+}
+
+check_format() {
+    find src python/src tests bench -name '*.cpp' -o -name '*.h' |
+        xargs clang-format --dry-run --Werror
 }
 
 case "${1:-}" in
@@ -47,8 +44,7 @@ case "${1:-}" in
     step tests/page/run.sh tests/page/run.sh
     need clang++ clang clang-format clang-format \
         /usr/share/doc/libclang-rt-14-dev/copyright libclang-rt-14-dev
-    find src python/src tests bench -name '*.cpp' -o -name '*.h' |
-        xargs clang-format --dry-run --Werror
+    step clang-format check_format
     step test-clang run_preset test-clang
     step asan-ubsan run_preset asan-ubsan
     ;;

@@ -32,8 +32,10 @@ for folder in "$one" "$other"; do
         find "$folder" -type f -exec touch --date='3 days ago' {} +
         umask 077
     fi
+    say_still "building"
     (cd "$folder" && cmake --workflow --preset package) >"$work/log" 2>&1 ||
-        { tail -n 40 "$work/log"; exit 1; }
+        { tail -n 40 "$work/log"; say_no_more; exit 1; }
+    say_no_more
 done
 umask 022
 
