@@ -74,7 +74,9 @@ for architecture; do
     not_here=$not_here:Text_files.Are_not_made_without_memory_for_their_text
     slow=Hard_cores.*:Adjacent_cliques_room.*:Parallel_percolation.*:Finder.Start_nodes_*
     slow=$slow:K_clique_list.Is_lexicographic_*
+    say_still "unit tests for $architecture"
     $emulator -L "$sysroot" "$build/tests/unit_tests" --gtest_brief=1 \
         --gtest_filter="-$not_here:$slow" || status=1
+    say_no_more
 done
 exit "$status"
