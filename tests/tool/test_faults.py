@@ -138,6 +138,30 @@ def test_a_place_that_is_not_there(tmp_path: Path, in_process: Tool) -> None:
     refused(outcome, "No such file or directory")
 
 
+@pytest.mark.parametrize(
+    "module, package, name, text",
+    [
+        ("networkx", "python3-networkx", "net.graphml", "<graphml></graphml>"),
+        ("scipy.io", "python3-scipy", "net.mtx", "%%MatrixMarket matrix coordinate real general\n"),
+    ],
+)
+def test_a_module_that_is_not_there(
+    module: str,
+    package: str,
+    name: str,
+    text: str,
+    tmp_path: Path,
+    in_process: Tool,
+    monkeypatch: pytest.MonkeyPatch,
+) -> None:
+    (tmp_path / name).write_text(text)
+    monkeypatch.setitem(sys.modules, module, None)
+    outcome = in_process("convert", "-q", tmp_path / name, "-o", tmp_path / "links.txt")
+    refused(outcome, f"needs the Python module '{module}'")
+    assert package in outcome.said
+    assert not (tmp_path / "links.txt").exists()
+
+
 @pytest.mark.skipif(os.geteuid() == 0, reason="root may write everywhere")
 def test_no_permission(tmp_path: Path, in_process: Tool) -> None:
     path = tmp_path / "net.txt"
