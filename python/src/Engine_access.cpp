@@ -19,9 +19,8 @@
 #include "Plexor_io/Run.h"
 #include "Plexor_io/Text_sink.h"
 #include "graph/Link_order.h"
+#include "parallel/Level_pipeline.h"
 #include "parallel/Parallel_finder.h"
-#include "parallel/Parallel_percolation.h"
-#include "parallel/Pipeline.h"
 #include "parallel/Thread_count.h"
 #include "support/Errors.h"
 #include "support/Progress.h"
@@ -247,8 +246,9 @@ Number Search::Largest() const {
 
 namespace {
 
-void Take(cpm::Communities& coms, Level_data& level) {
+void Fill(Level_data& level, cpm::Communities const& coms) {
     level.nodes = Shifted(coms.nodes, 1);
+    level.cliques = Shifted(coms.cliques, 0);
     level.n_exact = coms.n_exact;
     level.links = coms.links;
 }
@@ -261,7 +261,7 @@ void Find_by_intensity(Search_data const& search, Number k, Level_data& level,
     level.k_cliques = From_k_cliques(k_cliques);
     cpm::Communities coms;
     Intensity_coms_from_k_cliques(std::move(k_cliques), coms, search.links, intensity, progress);
-    Take(coms, level);
+    Fill(level, coms);
 }
 
 } // namespace
@@ -284,8 +284,7 @@ Level Search::At(Number k, Watcher& watcher) const {
             }
             cpm::Communities coms;
             data_->percolation->Coms_from_appr_ovlp_matr(coms, k, &progress);
-            level->cliques = Shifted(coms.cliques, 0);
-            Take(coms, *level);
+            Fill(*level, coms);
         }
     } catch (cpm::Xerror_msg const& error) {
         Throw(error);
@@ -294,36 +293,18 @@ Level Search::At(Number k, Watcher& watcher) const {
     return Level(std::move(level));
 }
 
-struct Levels_ahead::Data : public cpm::Piece_work {
+struct Levels_ahead::Data : private cpm::Level_taker {
     Data(std::shared_ptr<Search_data const> of, std::vector<Number> wanted, unsigned n_threads)
-        : search(std::move(of)), ks(std::move(wanted)), levels(ks.size()) {
-        if (!search->question.intensity) {
-            percolation.emplace(search->found, *search->ranked, search->edges, ks, n_threads);
-        }
-        // A level that waits holds its communities, one under way the lists of its thread.
-        pipeline.emplace(*this, ks.size(), n_threads, std::size_t{2} * n_threads);
-    }
+        : search(std::move(of)), ks(std::move(wanted)), levels(ks.size()),
+          pipeline(*this, {search->found, search->ranked.get(), search->edges}, ks, n_threads) {}
 
-    void Prepare(std::size_t place, unsigned thread, cpm::Progress& progress) override {
-        if (percolation) {
-            percolation->Walk(place, thread, progress);
-        } else {
-            Begin(place);
-            Find_by_intensity(*search, ks[place], *levels[place], progress);
-        }
+    void Make_by_intensity(std::size_t place, unsigned, cpm::Progress& progress) override {
+        Begin(place);
+        Find_by_intensity(*search, ks[place], *levels[place], progress);
     }
-    void Join(std::size_t place, unsigned, cpm::Progress& progress) override {
-        if (percolation) {
-            percolation->Join(place, progress);
-        }
-    }
-    void Finish(std::size_t place, unsigned, cpm::Progress&) override {
-        if (percolation) {
-            Begin(place);
-            cpm::Communities coms = percolation->Take(place);
-            levels[place]->cliques = Shifted(coms.cliques, 0);
-            Take(coms, *levels[place]);
-        }
+    void Take(cpm::Communities coms, std::size_t place, unsigned, cpm::Progress&) override {
+        Begin(place);
+        Fill(*levels[place], coms);
     }
     void Begin(std::size_t place) {
         levels[place] = std::make_shared<Level_data>();
@@ -332,10 +313,9 @@ struct Levels_ahead::Data : public cpm::Piece_work {
 
     std::shared_ptr<Search_data const> search;
     std::vector<Number> ks;
-    std::optional<cpm::Parallel_percolation> percolation; ///< none with an intensity
-    std::vector<std::shared_ptr<Level_data>> levels;      ///< by place
+    std::vector<std::shared_ptr<Level_data>> levels; ///< by place
     std::size_t next = 0;
-    std::optional<cpm::Pipeline> pipeline; ///< ended first
+    cpm::Level_pipeline pipeline; ///< ended first
 };
 
 Levels_ahead::Levels_ahead(Search const& search, std::vector<Number> ks, unsigned n_threads,
@@ -355,7 +335,7 @@ Levels_ahead::~Levels_ahead() = default;
 Level Levels_ahead::Next(Watcher& watcher) {
     Told progress(watcher);
     try {
-        data_->pipeline->Next(progress);
+        data_->pipeline.Next(progress);
     } catch (cpm::Xerror_msg const& error) {
         Throw(error);
     }
