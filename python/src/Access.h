@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What the Python module and the engine say to each other in: arrays, a question, and who is told
-// what happens. Access.h, Links.h, Search.h, Level_files.h and Run.h are arrays in, arrays out:
-// what knows the engine's own types stands behind them, and nothing of this knows Python.
+// what happens. Access.h, Links.h, Search.h, Level_files.h and Run.h take arrays and give arrays.
+// Their .cpp files know the engine's own types; none of them knows Python.
 //
 // Nodes are numbered from 0 on this side, the way arrays are.
 #ifndef PLEXOR_PYTHON_ACCESS_H

@@ -80,7 +80,7 @@ std::vector<Node> Some_nodes(Node n, Random_numbers& random) {
     return nodes;
 }
 
-// What a search can leave: exact cliques; approximated ones behind them, some inside others; lists
+// What a search can leave: exact cliques; approximated ones after them, some inside others; lists
 // whose overlaps are those from before a merge.
 struct Network {
     Network(std::uint32_t seed, int kind) {
