@@ -72,7 +72,7 @@ for architecture; do
     (cd "$build" && ctest --output-on-failure -R '^golden/' -E '^golden/network') || status=1
     not_here=Huge_pages.An_array_gets_them_with_all_pages_that_it_lies_in
     not_here=$not_here:Text_files.Are_not_made_without_memory_for_their_text
-    slow=Hard_cores.*:Adjacent_cliques_room.*:Parallel_percolation.*:Finder.Start_nodes_*
+    slow=Hard_cores.*:Adjacent_cliques_room.*:Level_pipeline.*:Finder.Start_nodes_*
     slow=$slow:K_clique_list.Is_lexicographic_*
     say_still "unit tests for $architecture"
     $emulator -L "$sysroot" "$build/tests/unit_tests" --gtest_brief=1 \

@@ -758,7 +758,7 @@ def _records(path: Path, names: Names | None) -> tuple[Nodes, Ints, int]:
     for begin, end in text.blocks(_data_begin(text, path)):
         tokens = Tokens(text, begin, end)
         at = np.flatnonzero(tokens.first)
-        # Behind the number stands a colon.
+        # After the number comes a colon.
         labels, negative = tokens.numbers(tokens.starts[at], tokens.ends[at] - 1)
         if not np.array_equal(labels, np.arange(n_records, n_records + len(at))):
             raise ResultError(f"{path}: the records are not numbered 0, 1, 2, ...")

@@ -61,8 +61,8 @@ def run(
 
     With a `client` of Dask (distributed.Client) each k is a task for its workers, which must see the
     output directory under the same absolute name, and so the folder `shared` (None: beside the output
-    directory), where the links and cliques lie meanwhile. Reading and the clique search are done here.
-    Results are the same. A worker that is lost leaves nothing half-written.
+    directory), where the links and cliques lie meanwhile. Reading and the clique search, on `threads`,
+    are done here. Results are the same. A worker that is lost leaves nothing half-written.
 
     `log` is a file descriptor for what the program prints, None for nobody. The other
     parameters are those of find_communities.
@@ -76,8 +76,8 @@ def run(
     if not (isinstance(digits, int) and 0 <= digits < 1 << 32):
         raise ValueError(f"digits is an integer, not {digits!r}")
     _check_threads(threads)
-    if client is not None and (threads != 1 or log is not None):
-        raise ValueError("client goes together neither with threads nor with log")
+    if client is not None and log is not None:
+        raise ValueError("client and log do not go together")
     if shared is not None and client is None:
         raise ValueError("shared is for runs with a client")
     levels: dict[str, Any] | None = None if client is None else {}

@@ -30,8 +30,8 @@ char const* Word(Fault fault) {
         return "long_line";
     case Fault::open_quotation:
         return "open_quotation";
-    case Fault::text_behind_quotation:
-        return "text_behind_quotation";
+    case Fault::text_after_quotation:
+        return "text_after_quotation";
     case Fault::comment_or_link:
         return "comment_or_link";
     case Fault::percent_comment:

@@ -54,13 +54,13 @@ bool Is_number(std::string_view text, char point) {
     std::size_t at = !text.empty() && (text[0] == '+' || text[0] == '-') ? 1 : 0;
     std::size_t const before = Digits(text, at);
     at += before;
-    std::size_t behind = 0;
+    std::size_t after = 0;
     if (at < text.size() && text[at] == point) {
         ++at;
-        behind = Digits(text, at);
-        at += behind;
+        after = Digits(text, at);
+        at += after;
     }
-    if (before + behind == 0) {
+    if (before + after == 0) {
         return false;
     }
     if (at < text.size() && (text[at] == 'e' || text[at] == 'E')) {
@@ -293,7 +293,7 @@ private:
                 }
                 place = Skip_around(line, place);
                 if (place < line.size() && !Is_separator(line[place])) {
-                    Fail(Fault::text_behind_quotation, at);
+                    Fail(Fault::text_after_quotation, at);
                     return false;
                 }
                 // Invariant: views into strings of a deque stay valid while others are added.

@@ -35,7 +35,7 @@ struct Dialect {
 enum class Fault {
     long_line,
     open_quotation,
-    text_behind_quotation,
+    text_after_quotation,
     comment_or_link,
     percent_comment,
     n_fields,

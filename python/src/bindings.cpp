@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
-// The module plexor._engine: Engine_access for Python. Arrays go in and out without a copy where
-// their types fit. The interpreter is free while the engine works; a watcher takes it back for a
-// moment, to look for Ctrl-C and to move a bar.
+// The module plexor._engine: what Access.h and the headers around it offer, for Python. Arrays go
+// in and out without a copy where their types fit. The interpreter is free while the engine works;
+// a watcher takes it back for a moment, to look for Ctrl-C and to move a bar.
 #include "Edge_list_reader.h"
-#include "Engine_access.h"
+#include "Links.h"
+#include "Run.h"
+#include "Search.h"
 
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>

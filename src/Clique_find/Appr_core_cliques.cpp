@@ -2,7 +2,7 @@
 // Approximated cliques.
 //
 // Takes    the core, the exact cliques.
-// Leaves   the clique list with the approximated cliques behind the exact ones.
+// Leaves   the clique list with the approximated cliques after the exact ones.
 // Order    that of the core's nodes; exact cliques stay in theirs.
 // Cost     each set is compared with the sets at its rarest node; a neighbourhood not with those of
 //          its own members, of which there are many where a core is dense. Memory: one number a

@@ -9,7 +9,7 @@
 //          hub need not be looked at whole. Memory: these rows.
 // Tested   Ascending_walk_test.cpp
 //
-// Invariant: the walk is never behind the search by single steps, which drops a branch when its
+// Invariant: the walk keeps up with the search by single steps, which drops a branch when its
 //            clique with all its candidates lies in a known clique.
 // Relies on: a known clique that holds all of them and more has a node that is tried or excluded
 //            here and linked with all of them; one that is just them was met in this branch.
@@ -48,13 +48,13 @@ void Ascending_walk::List(Problem const& problem, Before_first_clock::Pair begin
     }
     for (Place first = begin.first; first < problem.candidates.size(); ++first) {
         bool go_on = Gather(problem, first, first == begin.first ? begin.second : 0, pace);
-        for (Place const place : behind_) {
+        for (Place const place : later_) {
             number_[problem.candidates[place]] = 0;
         }
         for (Node const node : extending_) {
             number_[node] = 0;
         }
-        go_on = go_on && (behind_.empty() || Walk(problem, first, most, pace, found));
+        go_on = go_on && (later_.empty() || Walk(problem, first, most, pace, found));
         if (!go_on) {
             return;
         }
@@ -65,30 +65,30 @@ void Ascending_walk::List(Problem const& problem, Before_first_clock::Pair begin
 // which comes first in the order of the nodes.
 bool Ascending_walk::Gather(Problem const& problem, Place first, Place second, Pace& pace) {
     Node const name = problem.candidates[first];
-    behind_.clear();
+    later_.clear();
     extending_.clear();
     n_tried_ = 0;
     problem.candidates.For_each_neighbour_of(name, 0, [&](std::size_t place) {
         if (place > first) {
-            behind_.push_back(static_cast<Place>(place));
+            later_.push_back(static_cast<Place>(place));
             n_tried_ += place < second ? 1U : 0U;
         } else {
             extending_.push_back(problem.candidates[place]);
         }
     });
-    if (behind_.empty()) {
+    if (later_.empty()) {
         return !pace.Spend(steps_a_branch + extending_.size());
     }
     problem.excluded.For_each_neighbour_of(
         name, 0, [&](std::size_t place) { extending_.push_back(problem.excluded[place]); });
     std::uint32_t number = 0;
-    for (Place const place : behind_) {
+    for (Place const place : later_) {
         number_[problem.candidates[place]] = ++number;
     }
     for (Node const node : extending_) {
         number_[node] = ++number;
     }
-    auto const n = static_cast<std::uint32_t>(behind_.size());
+    auto const n = static_cast<std::uint32_t>(later_.size());
     n_words_ = (n + word_bits - 1) / word_bits;
     rows_.clear();
     excluded_.clear();
@@ -101,7 +101,7 @@ bool Ascending_walk::Gather(Problem const& problem, Place first, Place second, P
     }
     for (std::uint32_t i = 0; i < number; ++i) {
         Node_set const later =
-            order_.Later(i < n ? problem.candidates[behind_[i]] : extending_[i - n]);
+            order_.Later(i < n ? problem.candidates[later_[i]] : extending_[i - n]);
         for (Node const node : later) {
             std::uint32_t const other = number_[node];
             if (other == 0 || (i >= n && other > n)) {
@@ -170,10 +170,10 @@ bool Ascending_walk::Walk(Problem const& problem, Place first, std::size_t most,
         clique_.clear();
         clique_.push_back(problem.candidates[first]);
         for (std::size_t depth = 1; depth < levels_.size(); ++depth) {
-            clique_.push_back(problem.candidates[behind_[levels_[depth].placed]]);
+            clique_.push_back(problem.candidates[later_[levels_[depth].placed]]);
         }
         For_each_bit(rest,
-                     [&](std::size_t i) { clique_.push_back(problem.candidates[behind_[i]]); });
+                     [&](std::size_t i) { clique_.push_back(problem.candidates[later_[i]]); });
         clique_.insert(std::ranges::upper_bound(clique_, problem.centre), problem.centre);
         found.Add(clique_);
         return found.size() < most;
@@ -183,7 +183,7 @@ bool Ascending_walk::Walk(Problem const& problem, Place first, std::size_t most,
     std::iota(active_.begin(), active_.end(), 0U);
     level_words_.clear();
     level_words_.Resize(2 * n, 0);
-    for (std::size_t i = 0; i < behind_.size(); ++i) {
+    for (std::size_t i = 0; i < later_.size(); ++i) {
         Set_bit(level_words_.data() + (i < n_tried_ ? n : 0), i);
     }
     std::size_t w = 0; // no word of the level before this one has a candidate left
@@ -210,7 +210,7 @@ bool Ascending_walk::Walk(Problem const& problem, Place first, std::size_t most,
         Word* const next_tried = next_left + n;
         Word const* const row = Row(next);
         bool leads_on = false;
-        bool all_linked = true; // with this one: then the branches behind it have nothing new
+        bool all_linked = true; // with this one: then the branches after it have nothing new
         std::size_t n_extending = 0;
         for (std::size_t v = 0; v < n; ++v) {
             next_left[v] = left[v] & row[v];

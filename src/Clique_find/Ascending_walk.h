@@ -37,7 +37,7 @@ private:
     using Word = std::uint64_t;
     using Place = std::uint32_t;
     // An open branch: the candidate it was opened with, and its excluded nodes in active_. Its
-    // words are the candidates left, all behind that one, and those tried.
+    // words are the candidates left, all after that one, and those tried.
     struct Level {
         std::uint32_t placed = 0;
         std::size_t excluded_begin = 0;
@@ -52,11 +52,11 @@ private:
     template <class Visit> void For_each_bit(Word const* set, Visit const& visit) const;
 
     Graph const& order_;
-    Flat_array<std::uint32_t> number_; ///< node -> 1 + its number, excluded ones behind, or 0
+    Flat_array<std::uint32_t> number_; ///< node -> 1 + its number, excluded ones after, or 0
 
-    // The problem of the cliques with the centre and one candidate: the candidates behind that one
+    // The problem of the cliques with the centre and one candidate: the candidates after that one
     // which are linked with it, and what may extend such a clique.
-    std::vector<Place> behind_;
+    std::vector<Place> later_;
     std::vector<Node> extending_;
     std::size_t n_words_ = 0;
     Flat_array<Word> rows_;     ///< of the candidates: with which of them each is linked

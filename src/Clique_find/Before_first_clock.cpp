@@ -93,7 +93,7 @@ bool Before_first_clock::Reads_clock(Node centre, Placed_nodes const& candidates
     centre_ = centre;
     candidates_ = &candidates;
     done_ = &done;
-    behind_.Start(candidates.size());
+    later_.Start(candidates.size());
     done_with_.Start(candidates.size());
     known_with_.assign(candidates.size(), 0);
     n_known_ = 0;
@@ -117,18 +117,18 @@ bool Before_first_clock::Try_first(Place first, Pace& pace, Set_list& found) {
     first_known_ = known_with_[first];
     known_before_ = n_known_;
     outside_known_.clear();
-    std::ranges::copy_if(behind_[first], std::back_inserter(outside_known_), [this](Place place) {
+    std::ranges::copy_if(later_[first], std::back_inserter(outside_known_), [this](Place place) {
         return first_known_ == 0 || known_with_[place] != first_known_;
     });
     Places outside = outside_known_;
-    for (std::size_t i = 0; i < behind_[first].size(); ++i) {
-        Place const second = behind_[first][i];
+    for (std::size_t i = 0; i < later_[first].size(); ++i) {
+        Place const second = later_[first][i];
         if (!outside.empty() && outside.front() == second) {
             outside = outside.subspan(1);
         } else if (!Any_behind(second, outside)) {
             continue;
         }
-        pace.Spend(behind_[first].size() - i); // only for those who wait: nothing is stopped here
+        pace.Spend(later_[first].size() - i); // only for those who wait: nothing is stopped here
         Tighten(first, i);
         if (!Mehet_tovabb(first, second)) {
             continue;
@@ -143,12 +143,12 @@ bool Before_first_clock::Try_first(Place first, Pace& pace, Set_list& found) {
 }
 
 void Before_first_clock::Look_behind(Place candidate) {
-    if (behind_.Has(candidate)) {
+    if (later_.Has(candidate)) {
         return;
     }
     candidates_->For_each_neighbour_of((*candidates_)[candidate], std::size_t{candidate} + 1,
-                                       [this](std::size_t place) { behind_.Append(place); });
-    behind_.Close_list(candidate);
+                                       [this](std::size_t place) { later_.Append(place); });
+    later_.Close_list(candidate);
 }
 
 void Before_first_clock::Look_at_done(Place candidate) {
@@ -160,22 +160,22 @@ void Before_first_clock::Look_at_done(Place candidate) {
     done_with_.Close_list(candidate);
 }
 
-// Whether the candidate is linked with one of these behind it.
+// Whether the candidate is linked with one of these after it.
 bool Before_first_clock::Any_behind(Place candidate, Places places) {
     if (places.empty()) {
         return false;
     }
     Look_behind(candidate);
-    return Any_common(places, behind_[candidate]);
+    return Any_common(places, later_[candidate]);
 }
 
 // Gathers what may join the pair of `first` and its neighbour number i.
 void Before_first_clock::Tighten(Place first, std::size_t i) {
     joining_.clear();
-    if (i + 1 < behind_[first].size()) {
-        Place const second = behind_[first][i];
+    if (i + 1 < later_[first].size()) {
+        Place const second = later_[first][i];
         Look_behind(second);
-        Common(behind_[first].subspan(i + 1), behind_[second], joining_);
+        Common(later_[first].subspan(i + 1), later_[second], joining_);
     }
 }
 
@@ -188,7 +188,7 @@ bool Before_first_clock::Mehet_tovabb(Place first, Place second) {
     if (!Known(first, second)) {
         return true;
     }
-    if (!joining_.empty()) { // `first` is behind no candidate to come: it needs no number
+    if (!joining_.empty()) { // `first` comes after no candidate to come: it needs no number
         ++n_known_;
         known_with_[second] = n_known_;
         for (Place const place : joining_) {
@@ -222,7 +222,7 @@ bool Before_first_clock::Known(Place first, Place second) {
     for (std::size_t i = 0; i < joining_.size() && !done_of_all_.empty(); ++i) {
         Place const next = joining_[i];
         Look_behind(next);
-        if (!Includes(behind_[next], Places(joining_).subspan(i + 1))) {
+        if (!Includes(later_[next], Places(joining_).subspan(i + 1))) {
             return false;
         }
         Look_at_done(next);

@@ -74,9 +74,9 @@ public:
     };
 
     /// Walks the pairs of linked candidates in ascending order, up to the first one that candidates
-    /// behind it may join and that, with all that may, is not known. False when there is none.
+    /// after it may join and that, with all that may, is not known. False when there is none.
     /// Known is what lies in a clique with a done node. Appends to `found` the sets of the centre
-    /// and a pair met by then that no candidate behind it may join and that are not known.
+    /// and a pair met by then that no candidate after it may join and that are not known.
     /// The candidates are the neighbours of `centre` that are not done; `done` are those that are,
     /// at least all with three neighbours or more.
     bool Reads_clock(Node centre, Placed_nodes const& candidates, Placed_nodes const& done,
@@ -116,7 +116,7 @@ private:
     Pair reached_at_;
     Placed_nodes const* candidates_ = nullptr;
     Placed_nodes const* done_ = nullptr;
-    Lists behind_;    ///< a candidate's neighbours among the candidates behind it
+    Lists later_;     ///< a candidate's neighbours among the candidates after it
     Lists done_with_; ///< a candidate's neighbours among the done nodes
 
     // Known sets are numbered from 1 on, in the order in which they are found.
@@ -124,8 +124,8 @@ private:
     std::uint32_t n_known_ = 0;
     std::uint32_t first_known_ = 0;    ///< known_with_ of the first candidate when its turn came
     std::uint32_t known_before_ = 0;   ///< n_known_ at that time: all sets since hold it as well
-    std::vector<Place> outside_known_; ///< behind the first candidate and not in set first_known_
-    std::vector<Place> joining_;       ///< candidates behind a pair that may join it
+    std::vector<Place> outside_known_; ///< after the first candidate and not in set first_known_
+    std::vector<Place> joining_;       ///< candidates after a pair that may join it
     std::vector<Place> done_of_all_;   ///< done nodes linked with the whole set in question
     std::vector<Place> done_of_more_;  ///< the same with one more candidate
 };

@@ -60,7 +60,7 @@ std::uint64_t Bron_kerbosch_sub::First_candidates(std::span<std::uint32_t const>
     constexpr std::size_t n_first = 4;
     constexpr unsigned bits_each = 16;
     // Stands for all from there on. Such candidates cannot be told apart, so nothing that comes
-    // behind one of them counts.
+    // after one of them counts.
     constexpr std::uint32_t largest = 0xFFFF;
     std::uint64_t key = 0;
     bool beyond = false;
@@ -190,7 +190,7 @@ bool Bron_kerbosch::Search_wide(Pace* pace) {
     bool finished = true;
     Open_level(depth);
     while (finished) {
-        // A level's words: candidates, tried ones, ones to try. The next level's lie behind them.
+        // A level's words: candidates, tried ones, ones to try. The next level's lie after them.
         level_words_.resize(3 * n * (depth + 2));
         Word* const candidates = level_words_.data() + 3 * n * depth;
         Word* const tried = candidates + n;
@@ -293,7 +293,7 @@ void Bron_kerbosch::Open_level(std::size_t depth) {
     }
 }
 
-// Solves what is left behind path + next: the `size` candidates in `set`, at most 64.
+// Solves what is left after path + next: the `size` candidates in `set`, at most 64.
 bool Bron_kerbosch::Narrow_to_words(Word const* set, std::size_t size, std::size_t depth,
                                     std::size_t next, Pace* pace) {
     assert(0 < size && size <= word_bits);

@@ -73,7 +73,7 @@ Arcs Dir_before_first_clock::Arcs_between(Place candidate, Place other) {
 
 // The line of the centre and `first`: gathers who may join it, and where. Smaller candidates have
 // been tried in the gap into which `first` has gone; the front gap is used up when it has gone
-// behind the centre.
+// after the centre.
 void Dir_before_first_clock::Tighten_dir(Place first, bool in_front) {
     constexpr Gaps front = 1;
     constexpr Gaps middle = 2;

@@ -4,7 +4,7 @@
 // Takes    the surroundings of a node, sets of its centre and candidates.
 // Leaves   their order.
 // Order    a line grows by one node at a time, put into the gap before its first node, before its
-//          second, ..., or behind its last one. All lines are tried: depth first, gaps from the
+//          second, ..., or after its last one. All lines are tried: depth first, gaps from the
 //          front, in a gap ascending nodes. A set is listed when it is first met.
 // Cost     a set of s nodes takes about s times s / 64 steps, and the sorting. Memory: eight bytes
 //          a member, for the sets of this one node.
@@ -16,12 +16,12 @@
 // choice, so from there the set could not be completed.) As sets are met in the order of the steps
 // to their first lines, these steps, (gap, node) one after the other, are the key of the sorting.
 //
-// Invariant: the first gap in which a node can be completed is the one behind the last node of the
+// Invariant: the first gap in which a node can be completed is the one after the last node of the
 //            line that leads to it by one-way links within the set, or the gap at the front.
 // Relies on: a line can be completed when its order and the one-way links close no cycle.
 // Buys:      the whole line in one walk. A node not yet placed belongs to the group of the last
 //            node of the line that leads to it, or of the front. From the front on, each group is
-//            put into the gap behind its node, the smallest one first; a node placed takes from the
+//            put into the gap after its node, the smallest one first; a node placed takes from the
 //            group what it leads to as its own group, and the next one is placed before it.
 // Breaks if: a node's gap were looked for among the nodes placed alone: what leads to it may do so
 //            over nodes that are not placed yet.

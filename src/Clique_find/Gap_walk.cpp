@@ -12,10 +12,10 @@
 // Invariant: a line is left when its nodes and all that may join it are an acyclic set, which is
 //            listed here, once for all, or is listed elsewhere.
 // Relies on: whatever the line becomes is a part of that set. The set is met first by the steps of
-//            its First_line: if these begin with the steps that led here it is met behind this
+//            its First_line: if these begin with the steps that led here it is met after this
 //            line and nowhere before; if they do not, it is met elsewhere. If another node can join
 //            the set, no part of it is listed at all.
-// Buys:      nothing that has been listed need be kept in mind; and the walk is never behind the
+// Buys:      nothing that has been listed has to be remembered; and the walk keeps up with the
 //            search by gaps, which leaves a line only when that set lies in a known one: then it
 //            is acyclic.
 // Breaks if: a line whose set is not acyclic were left for another reason than that nothing
@@ -258,7 +258,7 @@ bool Gap_walk::Leads_on() {
     return Keeps_its_order() && !Any_can_join(true);
 }
 
-// A node behind another one in the line, into whose gap it went, is led to from there in every set
+// A node after another one in the line, into whose gap it went, is led to from there in every set
 // that is met here first; the way runs over nodes that join later.
 bool Gap_walk::Keeps_its_order() {
     auto const gap = static_cast<std::uint32_t>(steps_.back() >> 32);

@@ -44,7 +44,7 @@ Posting_lists::Posting_lists(Ranked_cliques const& cliques, Visited_cliques cons
     active_nodes_.Reserve(cliques.Number_of_nodes());
 }
 
-// Gives each list room for all cliques of its node, those without signatures behind the others.
+// Gives each list room for all cliques of its node, those without signatures after the others.
 // Returns where these begin.
 std::uint64_t Posting_lists::Lay_out(std::uint32_t min_very_long) {
     std::span<Clique_number const> const n_cliques = cliques_.N_cliques();

@@ -27,7 +27,7 @@ struct Parallel_coms_input {
 /// Finds the communities of each k from the largest clique's size down to 3 and writes their files.
 /// Says on the console and tells the progress what one thread would, level after level; the
 /// calling thread does this and nothing else. Throws the error of the first level that has one;
-/// then there may be files of levels behind it as well.
+/// then there may be files of levels after it as well.
 void Find_all_coms(Parallel_coms_input const& input, unsigned n_threads, Run_files& files,
                    Progress& progress);
 

@@ -8,8 +8,7 @@
 #include "library/Library_data.h"
 #include "library/Public_errors.h"
 #include "library/Told.h"
-#include "parallel/Parallel_percolation.h"
-#include "parallel/Pipeline.h"
+#include "parallel/Level_pipeline.h"
 #include "parallel/Thread_count.h"
 
 #include <plexor/Error.h>
@@ -40,59 +39,46 @@ std::shared_ptr<Level_data> New_level(std::shared_ptr<Level_base const> base, st
     return level;
 }
 
+std::vector<std::uint32_t> Descending(std::uint32_t first_k) {
+    std::vector<std::uint32_t> ks(first_k - 2);
+    for (std::size_t place = 0; place < ks.size(); ++place) {
+        ks[place] = first_k - static_cast<std::uint32_t>(place);
+    }
+    return ks;
+}
+
 // The levels from one k down to 3, made by several threads ahead of Next().
-class Levels_ahead : public cpm::Piece_work {
+class Levels_ahead : private cpm::Level_taker {
 public:
     Levels_ahead(std::shared_ptr<Level_base const> base,
                  std::shared_ptr<cpm::Ranked_cliques const> ranked, std::optional<double> intensity,
                  std::uint32_t first_k, unsigned n_threads)
         : base_(std::move(base)), ranked_(std::move(ranked)), intensity_(intensity),
-          ks_(first_k - 2) {
-        for (std::size_t place = 0; place < ks_.size(); ++place) {
-            ks_[place] = first_k - static_cast<std::uint32_t>(place);
-        }
-        levels_.resize(ks_.size());
-        if (!intensity_) {
-            percolation_.emplace(base_->cliques->found, *ranked_, base_->edges, ks_, n_threads);
-        }
-        // A level that waits holds its communities, one under way the lists of its thread.
-        pipeline_.emplace(*this, ks_.size(), n_threads, std::size_t{2} * n_threads);
-    }
+          ks_(Descending(first_k)), levels_(ks_.size()),
+          pipeline_(*this, {base_->cliques->found, ranked_.get(), base_->edges}, ks_, n_threads) {}
 
     std::shared_ptr<Level_data const> Next(cpm::Progress& progress) {
-        pipeline_->Next(progress);
+        pipeline_.Next(progress);
         return std::move(levels_[next_++]);
     }
 
 private:
-    void Prepare(std::size_t place, unsigned thread, cpm::Progress& progress) override {
-        if (intensity_) {
-            levels_[place] = New_level(base_, ks_[place]);
-            Find_by_intensity(*base_, *intensity_, *levels_[place], progress);
-        } else {
-            percolation_->Walk(place, thread, progress);
-        }
+    void Make_by_intensity(std::size_t place, unsigned, cpm::Progress& progress) override {
+        levels_[place] = New_level(base_, ks_[place]);
+        Find_by_intensity(*base_, *intensity_, *levels_[place], progress);
     }
-    void Join(std::size_t place, unsigned, cpm::Progress& progress) override {
-        if (!intensity_) {
-            percolation_->Join(place, progress);
-        }
-    }
-    void Finish(std::size_t place, unsigned, cpm::Progress&) override {
-        if (!intensity_) {
-            levels_[place] = New_level(base_, ks_[place]);
-            levels_[place]->coms = percolation_->Take(place);
-        }
+    void Take(cpm::Communities coms, std::size_t place, unsigned, cpm::Progress&) override {
+        levels_[place] = New_level(base_, ks_[place]);
+        levels_[place]->coms = std::move(coms);
     }
 
     std::shared_ptr<Level_base const> base_;
-    std::shared_ptr<cpm::Ranked_cliques const> ranked_;
+    std::shared_ptr<cpm::Ranked_cliques const> ranked_; ///< none with an intensity
     std::optional<double> intensity_;
     std::vector<std::uint32_t> ks_;
-    std::optional<cpm::Parallel_percolation> percolation_;
     std::vector<std::shared_ptr<Level_data>> levels_; ///< by place
     std::size_t next_ = 0;
-    std::optional<cpm::Pipeline> pipeline_; ///< ended first
+    cpm::Level_pipeline pipeline_; ///< ended first
 };
 
 } // namespace

@@ -4,7 +4,7 @@
 // Order    as Percolation has it: a walk is the same whatever was walked before.
 // Cost     a thread: the lists of Adjacent_cliques. A level that was walked and not joined: 4 bytes
 //          a clique in a community; one that was joined and not taken: its communities.
-// Tested   Parallel_percolation_test.cpp, the runs with threads against the plain model.
+// Tested   Level_pipeline_test.cpp, the runs with threads against the plain model.
 #include "parallel/Parallel_percolation.h"
 
 #include <cassert>

@@ -2,7 +2,7 @@
 // Takes    pieces of work in three parts.
 // Leaves   them done, each part once.
 // Order    joined and handed out by their numbers. An error is that of the first piece that has
-//          one, as it would be with one thread: pieces before it are handed out, none behind it is.
+//          one, as it would be with one thread: pieces before it are handed out, none after it is.
 // Cost     a lock a part.
 // Tested   Pipeline_test.cpp.
 #include "parallel/Pipeline.h"
@@ -137,7 +137,7 @@ Pipeline::Task Pipeline::Choose() {
     if (n_begun_ < first_failed_ && n_ahead < window_ && (n_ahead == 0 || work_.Has_room())) {
         return {Step::prepare, n_begun_++};
     }
-    // Behind a piece that has failed none is needed.
+    // After a piece that has failed none is needed.
     return {n_joined_ >= first_failed_ && n_begun_ >= first_failed_ ? Step::end : Step::waits, 0};
 }
 

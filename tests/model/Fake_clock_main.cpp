@@ -3,7 +3,7 @@
 // PLEXOR_FAKE_CLOCK_COIN, a seed and a percentage, a coin decides which attempts at nodes overrun:
 // these at their first reading after the start, all others never. Without it the C library's clock
 // is read, whose place Fake_clock.cpp takes. With a number in PLEXOR_TEST_THREADS the run has so
-// many threads, as it has behind other doors than the program.
+// many threads, as it has in other programs.
 #include "Clique_find/Clock.h"
 #include "Coin.h"
 #include "Plexor_io/Console.h"

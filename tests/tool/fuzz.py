@@ -154,7 +154,7 @@ def fuzz_links(rng: random.Random, seeds: list[tuple[str, bytes]], folder: Path)
             assert table.passed_over_here_alone
             return data
         if table.passed_over_here_alone:
-            return data  # a comment behind other white space than blanks and tabs is a link there
+            return data  # a comment after other white space than blanks and tabs is a link there
         weights = None if network.weight is None else network.weight.tolist()
         ends = zip(network.source.tolist(), network.target.tolist())
         theirs = [

@@ -355,7 +355,7 @@ def test_the_option_decides(case: str, tmp_path: Path) -> None:
     assert links_of(path, **options) == expected
 
 
-def test_text_behind_a_quotation_mark_is_refused(tmp_path: Path, in_process: Tool) -> None:
+def test_text_after_a_quotation_mark_is_refused(tmp_path: Path, in_process: Tool) -> None:
     path = tmp_path / "net.csv"
     path.write_bytes(b'from,to\n"a"b,c\nd,e\n')
     options = ["--delimiter=comma", "--source-column=from", "--target-column=to"]

@@ -428,15 +428,13 @@ def test_the_workers_of_a_scheduler(in_process: Tool, tmp_path: Path) -> None:
         many = tmp_path / "many"
         assert in_process("run", FACULTY, "-o", many, "--dask", address).status == 0
         assert tree(many) == tree(tmp_path / "one")
-        assert in_process("run", AIRPORTS, "-o", many, "-O", "--dask", address, "--shared", tmp_path).status == 0
+        options = ["--dask", address, "--shared", tmp_path, "--threads", "2"]
+        assert in_process("run", AIRPORTS, "-o", many, "-O", *options).status == 0
     assert in_process("run", AIRPORTS, "-o", tmp_path / "other").status == 0
     assert tree(many) == tree(tmp_path / "other")
     assert {path.name for path in tmp_path.iterdir()} == {"one", "many", "other"}
 
 
-@pytest.mark.parametrize("options", [["--dask", "x", "--threads", "2"], ["--shared", "."]])
-def test_options_of_clusters_that_do_not_go_together(
-    in_process: Tool, tmp_path: Path, options: list[str]
-) -> None:
-    outcome = in_process("run", FACULTY, "-o", tmp_path / "out", *options)
+def test_a_shared_folder_goes_with_a_scheduler(in_process: Tool, tmp_path: Path) -> None:
+    outcome = in_process("run", FACULTY, "-o", tmp_path / "out", "--shared", ".")
     assert outcome.status == 2 and not (tmp_path / "out").exists()

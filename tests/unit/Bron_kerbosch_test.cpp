@@ -230,7 +230,7 @@ TEST(Bron_kerbosch, An_excluded_node_must_be_linked_with_all_of_a_clique) {
         EXPECT_EQ(Cliques(local, problem, 0), Named({all}, 0)) << n;
         problem.excluded.push_back(problem.excluded[0]);
         problem.excluded[0].insert(0);
-        EXPECT_EQ(Cliques(local, problem, 0), Sets()) << n << ", another one behind it";
+        EXPECT_EQ(Cliques(local, problem, 0), Sets()) << n << ", another one after it";
         problem.excluded.pop_back();
         EXPECT_EQ(Cliques(local, problem, 0), Sets()) << n;
     }

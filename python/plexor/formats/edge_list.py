@@ -160,7 +160,7 @@ def _refusal(dialect: Dialect, fault: str, line: int, n_fields: int, text: bytes
         return long_line(LONGEST_LINE, line)
     texts = {
         "open_quotation": 'a quotation mark (") that is never closed',
-        "text_behind_quotation": "something stands after a closing quotation mark",
+        "text_after_quotation": "something stands after a closing quotation mark",
         "comment_or_link": f"begins with {shown} and has as many fields as a link: --comment "
         f"'{shown}' passes over it, --comment none reads it",
         "percent_comment": "begins with %: --comment '#%' passes over it, --comment '#' reads it",

@@ -182,8 +182,6 @@ def _check(arguments: argparse.Namespace) -> None:
             raise UsageError(f"{switch} takes a whole number, not '{text}'")
     if not re.fullmatch(r"[0-9]{1,4}", arguments.threads) or int(arguments.threads) > 1024:
         raise UsageError(f"--threads takes a whole number up to 1024, not '{arguments.threads}'")
-    if arguments.dask is not None and arguments.threads != "1":
-        raise UsageError("--dask and --threads do not go together")
     if arguments.shared is not None and arguments.dask is None:
         raise UsageError("--shared goes with --dask")
     if limit is not None and limit <= 0:

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "parallel/Parallel_percolation.h"
+#include "parallel/Level_pipeline.h"
 
 #include "Clique_find/Find_cliques.h"
 #include "Coms_funcs/Percolation.h"
 #include "graph/Graph.h"
-#include "parallel/Pipeline.h"
 #include "support/Graph_makers.h"
 
 #include <gtest/gtest.h>
@@ -55,29 +54,20 @@ Level Listed(Communities const& coms, Edge_numbering const& edges) {
 }
 
 // Lists every level with all of its links while others are made.
-class Listing_work : public Piece_work {
+class Listing_taker : public Level_taker {
 public:
-    Listing_work(Found_cliques const& found, Ranked_cliques const& ranked,
-                 Edge_numbering const& edges, std::vector<std::uint32_t> const& ks,
-                 unsigned n_threads)
-        : percolation_(found, ranked, edges, ks, n_threads), edges_(edges), levels(ks.size()) {}
+    Listing_taker(Edge_numbering const& edges, std::size_t n_levels)
+        : levels(n_levels), edges_(edges) {}
 
-    void Prepare(std::size_t place, unsigned thread, Progress& progress) override {
-        percolation_.Walk(place, thread, progress);
+    void Make_by_intensity(std::size_t, unsigned, Progress&) override { FAIL(); }
+    void Take(Communities coms, std::size_t place, unsigned, Progress&) override {
+        levels[place] = Listed(coms, edges_);
     }
-    void Join(std::size_t place, unsigned, Progress& progress) override {
-        percolation_.Join(place, progress);
-    }
-    void Finish(std::size_t place, unsigned, Progress&) override {
-        levels[place] = Listed(percolation_.Take(place), edges_);
-    }
+
+    std::vector<Level> levels;
 
 private:
-    Parallel_percolation percolation_;
     Edge_numbering const& edges_;
-
-public:
-    std::vector<Level> levels;
 };
 
 std::vector<Node> Some_nodes(Node n, Random_numbers& random) {
@@ -90,7 +80,7 @@ std::vector<Node> Some_nodes(Node n, Random_numbers& random) {
     return nodes;
 }
 
-// What a search can leave: exact cliques; approximated ones behind them, some inside others; lists
+// What a search can leave: exact cliques; approximated ones after them, some inside others; lists
 // whose overlaps are those from before a merge.
 struct Network {
     Network(std::uint32_t seed, int kind) {
@@ -129,7 +119,7 @@ struct Network {
     std::uint32_t largest = 0;
 };
 
-TEST(Parallel_percolation, Gives_what_one_level_after_the_other_gives) {
+TEST(Level_pipeline, Gives_what_one_level_after_the_other_gives) {
     for (std::uint32_t round = 0; round < 300; ++round) {
         Network const network(round, static_cast<int>(round % 3));
         Ranked_cliques const ranked(network.found.cliques, network.n);
@@ -140,8 +130,8 @@ TEST(Parallel_percolation, Gives_what_one_level_after_the_other_gives) {
             }
         }
         unsigned const n_threads = 1 + round % 5;
-        Listing_work work(network.found, ranked, network.edges, ks, n_threads);
-        Pipeline pipeline(work, ks.size(), n_threads, 1 + round % 7);
+        Listing_taker taker(network.edges, ks.size());
+        Level_pipeline pipeline(taker, {network.found, &ranked, network.edges}, ks, n_threads);
         Percolation percolation(network.found,
                                 std::make_shared<Ranked_cliques>(network.found.cliques, network.n),
                                 network.edges);
@@ -150,10 +140,37 @@ TEST(Parallel_percolation, Gives_what_one_level_after_the_other_gives) {
             pipeline.Next(nobody);
             Communities coms;
             percolation.Coms_from_appr_ovlp_matr(coms, ks[place]);
-            ASSERT_EQ(work.levels[place], Listed(coms, network.edges))
+            ASSERT_EQ(taker.levels[place], Listed(coms, network.edges))
                 << "round " << round << ", k " << ks[place];
         }
     }
+}
+
+// Notes who was asked for which level.
+class Noting_taker : public Level_taker {
+public:
+    explicit Noting_taker(std::size_t n_levels) : n_made(n_levels, 0) {}
+
+    void Make_by_intensity(std::size_t place, unsigned thread, Progress&) override {
+        EXPECT_LT(thread, 3);
+        ++n_made[place];
+    }
+    void Take(Communities, std::size_t, unsigned, Progress&) override { FAIL(); }
+
+    std::vector<int> n_made;
+};
+
+TEST(Level_pipeline, Leaves_levels_by_intensity_to_the_taker) {
+    Network const network(1, 0);
+    std::vector<std::uint32_t> const ks{9, 8, 7, 6, 5, 4, 3};
+    Noting_taker taker(ks.size());
+    Level_pipeline pipeline(taker, {network.found, nullptr, network.edges}, ks, 3);
+    Progress nobody;
+    for (std::size_t place = 0; place < ks.size(); ++place) {
+        pipeline.Next(nobody);
+        EXPECT_EQ(taker.n_made[place], 1);
+    }
+    EXPECT_EQ(taker.n_made, std::vector<int>(ks.size(), 1));
 }
 
 } // namespace
