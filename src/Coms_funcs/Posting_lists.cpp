@@ -27,7 +27,7 @@ constexpr std::uint64_t min_slice_bytes = std::uint64_t{1} << 20;
 std::size_t N_buckets(Ranked_cliques const& cliques) {
     constexpr std::uint64_t fewest = 128;
     constexpr std::uint64_t most = 1024;
-    constexpr std::uint64_t buckets_a_member = 8;
+    constexpr std::uint64_t buckets_a_member = 4;
     std::uint64_t const mean_size = cliques.Total() / std::max<std::size_t>(cliques.size(), 1);
     return std::bit_ceil(std::clamp(mean_size * buckets_a_member, fewest, most));
 }
