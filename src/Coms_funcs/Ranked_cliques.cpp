@@ -30,7 +30,7 @@ Wide_signature Wide_signature_of(std::span<Node const> nodes) {
     return signature;
 }
 
-Ranked_cliques::Ranked_cliques(Set_list cliques, Node n_nodes)
+Ranked_cliques::Ranked_cliques(Set_list const& cliques, Node n_nodes)
     : n_cliques_(std::size_t{n_nodes} + 1, 0) {
     for (Node const node : cliques.Flat()) {
         ++n_cliques_[node];
@@ -43,7 +43,9 @@ Ranked_cliques::Ranked_cliques(Set_list cliques, Node n_nodes)
         headers_.push_back({Wide_signature_of(cliques[c]), cliques.Starts()[c]});
     }
     headers_.push_back({{}, cliques.Total()});
-    ranked_ = cliques.Take_flat();
+    // A copy, in large pages: the list of a search grew in small ones, and here its members are
+    // looked at in any order. The index over them takes more memory later.
+    ranked_.Append(cliques.Flat());
     for (std::size_t c = 0; c < size(); ++c) {
         std::sort(ranked_.begin() + headers_[c].begin, ranked_.begin() + headers_[c + 1].begin,
                   [&](Node a, Node b) {

@@ -47,7 +47,7 @@ struct Clique_header {
 
 class Ranked_cliques {
 public:
-    Ranked_cliques(Set_list cliques, Node n_nodes);
+    Ranked_cliques(Set_list const& cliques, Node n_nodes);
 
     std::size_t size() const { return headers_.size() - 1; }
     Node Number_of_nodes() const { return static_cast<Node>(n_cliques_.size() - 1); }

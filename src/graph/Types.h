@@ -98,12 +98,6 @@ public:
         members_.Shrink_to_fit();
         offsets_.Shrink_to_fit();
     }
-    /// All elements, one list after the other, for whoever goes on with them; no list is left.
-    Flat_array<T> Take_flat() {
-        Flat_array<T> members = std::move(members_);
-        clear();
-        return members;
-    }
     /// Where each list begins among all elements; one more than there are lists.
     std::uint64_t const* Starts() const { return offsets_.data(); }
     /// All elements, one list after the other.
