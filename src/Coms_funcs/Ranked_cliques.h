@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Ranked_cliques: the clique list with the nodes of each clique ranked rarest first (a node is rare
 // when few cliques hold it), and what is known of a clique without its nodes. Const once built: all
-// levels and all threads share one. They are ranked where they lie: of a large network's cliques
-// there is no room for a second copy.
+// levels and all threads share one. It holds a copy of the list, which a run gives back as soon as
+// it is ranked: of a large network's cliques there is no room for two beside the index.
 #ifndef PLEXOR_RANKED_CLIQUES_H
 #define PLEXOR_RANKED_CLIQUES_H
 

@@ -25,7 +25,7 @@ namespace cpm {
 /// What the communities of every k are made from. What is referred to stays as it is and must
 /// outlive its use.
 struct Coms_input {
-    Found_cliques found;       ///< handed over: its cliques are ranked where they lie
+    Found_cliques found;       ///< handed over: its cliques are given back once ranked
     Index_links links;         ///< handed over: they are given up when they are needed no more
     Name_labels const& labels; ///< the names of the nodes
     Node n_nodes;

@@ -17,7 +17,7 @@ namespace cpm {
 
 /// What the communities are made from. What is referred to must outlive it.
 struct Parallel_coms_input {
-    Found_cliques& found;     ///< its cliques are taken to be ranked
+    Found_cliques& found;     ///< its cliques are given back once ranked
     Index_links const& links; ///< asked for in intensity runs only
     Edge_numbering const& edges;
     std::uint32_t largest_clique;

@@ -11,7 +11,7 @@
 namespace cpm::test {
 namespace {
 
-constexpr std::uint32_t n_cliques = 6000;
+constexpr std::uint32_t n_cliques = 8000;
 constexpr Node n_nodes = 64;
 constexpr int clique_size = 33;
 
@@ -61,10 +61,10 @@ std::vector<std::vector<Clique_number>> By_counting(Network const& network,
     return found;
 }
 
-// With 512 buckets of nodes the slices of a list take 64 bytes per clique. At 24 shared nodes each
-// clique is in ten lists, 640 bytes in all, 3.8 MB for all cliques; there is room for 1 MB and 132
-// bytes for each clique of 33 nodes. What does not fit makes all lists give way, and come back,
-// many times over.
+// With 256 buckets of nodes the slices of a list take 32 bytes per clique. At 24 shared nodes each
+// clique is in ten lists, 320 bytes in all, 2.6 MB for all cliques; there is room for 1 MB and 132
+// bytes for each clique of 33 nodes, 2.1 MB. What does not fit makes all lists give way, and come
+// back, time and again.
 TEST(Adjacent_cliques_room, Lists_that_give_way_to_others_lose_no_adjacent_clique) {
     // With signatures in all lists, and with none.
     for (std::uint32_t const min_very_long : {Posting_lists::very_long, 1U}) {
