@@ -20,7 +20,7 @@ namespace cpm {
 class Percolation : private Community_taker {
 public:
     /// What a search has found, its cliques ranked, which need not be in `found` any more (see
-    /// Cliques_to_rank()), and the numbers of the links. What is found and the numbers must outlive
+    /// Rank_cliques()), and the numbers of the links. What is found and the numbers must outlive
     /// this object. Several can share the cliques, each going its own way through the levels, on a
     /// thread of its own if it likes.
     Percolation(Found_cliques const& found, std::shared_ptr<Ranked_cliques const> cliques,

@@ -106,8 +106,12 @@ std::unique_ptr<Adjacency> Make_adjacency(Found_cliques const& found,
 
 } // namespace
 
-Set_list Cliques_to_rank(Found_cliques& found) {
-    return found.before_merge ? found.cliques : std::move(found.cliques);
+Ranked_cliques Rank_cliques(Found_cliques& found, Node n_nodes) {
+    Ranked_cliques ranked(found.cliques, n_nodes);
+    if (!found.before_merge) {
+        found.cliques = Set_list();
+    }
+    return ranked;
 }
 
 Percolation_walk::Percolation_walk(Found_cliques const& found, Ranked_cliques const& cliques)

@@ -21,9 +21,9 @@ inline bool Levels_nest(Found_cliques const& found) {
     return !found.before_merge;
 }
 
-/// Moves the cliques out of what is found, to be ranked; where their overlaps are from before a
-/// merge, which are found in them as they are, a copy.
-Set_list Cliques_to_rank(Found_cliques& found);
+/// Ranks the cliques and gives back those found, but where their overlaps are from before a merge,
+/// which are found in them as they are.
+Ranked_cliques Rank_cliques(Found_cliques& found, Node n_nodes);
 
 /// Takes the communities of a level as they are found.
 class Community_taker {
@@ -58,7 +58,7 @@ public:
 class Percolation_walk {
 public:
     /// What a search has found, and its cliques ranked, which need not be in `found` any more (see
-    /// Cliques_to_rank()): several walks can share them, each on a thread of its own. Both must
+    /// Rank_cliques()): several walks can share them, each on a thread of its own. Both must
     /// outlive this object.
     Percolation_walk(Found_cliques const& found, Ranked_cliques const& cliques);
 

@@ -45,8 +45,7 @@ void Coms_finder::Find_all(unsigned n_threads) {
 
 void Coms_finder::From_overlaps(std::uint32_t k) {
     if (!percolation_) {
-        auto cliques =
-            std::make_shared<Ranked_cliques>(Cliques_to_rank(input_.found), input_.n_nodes);
+        auto cliques = std::make_shared<Ranked_cliques>(Rank_cliques(input_.found, input_.n_nodes));
         percolation_ = std::make_unique<Percolation>(input_.found, std::move(cliques), edges_);
     }
     progress_.Level_began(k, input_.largest_clique);

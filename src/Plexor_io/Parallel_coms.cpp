@@ -105,7 +105,7 @@ void Find_all_coms(Parallel_coms_input const& input, unsigned n_threads, Run_fil
     bool const by_overlaps = !input.context.run.intensity;
     std::optional<Ranked_cliques> ranked;
     if (by_overlaps) {
-        ranked.emplace(Cliques_to_rank(input.found), input.context.n_nodes);
+        ranked = Rank_cliques(input.found, input.context.n_nodes);
     }
     Writing_taker taker(input, ks, n_threads, files);
     Level_pipeline pipeline(taker, {input.found, ranked ? &*ranked : nullptr, input.edges}, ks,
