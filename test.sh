@@ -62,9 +62,7 @@ long)
     fi
     step portable run_preset portable
     step checked run_preset checked
-    if grep -q '"tsan"' CMakePresets.json; then
-        step tsan run_preset tsan
-    fi
+    step tsan run_preset tsan
     step "100,000 small and 300 large runs beside the plain model" \
         build/test/tests/model/differential --program build/test/plexor \
         --fake-clock-program build/test/tests/model/plexor_fake_clock \

@@ -18,14 +18,6 @@ namespace cpm {
 
 namespace {
 
-std::vector<std::uint32_t> Descending(std::uint32_t largest) {
-    std::vector<std::uint32_t> ks;
-    for (std::uint32_t k = largest; k > 2; --k) {
-        ks.push_back(k);
-    }
-    return ks;
-}
-
 // Writes each level as it is made.
 class Writing_taker : public Level_taker {
 public:
@@ -101,7 +93,7 @@ private:
 
 void Find_all_coms(Parallel_coms_input const& input, unsigned n_threads, Run_files& files,
                    Progress& progress) {
-    std::vector<std::uint32_t> const ks = Descending(input.largest_clique);
+    std::vector<std::uint32_t> const ks = Levels_down_from(input.largest_clique);
     bool const by_overlaps = !input.context.run.intensity;
     std::optional<Ranked_cliques> ranked;
     if (by_overlaps) {

@@ -39,14 +39,6 @@ std::shared_ptr<Level_data> New_level(std::shared_ptr<Level_base const> base, st
     return level;
 }
 
-std::vector<std::uint32_t> Descending(std::uint32_t first_k) {
-    std::vector<std::uint32_t> ks(first_k - 2);
-    for (std::size_t place = 0; place < ks.size(); ++place) {
-        ks[place] = first_k - static_cast<std::uint32_t>(place);
-    }
-    return ks;
-}
-
 // The levels from one k down to 3, made by several threads ahead of Next().
 class Levels_ahead : private cpm::Level_taker {
 public:
@@ -54,7 +46,7 @@ public:
                  std::shared_ptr<cpm::Ranked_cliques const> ranked, std::optional<double> intensity,
                  std::uint32_t first_k, unsigned n_threads)
         : base_(std::move(base)), ranked_(std::move(ranked)), intensity_(intensity),
-          ks_(Descending(first_k)), levels_(ks_.size()),
+          ks_(cpm::Levels_down_from(first_k)), levels_(ks_.size()),
           pipeline_(*this, {base_->cliques->found, ranked_.get(), base_->edges}, ks_, n_threads) {}
 
     std::shared_ptr<Level_data const> Next(cpm::Progress& progress) {

@@ -11,6 +11,14 @@
 
 namespace cpm {
 
+std::vector<std::uint32_t> Levels_down_from(std::uint32_t k) {
+    std::vector<std::uint32_t> ks;
+    for (; k > 2; --k) {
+        ks.push_back(k);
+    }
+    return ks;
+}
+
 // A level that waits holds its communities, one under way the lists of its thread.
 Level_pipeline::Level_pipeline(Level_taker& taker, Level_pipeline_input const& input,
                                std::vector<std::uint32_t> const& ks, unsigned n_threads)

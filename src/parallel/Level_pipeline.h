@@ -36,6 +36,9 @@ public:
     virtual void Take(Communities coms, std::size_t place, unsigned thread, Progress& progress) = 0;
 };
 
+/// The k of a run over every level: from this one down to 3, or none where it is smaller.
+std::vector<std::uint32_t> Levels_down_from(std::uint32_t k);
+
 class Level_pipeline : private Piece_work {
 public:
     /// Begins with the levels of these k, descending, each once. The taker must outlive this

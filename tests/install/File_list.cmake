@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
-# Installs into an empty prefix and compares the files there with the list below, both ways.
+# Installs into an empty prefix, compares the files there with the list below, both ways, and
+# removes them again as the README says.
 set(packed)
 if(GZIP)
     set(packed .gz)
@@ -68,4 +69,15 @@ execute_process(COMMAND ${PREFIX}/${BINDIR}/plexor -h
     OUTPUT_VARIABLE help ERROR_VARIABLE errors RESULT_VARIABLE status)
 if(NOT status EQUAL 0 OR errors OR NOT help MATCHES "you must specify at least the")
     message(FATAL_ERROR "the installed program does not show its help (status ${status}) ${errors}")
+endif()
+
+file(READ ${PROJECT}/README.md readme)
+if(NOT readme MATCHES "\n    sudo (xargs [^\n]*) <build/release/(install_manifest[^\n]*)\n")
+    message(FATAL_ERROR "the README does not say how to remove the files")
+endif()
+execute_process(COMMAND sh -c "${CMAKE_MATCH_1}" INPUT_FILE ${BUILD}/${CMAKE_MATCH_2}
+    RESULT_VARIABLE status)
+file(GLOB_RECURSE left LIST_DIRECTORIES false ${PREFIX}/*)
+if(NOT status EQUAL 0 OR left)
+    message(FATAL_ERROR "not removed (status ${status}): ${left}")
 endif()

@@ -160,6 +160,13 @@ public:
     std::vector<int> n_made;
 };
 
+TEST(Level_pipeline, Knows_the_levels_of_a_run) {
+    EXPECT_EQ(Levels_down_from(5), (std::vector<std::uint32_t>{5, 4, 3}));
+    EXPECT_EQ(Levels_down_from(3), std::vector<std::uint32_t>{3});
+    EXPECT_TRUE(Levels_down_from(2).empty());
+    EXPECT_TRUE(Levels_down_from(0).empty());
+}
+
 TEST(Level_pipeline, Leaves_levels_by_intensity_to_the_taker) {
     Network const network(1, 0);
     std::vector<std::uint32_t> const ks{9, 8, 7, 6, 5, 4, 3};
