@@ -312,7 +312,8 @@ def test_entities_cannot_hide_in_an_encoding(
 
 
 def test_an_interrupt(tmp_path: Path) -> None:
-    # The input never ends, so the command is reading when the signal comes.
+    # The input has not ended when the signal comes. It ends afterwards: a signal that comes between
+    # two calls of read() is seen by Python when the second one is over.
     fifo = tmp_path / "fifo"
     os.mkfifo(fifo)
     target = tmp_path / "links.txt"
@@ -325,8 +326,8 @@ def test_an_interrupt(tmp_path: Path) -> None:
             stream.write(b"a b\n")
             stream.flush()
             process.send_signal(signal.SIGINT)
-            assert process.stderr is not None
-            said = process.stderr.read().decode()
+        assert process.stderr is not None
+        said = process.stderr.read().decode()
         assert process.wait() == 130
     assert said == "plexor-tool: interrupted\n"
     assert not target.exists()
