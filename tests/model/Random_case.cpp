@@ -766,8 +766,15 @@ Case Large_case(std::uint32_t seed) {
     Weights weights = Any_weights(dice);
     unsigned const kind = dice.Below(4);
     bool const directed = kind == 1 || (kind == 3 && dice.Percent(50));
-    // The model walks the sets of nodes inside a clique in the last three.
-    Network network = Large(std::vector<unsigned>{80, 10, 8, 9}[kind], dice);
+    if (kind == 2 && !weights.Any()) {
+        weights.style = Style::tied;
+    }
+    bool const above = weights.Any() && dice.Percent(30);
+    bool const below = weights.Any() && dice.Percent(20);
+    // The model walks the sets of nodes inside a clique in the last three. And it looks at all
+    // pairs of cliques, of which a large clique that loses links leaves tens of thousands.
+    unsigned const largest = above || below ? 20 : 80;
+    Network network = Large(std::min(std::vector<unsigned>{80, 10, 8, 9}[kind], largest), dice);
     if (directed) {
         Direct(network, dice);
         add({"-D"});
@@ -775,7 +782,6 @@ Case Large_case(std::uint32_t seed) {
         add({"-U"});
     }
     if (kind == 2) {
-        weights.style = weights.Any() ? weights.style : Style::tied;
         add({"-I", Threshold(dice)});
     }
     if (kind == 3) {
@@ -783,10 +789,10 @@ Case Large_case(std::uint32_t seed) {
         test.timed = true;
         test.clock = {.coin = {dice.Below(1000000), dice.Between(1, 15)}};
     }
-    if (weights.Any() && dice.Percent(30)) {
+    if (above) {
         add({"-w", Threshold(dice)});
     }
-    if (weights.Any() && dice.Percent(20)) {
+    if (below) {
         add({"-W", "9"});
     }
     if (dice.Percent(30)) {
