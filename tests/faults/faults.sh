@@ -450,6 +450,9 @@ case_two_runs_at_once_past_a_file() {
 # A new directory that its owner may not list cannot be seen to be empty: nothing goes into it. One
 # that is there and can be listed serves.
 case_umask_without_owner_read() {
+    counts_aside
+    ./plexor -h >/dev/null
+    [ ! -e "$work/counts" ] || skip "what counts lines makes files with the same rights"
     without_privileges
     mkdir empty
     [ -z "$as_user" ] || chown 65534:65534 empty
@@ -565,6 +568,7 @@ case_too_little_memory() {
 case_too_little_memory_to_begin() {
     counts_aside
     can_limit_memory
+    [ ! -e "$work/counts" ] || skip "what counts lines has no memory either"
     reached=0
     for kilobytes in $(seq 5000 100 9000); do
         rm -rf out
