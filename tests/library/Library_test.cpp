@@ -65,6 +65,7 @@ TEST(Graph, numbers_nodes_as_the_links_name_them) {
     Graph const graph = Graph::From_edges(edges);
     EXPECT_EQ(graph.Number_of_nodes(), 3U);
     EXPECT_EQ(graph.Number_of_links(), 3U);
+    EXPECT_FALSE(graph.Weighted());
     EXPECT_EQ(graph.Id(1), 70U);
     EXPECT_EQ(graph.Id(2), 5U);
     EXPECT_EQ(graph.Id(3), 900000000U);
@@ -86,6 +87,7 @@ TEST(Graph, merges_a_link_and_its_reverse_unless_directed) {
     std::vector<double> const weights = {1, 10, 100};
     Graph const undirected = Graph::From_edges(edges, weights);
     ASSERT_EQ(undirected.Number_of_links(), 1U);
+    EXPECT_TRUE(undirected.Weighted());
     EXPECT_EQ(undirected.Weight(0), 111);
     Graph const directed = Graph::From_edges(edges, weights, {.directed = true});
     ASSERT_EQ(directed.Number_of_links(), 2U);
@@ -160,6 +162,14 @@ private:
     double readings_ = 0;
 };
 
+std::uint64_t Number_counted(Level const& level, plexor::Part part) {
+    std::uint64_t n = 0;
+    for (plexor::Value_count const& sizes : level.Count(part).size) {
+        n += sizes.count;
+    }
+    return n;
+}
+
 TEST(Cliques, of_nodes_given_up_are_approximated) {
     Hour_clock clock;
     Graph const graph = Moon_moser(5);
@@ -167,6 +177,10 @@ TEST(Cliques, of_nodes_given_up_are_approximated) {
     EXPECT_LT(cliques.Number_of_exact(), cliques.size());
     Level const level = Levels(graph, cliques).At(5);
     EXPECT_LT(level.Number_of_exact(), level.size());
+    EXPECT_EQ(Number_counted(level, plexor::Part::all), level.size());
+    EXPECT_EQ(Number_counted(level, plexor::Part::exact), level.Number_of_exact());
+    EXPECT_EQ(Number_counted(level, plexor::Part::approximated),
+              level.size() - level.Number_of_exact());
     EXPECT_EQ(Kind_thrown([&] { Levels(graph, cliques, {.intensity = 1}); }),
               Error::Kind::bad_argument);
     EXPECT_EQ(Kind_thrown([&] { plexor::Find_cliques(graph, {.time_limit = 0}); }),
@@ -222,6 +236,11 @@ TEST(Levels, can_be_asked_in_any_order) {
     EXPECT_EQ(levels.Next()->K(), 4U); // At() does not count
     EXPECT_EQ(levels.At(5).size(), 0U);
     EXPECT_THAT(Ids(graph, level), ElementsAre(ElementsAre(1, 2, 3, 4), ElementsAre(3, 4, 5, 6)));
+    EXPECT_THAT(level.Offsets(), ElementsAre(0U, 4U, 8U));
+    ASSERT_EQ(level.Members().size(), 8U);
+    EXPECT_EQ(level.Members()[4], level[1][0]);
+    Levels moved = std::move(levels);
+    EXPECT_EQ(moved.Next()->K(), 3U);
 }
 
 TEST(Levels, leave_values_that_need_nothing_else) {
