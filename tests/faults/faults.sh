@@ -53,6 +53,12 @@ limits=:
 counts_aside() {
     export GCOV_PREFIX="$work/counts"
 }
+# For a fault that what counts them runs into itself.
+not_where_lines_are_counted() {
+    counts_aside
+    ./plexor -h >/dev/null
+    [ ! -e "$work/counts" ] || skip "this build counts the lines that are run"
+}
 run() {
     { status=0; ($limits; exec $as_user ./plexor "$@") 2>errors.txt || status=$?
       echo "$status" >status.txt; } |
@@ -450,9 +456,7 @@ case_two_runs_at_once_past_a_file() {
 # A new directory that its owner may not list cannot be seen to be empty: nothing goes into it. One
 # that is there and can be listed serves.
 case_umask_without_owner_read() {
-    counts_aside
-    ./plexor -h >/dev/null
-    [ ! -e "$work/counts" ] || skip "what counts lines makes files with the same rights"
+    not_where_lines_are_counted
     without_privileges
     mkdir empty
     [ -z "$as_user" ] || chown 65534:65534 empty
@@ -566,9 +570,8 @@ case_too_little_memory() {
 
 # Where the program starts at all (the loader has room for its libraries), it says what is wrong.
 case_too_little_memory_to_begin() {
-    counts_aside
+    not_where_lines_are_counted
     can_limit_memory
-    [ ! -e "$work/counts" ] || skip "what counts lines has no memory either"
     reached=0
     for kilobytes in $(seq 5000 100 9000); do
         rm -rf out
